@@ -1,0 +1,125 @@
+#pragma once
+// A project as plain records: what a project file says, and nothing computed.
+// docs/project-file.md explains every field with its unit. Frames are host
+// frames (fields in interlaced material), points are pixels with y up.
+
+#include <QList>
+#include <QString>
+#include <QStringList>
+
+#include <array>
+#include <optional>
+#include <vector>
+
+namespace MarloHost
+{
+
+struct ClipModel
+{
+    QString name;
+
+    /// Raster of a full frame; a field of interlaced material has half the lines.
+    int width = 0;
+    int height = 0;
+
+    /// Width of a pixel divided by its height.
+    double pixelAspect = 1.0;
+    int frameCount = 0;
+
+    /// Added to a host frame to show it; in host frames.
+    int frameOffset = 0;
+    bool interlaced = false;
+};
+
+struct GroupModel
+{
+    QString name;
+
+    /// Name of the group that holds this one; empty at the top.
+    QString parent;
+    bool hidden = false;
+    bool selected = false;
+    bool moving = false;
+};
+
+/// Homographies of one view: `homographies` holds nine numbers, row by row, for
+/// each of `frames`, which ascend.
+struct TrackModel
+{
+    QString view;
+    std::vector<int> frames;
+    std::vector<double> homographies;
+};
+
+/// Per-corner offsets that the user added at a frame: x and y of lower left,
+/// lower right, upper left, upper right.
+struct AdjustKeyModel
+{
+    int frame = 0;
+    std::array<double, 8> offsets{};
+};
+
+struct StabilizeModel
+{
+    std::optional<int> rangeStart;
+    std::optional<int> rangeEnd;
+    std::vector<int> fixedFrames;
+};
+
+struct LayerModel
+{
+    QString name;
+
+    /// Name of the clip that the layer was tracked on; empty means the first.
+    QString clip;
+
+    /// Name of the group that holds the layer; empty at the top.
+    QString group;
+
+    /// First and last frame of the layer; unset means those of the clip.
+    std::optional<int> inPoint;
+    std::optional<int> outPoint;
+    bool hidden = false;
+    bool selected = false;
+    bool moving = false;
+
+    /// Frame in which the surface corners were placed.
+    int referenceFrame = 0;
+
+    /// x and y of lower left, lower right, upper left, upper right.
+    std::array<double, 8> corners{};
+
+    /// One per view; a view without one has no tracking data.
+    std::vector<TrackModel> tracks;
+    std::vector<AdjustKeyModel> adjust;
+    StabilizeModel stabilize;
+};
+
+struct ProjectModel
+{
+    /// Frames (not fields) per second.
+    double frameRate = 24.0;
+    std::vector<ClipModel> clips;
+
+    /// At least one; their order gives the view ids.
+    QStringList views = {QStringLiteral("main")};
+    std::vector<GroupModel> groups;
+
+    /// From the top of the stack.
+    std::vector<LayerModel> layers;
+
+    int currentFrame = 0;
+
+    /// Names; empty means none for the layer, the first for view and clip.
+    QString currentLayer;
+    QString currentView;
+    QString displayClip;
+
+    /// Playback range and trimmed range; unset means the first clip.
+    std::optional<int> playbackIn;
+    std::optional<int> playbackOut;
+    std::optional<int> trimIn;
+    std::optional<int> trimOut;
+};
+
+}

@@ -1,0 +1,1 @@
+// The FBX document writer comes with the FBX exporters.
