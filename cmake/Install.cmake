@@ -21,9 +21,7 @@ set(marlo_targets marloexport marlo_host_api marlo_mtx marlo_kestrelia marlo_usd
 if(TARGET marlohost)
     list(APPEND marlo_targets marlohost)
 endif()
-install(TARGETS ${marlo_targets} EXPORT MarloExportTargets
-    LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
-    INCLUDES DESTINATION ${marlo_include_dir})
+install(TARGETS ${marlo_targets} EXPORT MarloExportTargets LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
 if(TARGET marlo-export)
     install(TARGETS marlo-export RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
 endif()
@@ -46,12 +44,10 @@ install(FILES
     DESTINATION ${marlo_cmake_dir})
 
 # pkg-config knows where the .pc file lies; everything else is told from there.
-file(RELATIVE_PATH marlo_pc_prefix
-    ${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig ${CMAKE_INSTALL_PREFIX})
+file(RELATIVE_PATH marlo_pc_prefix ${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig ${CMAKE_INSTALL_PREFIX})
 string(REGEX REPLACE "/$" "" marlo_pc_prefix "${marlo_pc_prefix}")
-set(marlo_pc_libs "-lmarloexport -lmarlohost -lmarlo_mtx -lmarlo_kestrelia -lmarlo_usd")
-if(NOT TARGET marlohost)
-    string(REPLACE " -lmarlohost" "" marlo_pc_libs "${marlo_pc_libs}")
-endif()
+list(TRANSFORM marlo_targets PREPEND "-l" OUTPUT_VARIABLE marlo_pc_libs)
+list(REMOVE_ITEM marlo_pc_libs -lmarlo_host_api)
+list(JOIN marlo_pc_libs " " marlo_pc_libs)
 configure_file(cmake/marloexport.pc.in ${CMAKE_BINARY_DIR}/cmake/marloexport.pc @ONLY)
 install(FILES ${CMAKE_BINARY_DIR}/cmake/marloexport.pc DESTINATION ${marlo_pkgconfig_dir})
