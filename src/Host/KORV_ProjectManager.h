@@ -107,6 +107,9 @@ public:
     Korvane::Callbacks& callbacks() const;
     ZN::Scene3DParameterSet& scene3DParameters() const;
 
+    /// A host frame as a user sees it: offset added, fields halved to frames.
+    unsigned int shownFrame(unsigned int frame) const;
+
 private:
     std::unique_ptr<Data> m_data;
 };
