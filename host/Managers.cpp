@@ -172,6 +172,11 @@ ZN::Scene3DParameterSet& KORV_ProjectManager::scene3DParameters() const
     return *m_data->scene;
 }
 
+KORV_ProjectManager::Data& KORV_ProjectManager::data()
+{
+    return *m_data;
+}
+
 KORV_SelectionManager::KORV_SelectionManager(std::unique_ptr<Data> data) : m_data(std::move(data))
 {
 }

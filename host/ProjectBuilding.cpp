@@ -247,4 +247,26 @@ boost::shared_ptr<KORV_ProjectManager> makeProject(ProjectModel const& model, QS
     return boost::make_shared<KORV_ProjectManager>(std::move(data));
 }
 
+void setCurrentLayer(KORV_ProjectManager& project, unsigned int layerId)
+{
+    KORV_Layer* const layer = project.sm()->layerFromNumericID(layerId, false);
+    if (layerId != 0 && !layer)
+    {
+        dangling("layer", QString::number(layerId));
+    }
+    project.data().currentLayer = layer;
+    *project.toolManager() = KORV_ToolManager(layerId);
+}
+
+void setCurrentView(KORV_ProjectManager& project, Anm::View const& view)
+{
+    if (project.views()->viewIndex(view) < 0)
+    {
+        dangling("view", view.toString());
+    }
+    KORV_ProjectManager::Data& data = project.data();
+    data.currentView = view;
+    data.currentFrame = Anm::Context(data.currentFrame.time(), view);
+}
+
 }
