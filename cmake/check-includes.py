@@ -20,7 +20,7 @@ CROSS = {
     "Motion": {"FinalCut"},
 }
 # What a target folder may take of Core; the composition roots are Core's own.
-CORE_FOR_TARGETS = {"ExportApi.h", "DataFormat.h", "ThrowHelpers.h", "LensExporter.h", "ExportEnvironment.h"}
+CORE_FOR_TARGETS = {"TrackingSetup.h", "ExportApi.h", "DataFormat.h", "ThrowHelpers.h", "LensExporter.h", "ExportEnvironment.h"}
 
 
 def room(path):

@@ -2,6 +2,7 @@
 // Project files: strict reading, writing back, and turning one into a project
 // that exporters can work on.
 
+#include "Host/Anm.h"
 #include "Host/HostApi.h"
 #include "marlohost/ProjectModel.h"
 
@@ -62,5 +63,13 @@ struct HostServices
 MARLO_HOST_API boost::shared_ptr<KORV_ProjectManager> makeProject(ProjectModel const& model,
                                                                   QString const& projectFilePath = QString(),
                                                                   HostServices const& services = HostServices());
+
+/// Makes a layer the current one, as a click in the layer list does; 0 for none.
+/// @throws KORV_BadArgument when there is no layer of that id
+MARLO_HOST_API void setCurrentLayer(KORV_ProjectManager& project, unsigned int layerId);
+
+/// Changes the view of the viewer, and of the current frame with it.
+/// @throws KORV_BadArgument when the project doesn't have the view
+MARLO_HOST_API void setCurrentView(KORV_ProjectManager& project, Anm::View const& view);
 
 }

@@ -11,6 +11,13 @@
 #include <optional>
 #include <vector>
 
+#include <boost/shared_ptr.hpp>
+
+namespace Korvane
+{
+class Contour;
+}
+
 namespace MarloHost
 {
 
@@ -93,6 +100,9 @@ struct LayerModel
     std::vector<TrackModel> tracks;
     std::vector<AdjustKeyModel> adjust;
     StabilizeModel stabilize;
+
+    /// Contours that a program brings along; project files don't hold them yet.
+    QList<boost::shared_ptr<Korvane::Contour const>> contours;
 };
 
 struct ProjectModel

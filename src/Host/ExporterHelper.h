@@ -49,9 +49,9 @@ namespace Korvane
 class MARLO_HOST_API ExporterHelperBase
 {
 public:
-    /// @param readsTracks whether the frames are those of the layer (true), or
-    ///        those of the whole project (false)
-    explicit ExporterHelperBase(bool readsTracks);
+    /// @param cutToLayer whether ranges are cut to that of the layer; otherwise they
+    ///        are cut to the project's playback range
+    explicit ExporterHelperBase(bool cutToLayer);
     ExporterHelperBase(ExporterHelperBase const& other);
     ExporterHelperBase(ExporterHelperBase&& other) noexcept;
     ExporterHelperBase& operator=(ExporterHelperBase const& other);
@@ -63,9 +63,11 @@ public:
     /// The range is cut to that of the layer; the largest and the smallest int,
     /// in either order, ask for the whole of it. A layer that doesn't exist or
     /// lies outside leaves a helper with nothing to export: firstFrame() is -1.
+    ///
+    /// @param reserved has no effect; callers pass false
     virtual void initialiseWithPMAndRange(KORV_ProjectManager const& project, unsigned int layerId,
                                           Anm::View const& view, int framesToExport, Anm::Time first, Anm::Time last,
-                                          bool wholeFrames);
+                                          bool reserved);
 
     /// A selector that initialiseWithPMAndRange understands. All values in use
     /// today mean every frame.
@@ -73,7 +75,7 @@ public:
 
     /// False when the layer has no frame in the range.
     static bool layerIsWithinProject(KORV_ProjectManager const& project, unsigned int layerId, Anm::Time first,
-                                     Anm::Time last, bool wholeFrames);
+                                     Anm::Time last, bool reserved);
 
     /// The clip that gives size, interlacing and frame offset.
     void setClip(KORV_Clip const& clip);
@@ -110,9 +112,11 @@ public:
     void setFrameScale(float scale);
 
 protected:
-    struct Data;
+    /// Leaves nothing to export.
+    void clearRange();
 
 private:
+    struct Data;
     std::unique_ptr<Data> m_base;
 };
 
@@ -147,7 +151,7 @@ public:
     ~TrackingExporterHelper() override;
 
     void initialiseWithPMAndRange(KORV_ProjectManager const& project, unsigned int layerId, Anm::View const& view,
-                                  int framesToExport, Anm::Time first, Anm::Time last, bool wholeFrames) override;
+                                  int framesToExport, Anm::Time first, Anm::Time last, bool reserved) override;
 
     /// Computes the points of every frame of the range.
     ///

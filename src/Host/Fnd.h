@@ -113,7 +113,7 @@ public:
 namespace Korvane
 {
 
-/// Puts text on the clipboard with the line ends that the platform expects.
+/// Puts text on the clipboard as it stands.
 MARLO_HOST_API void smartCopy(Fnd::IClipboard& clipboard, QString const& text);
 
 }

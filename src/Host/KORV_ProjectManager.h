@@ -107,6 +107,12 @@ public:
     Korvane::Callbacks& callbacks() const;
     ZN::Scene3DParameterSet& scene3DParameters() const;
 
+    /// A host frame as a user sees it: offset added, fields halved to frames.
+    unsigned int shownFrame(unsigned int frame) const;
+
+    /// The host's own record; opaque to exporters.
+    Data& data();
+
 private:
     std::unique_ptr<Data> m_data;
 };

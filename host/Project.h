@@ -1,0 +1,111 @@
+#pragma once
+// The reference host's records behind the classes of src/Host.
+
+#include "Host/Anm.h"
+#include "Host/KORV_Clip.h"
+#include "Host/KORV_Layer.h"
+#include "Host/KORV_ProjectManager.h"
+#include "Host/MessageBox.h"
+#include "Host/Scene3D.h"
+#include "Host/ZN_ClipInfo.h"
+#include "marlohost/ProjectFile.h"
+
+#include <QHash>
+
+struct ZN_BaseClipInfo::Data
+{
+    int lines = 0;
+    ZN::ImageFormat format;
+    bool interlaced = false;
+    int offset = 0;
+};
+
+struct KORV_Clip::Data
+{
+    unsigned int id = 0;
+    QString name;
+    std::unique_ptr<ZN_BaseClipInfo> info;
+};
+
+struct Korvane::LayerGroup::Data
+{
+    MarloHost::GroupModel const* model = nullptr;
+    Korvane::LayerGroup* parent = nullptr;
+};
+
+struct KORV_Layer::Data
+{
+    MarloHost::LayerModel const* model = nullptr;
+    unsigned int id = 0;
+    KORV_Clip const* clip = nullptr;
+    Korvane::LayerGroup* group = nullptr;
+    KORV_Layer const* below = nullptr;
+    int inPoint = 0;
+    int outPoint = 0;
+    KV::Surface surface;
+    ZN_StabilizeParameterSet stabilize;
+    QList<boost::shared_ptr<Korvane::Contour const>> contours;
+
+    /// Tracks by view id; null where the view has none.
+    std::vector<MarloHost::TrackModel const*> tracks;
+};
+
+struct KORV_SelectionManager::Data
+{
+    std::vector<boost::shared_ptr<KORV_Layer>> stack;
+    std::map<unsigned int, boost::shared_ptr<Korvane::ItemItf>> items;
+};
+
+struct KORV_ParameterManager::Data
+{
+    std::map<unsigned int, std::unique_ptr<KORV_Clip>> clips;
+    QHash<QString, unsigned int> idByName;
+};
+
+struct KORV_FrameManager::Data
+{
+    KORV_ParameterManager const* clips = nullptr;
+};
+
+struct ProjectProperties::Data
+{
+    QSize size;
+    double par = 1.0;
+    int trimIn = 0;
+    boost::shared_ptr<Anm::Views const> views;
+};
+
+struct ZN::Camera3DParameterSet::Data
+{
+    Anm::Parameter<unsigned int> solved;
+};
+
+struct ZN::Scene3DParameterSet::Data
+{
+    std::unique_ptr<Camera3DParameterSet> camera;
+};
+
+struct KORV_ProjectManager::Data
+{
+    MarloHost::ProjectModel model;
+    QString filePath;
+    MarloHost::HostServices services;
+
+    boost::shared_ptr<Anm::Views const> views;
+    std::vector<std::unique_ptr<Korvane::LayerGroup>> groups;
+    std::unique_ptr<KORV_ParameterManager> parameters;
+    boost::shared_ptr<KORV_SelectionManager> selection;
+    std::unique_ptr<KORV_FrameManager> frames;
+    std::unique_ptr<KORV_ToolManager> tools;
+    std::unique_ptr<KV::RenderingContext> rendering;
+    std::unique_ptr<ProjectProperties> properties;
+    std::unique_ptr<ZN::Scene3DParameterSet> scene;
+
+    KORV_Layer* currentLayer = nullptr;
+    Anm::Context currentFrame;
+    Anm::View currentView;
+    int offset = 0;
+    bool interlaced = false;
+    unsigned int playbackIn = 0;
+    unsigned int playbackOut = 0;
+};

@@ -1,0 +1,342 @@
+// From plain records back to the text of a project file. Keys that hold their
+// default are left out, so that a small project stays small.
+
+#include "marlohost/ProjectFile.h"
+
+#include "Host/KORV_Exception.h"
+#include "text/NumberText.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace MarloHost
+{
+
+namespace
+{
+
+/// Appends indented JSON. Objects and arrays nest by the calls between open and
+/// close; flat arrays of numbers take a given number to a line.
+class JsonText
+{
+public:
+    JsonText()
+    {
+        m_text.reserve(1 << 16);
+    }
+
+    void open(char const* key, char bracket)
+    {
+        start(key);
+        m_text += bracket;
+        m_isFirst = true;
+        ++m_depth;
+    }
+
+    void close(char bracket)
+    {
+        --m_depth;
+        if (!m_isFirst)
+        {
+            newLine();
+        }
+        m_text += bracket;
+        m_isFirst = false;
+    }
+
+    void string(char const* key, QString const& value)
+    {
+        start(key);
+        quote(value);
+    }
+
+    void number(char const* key, double value)
+    {
+        start(key);
+        append(value);
+    }
+
+    void boolean(char const* key, bool value)
+    {
+        start(key);
+        m_text += value ? "true" : "false";
+    }
+
+    template <typename Numbers>
+    void numbers(char const* key, Numbers const& values, std::size_t perLine)
+    {
+        start(key);
+        m_text += '[';
+        std::size_t count = 0;
+        for (auto const value : values)
+        {
+            if (count > 0)
+            {
+                m_text += count % perLine == 0 ? "," : ", ";
+            }
+            if (values.size() > perLine && count % perLine == 0)
+            {
+                m_text += '\n' + QByteArray((m_depth + 1) * 2, ' ');
+            }
+            append(static_cast<double>(value));
+            ++count;
+        }
+        if (values.size() > perLine)
+        {
+            newLine();
+        }
+        m_text += ']';
+    }
+
+    QByteArray take()
+    {
+        m_text += '\n';
+        return std::move(m_text);
+    }
+
+private:
+    void newLine()
+    {
+        m_text += '\n' + QByteArray(m_depth * 2, ' ');
+    }
+
+    void start(char const* key)
+    {
+        if (!m_isFirst)
+        {
+            m_text += ',';
+        }
+        if (m_depth > 0)
+        {
+            newLine();
+        }
+        m_isFirst = false;
+        if (key)
+        {
+            m_text += '"';
+            m_text += key;
+            m_text += "\": ";
+        }
+    }
+
+    void append(double value)
+    {
+        if (!std::isfinite(value))
+        {
+            throw KORV_BadArgument(__FILE__, __LINE__, QStringLiteral("A project file can't hold %1").arg(value),
+                                   QString());
+        }
+        Text::appendShortest(m_text, value);
+    }
+
+    void quote(QString const& value)
+    {
+        m_text += '"';
+        for (char const c : value.toUtf8())
+        {
+            if (c == '"' || c == '\\')
+            {
+                m_text += '\\';
+                m_text += c;
+            }
+            else if (static_cast<unsigned char>(c) < 0x20)
+            {
+                m_text += "\\u00" + QByteArray(1, static_cast<char>(c)).toHex();
+            }
+            else
+            {
+                m_text += c;
+            }
+        }
+        m_text += '"';
+    }
+
+    QByteArray m_text;
+    int m_depth = 0;
+    bool m_isFirst = true;
+};
+
+void writeFlag(JsonText& json, char const* key, bool value)
+{
+    if (value)
+    {
+        json.boolean(key, true);
+    }
+}
+
+void writeName(JsonText& json, char const* key, QString const& name)
+{
+    if (!name.isEmpty())
+    {
+        json.string(key, name);
+    }
+}
+
+void writeOptional(JsonText& json, char const* key, std::optional<int> const& value)
+{
+    if (value)
+    {
+        json.number(key, *value);
+    }
+}
+
+void writeClip(JsonText& json, ClipModel const& clip)
+{
+    json.open(nullptr, '{');
+    json.string("name", clip.name);
+    json.number("width", clip.width);
+    json.number("height", clip.height);
+    if (clip.pixelAspect != 1.0)
+    {
+        json.number("pixelAspect", clip.pixelAspect);
+    }
+    json.number("frameCount", clip.frameCount);
+    if (clip.frameOffset != 0)
+    {
+        json.number("frameOffset", clip.frameOffset);
+    }
+    writeFlag(json, "interlaced", clip.interlaced);
+    json.close('}');
+}
+
+void writeGroup(JsonText& json, GroupModel const& group)
+{
+    json.open(nullptr, '{');
+    json.string("name", group.name);
+    writeName(json, "parent", group.parent);
+    writeFlag(json, "hidden", group.hidden);
+    writeFlag(json, "selected", group.selected);
+    writeFlag(json, "moving", group.moving);
+    json.close('}');
+}
+
+void writeTrack(JsonText& json, TrackModel const& track)
+{
+    json.open(nullptr, '{');
+    writeName(json, "view", track.view);
+    bool const consecutive =
+        !track.frames.empty() &&
+        track.frames.back() - track.frames.front() == static_cast<int>(track.frames.size()) - 1;
+    if (consecutive)
+    {
+        json.number("firstFrame", track.frames.front());
+    }
+    else
+    {
+        json.numbers("frames", track.frames, 20);
+    }
+    json.numbers("homographies", track.homographies, 9);
+    json.close('}');
+}
+
+void writeStabilize(JsonText& json, StabilizeModel const& stabilize)
+{
+    if (!stabilize.rangeStart && !stabilize.rangeEnd && stabilize.fixedFrames.empty())
+    {
+        return;
+    }
+    json.open("stabilize", '{');
+    writeOptional(json, "rangeStart", stabilize.rangeStart);
+    writeOptional(json, "rangeEnd", stabilize.rangeEnd);
+    if (!stabilize.fixedFrames.empty())
+    {
+        json.numbers("fixedFrames", stabilize.fixedFrames, 20);
+    }
+    json.close('}');
+}
+
+template <typename Records, typename Write>
+void writeArray(JsonText& json, char const* key, Records const& records, Write const& write)
+{
+    if (records.empty())
+    {
+        return;
+    }
+    json.open(key, '[');
+    for (auto const& record : records)
+    {
+        write(json, record);
+    }
+    json.close(']');
+}
+
+void writeAdjustKey(JsonText& json, AdjustKeyModel const& key)
+{
+    json.open(nullptr, '{');
+    json.number("frame", key.frame);
+    json.numbers("offsets", key.offsets, 8);
+    json.close('}');
+}
+
+void writeLayer(JsonText& json, LayerModel const& layer)
+{
+    if (!layer.contours.isEmpty())
+    {
+        throw KORV_BadArgument(__FILE__, __LINE__,
+                               QStringLiteral("Layer \"%1\" has contours, which project files don't hold")
+                                   .arg(layer.name),
+                               QString());
+    }
+    json.open(nullptr, '{');
+    json.string("name", layer.name);
+    writeName(json, "clip", layer.clip);
+    writeName(json, "group", layer.group);
+    writeOptional(json, "in", layer.inPoint);
+    writeOptional(json, "out", layer.outPoint);
+    writeFlag(json, "hidden", layer.hidden);
+    writeFlag(json, "selected", layer.selected);
+    writeFlag(json, "moving", layer.moving);
+    json.open("surface", '{');
+    json.number("referenceFrame", layer.referenceFrame);
+    json.numbers("corners", layer.corners, 8);
+    json.close('}');
+    writeArray(json, "tracking", layer.tracks, writeTrack);
+    writeArray(json, "adjust", layer.adjust, writeAdjustKey);
+    writeStabilize(json, layer.stabilize);
+    json.close('}');
+}
+
+void writeRange(JsonText& json, char const* key, std::optional<int> const& first, std::optional<int> const& last,
+                int lastFrame)
+{
+    if (first || last)
+    {
+        json.numbers(key, std::array<int, 2>{first.value_or(0), last.value_or(lastFrame)}, 2);
+    }
+}
+
+}
+
+QByteArray writeProject(ProjectModel const& model)
+{
+    JsonText json;
+    json.open(nullptr, '{');
+    json.number("marloProject", 1);
+    json.number("frameRate", model.frameRate);
+    writeArray(json, "clips", model.clips, writeClip);
+    if (model.views != ProjectModel().views)
+    {
+        json.open("views", '[');
+        for (QString const& view : model.views)
+        {
+            json.string(nullptr, view);
+        }
+        json.close(']');
+    }
+    writeArray(json, "groups", model.groups, writeGroup);
+    if (model.currentFrame != 0)
+    {
+        json.number("currentFrame", model.currentFrame);
+    }
+    writeName(json, "currentLayer", model.currentLayer);
+    writeName(json, "currentView", model.currentView);
+    writeName(json, "displayClip", model.displayClip);
+    int const lastFrame = model.clips.empty() ? 0 : model.clips.front().frameCount - 1;
+    writeRange(json, "playback", model.playbackIn, model.playbackOut, lastFrame);
+    writeRange(json, "trim", model.trimIn, model.trimOut, lastFrame);
+    writeArray(json, "layers", model.layers, writeLayer);
+    json.close('}');
+    return json.take();
+}
+
+}

@@ -1,0 +1,15 @@
+#include "Core/ExporterTables.h"
+
+#include "Host/CameraSolveExporter.h"
+
+namespace Export
+{
+
+// The row of KestreliaProjectFile is to say `true` behind its exporter: that format
+// is offered whatever the product's categories are.
+std::vector<CameraSolveRow> cameraSolveRows()
+{
+    return {};
+}
+
+}

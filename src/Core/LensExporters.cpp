@@ -1,0 +1,38 @@
+#include "Core/LensExporter.h"
+
+#include <vector>
+
+namespace Export
+{
+
+namespace
+{
+
+struct LensRow
+{
+    LensDataFormat const& (*format)();
+    boost::shared_ptr<LensExporter const> (*create)();
+};
+
+std::vector<LensRow> lensRows()
+{
+    return {};
+}
+
+}
+
+QMap<LensDataFormat, boost::shared_ptr<LensExporter const>> const& LensExporter::EXPORTERS_BY_FORMAT()
+{
+    static QMap<LensDataFormat, boost::shared_ptr<LensExporter const>> const exporters = []
+    {
+        QMap<LensDataFormat, boost::shared_ptr<LensExporter const>> all;
+        for (LensRow const& row : lensRows())
+        {
+            all.insert(row.format(), row.create());
+        }
+        return all;
+    }();
+    return exporters;
+}
+
+}

@@ -1,0 +1,13 @@
+#include "Core/ExporterTables.h"
+
+#include "Host/ShapeExporter.h"
+
+namespace Export
+{
+
+std::vector<ShapeRow> shapeRows()
+{
+    return {};
+}
+
+}

@@ -1,0 +1,27 @@
+#include "Core/ExporterTables.h"
+
+#include "AfterEffects/AECornerPinExporters.h"
+#include "AfterEffects/AETransformExporter.h"
+#include "Host/TrackingExporter.h"
+
+namespace Export
+{
+
+std::vector<TrackingRow> trackingRows()
+{
+    using F = TrackingDataFormat;
+    using Row = TrackingRow;
+    return {
+        {&F::AE_CORNER_PIN_LEGACY, &Row::make<AELegacyCornerPinExporter>},
+        {&F::AE_TRANSFORM, &Row::make<AETransformExporter>},
+        {&F::AE_CORNER_PIN, &Row::make<AECornerPinExporter>},
+        {&F::AE_POWER_PIN, &Row::make<AEPowerPinExporter>},
+        {&F::DORIN_CORNER_PIN, &Row::make<VNTCornerPinExporter>},
+        {&F::DORIN_CENTER_POINT, &Row::make<KORV_VNTCenterPointExporter>},
+        {&F::AE_CORNER_PIN_SIMPLE, &Row::make<AESimpleCornerPinExporter, false, false>},
+        {&F::SCRATCH_CORNER_PIN, &Row::make<ScratchCornerPinExporter>},
+        {&F::GLIMMERSET_CORNER_PIN, &Row::make<GlimmersetCornerPinExporter>},
+    };
+}
+
+}

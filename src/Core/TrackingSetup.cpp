@@ -1,0 +1,48 @@
+#include "Core/TrackingSetup.h"
+
+#include "Core/ThrowHelpers.h"
+#include "Host/ExporterHelper.h"
+#include "Host/KORV_Layer.h"
+#include "Host/KORV_ProjectManager.h"
+#include "text/Names.h"
+
+namespace Export
+{
+
+void setUpTrackingHelper(Korvane::TrackingExporterHelper& helper, KORV_ProjectManager& project, unsigned int layerId,
+                         Anm::View const& view, int framesToExport)
+{
+    constexpr int UNLIMITED = 2147483647;
+    helper.initialiseWithPMAndRange(project, layerId, view, framesToExport, Anm::Time::fromInt(-UNLIMITED),
+                                    Anm::Time::fromInt(UNLIMITED), false);
+    KORV_Layer const* const layer = project.pGetSelectionManager()->layerFromNumericID(layerId, false);
+    if (!layer)
+    {
+        throwBadArgument(QStringLiteral("No selected layer"));
+    }
+    KORV_Clip const* const clip =
+        project.pGetParameterManager()->getClip(layer->trackingInputClipID(true, false, true));
+    if (!clip)
+    {
+        throwBadArgument(QStringLiteral("The layer \"%1\" has no clip").arg(layer->name()));
+    }
+    helper.setClip(*clip);
+}
+
+Korvane::ExportedFiles textResult(QString const& path, QString const& text, int failedCount,
+                                  QStringList const& failures)
+{
+    Korvane::ExportedFiles result;
+    result.files.insert(path, text.toUtf8());
+    result.failedCount = failedCount;
+    for (QString const& failure : failures)
+    {
+        if (!failure.isEmpty())
+        {
+            result.messages.append(Text::pathMessage(path, failure));
+        }
+    }
+    return result;
+}
+
+}

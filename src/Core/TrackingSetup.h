@@ -1,0 +1,40 @@
+#pragma once
+// What every tracking exporter does at the start and at the end of an export.
+
+#include "Core/ExportApi.h"
+#include "Host/ExportedFiles.h"
+
+#include <QString>
+#include <QStringList>
+
+class KORV_ProjectManager;
+
+namespace Anm
+{
+class View;
+}
+namespace Korvane
+{
+class TrackingExporterHelper;
+}
+
+namespace Export
+{
+
+/// Points the helper at the whole range of a layer, on the clip that the layer was
+/// tracked on.
+///
+/// @param framesToExport from the options of the export
+/// @throws KORV_BadArgument when there is no such layer or its clip is gone
+void setUpTrackingHelper(Korvane::TrackingExporterHelper& helper, KORV_ProjectManager& project, unsigned int layerId,
+                         Anm::View const& view, int framesToExport);
+
+/// The result of an export of one text.
+///
+/// @param text stored under `path` as UTF-8
+/// @param failedCount rows that were left out
+/// @param failures a line each; empty ones are dropped, the others get the path in front
+Korvane::ExportedFiles textResult(QString const& path, QString const& text, int failedCount,
+                                  QStringList const& failures);
+
+}

@@ -1,0 +1,473 @@
+<?xml version="1.0" encoding="utf-8"?>
+<!DOCTYPE TS>
+<TS version="2.1" language="de_DE" sourcelanguage="en">
+<context>
+    <name>CameraSolveFormat</name>
+    <message>
+        <source>After Effects 3D Motion Data</source>
+        <translation>After Effects-3D-Bewegungsdaten</translation>
+    </message>
+    <message>
+        <source>After Effects 3D Motion Data - pre-2025</source>
+        <translation>After Effects-3D-Bewegungsdaten - vor 2025</translation>
+    </message>
+    <message>
+        <source>FBX 3D Data for Nuke - 7.7.0</source>
+        <translation>FBX-3D-Daten für Nuke - 7.7.0</translation>
+    </message>
+    <message>
+        <source>FBX 3D Data - 6.1.0</source>
+        <translation>FBX-3D-Daten - 6.1.0</translation>
+    </message>
+    <message>
+        <source>FBX 3D Data - 7.7.0</source>
+        <translation>FBX-3D-Daten - 7.7.0</translation>
+    </message>
+    <message>
+        <source>HitFilm 3D Data</source>
+        <translation>HitFilm-3D-Daten</translation>
+    </message>
+    <message>
+        <source>USD 3D Data</source>
+        <translation>USD-3D-Daten</translation>
+    </message>
+    <message>
+        <source>Kestrelia 3D Data</source>
+        <translation>Kestrelia-3D-Daten</translation>
+    </message>
+    <message>
+        <source>Alembic 3D Data</source>
+        <translation>Alembic-3D-Daten</translation>
+    </message>
+    <message>
+        <source>3D Transform Camera Solve Data for After Effects. Generates 3D nulls with transform hierarchy from the &apos;Paste Marlo Camera&apos; option in the After Effects edit menu.</source>
+        <translation>3D-Transformationsdaten der Kameraberechnung für After Effects. Erzeugt 3D-Null-Objekte mit Transformationshierarchie über „Paste Marlo Camera“ im Bearbeiten-Menü von After Effects.</translation>
+    </message>
+    <message>
+        <source>3D Transform Camera Solve Data for After Effects. Generates 3D nulls in world space from the &apos;Paste Marlo Camera&apos; option in the After Effects edit menu. Compatible with all versions of the After Effects plugin; not recommended for moving objects with many nulls.</source>
+        <translation>3D-Transformationsdaten der Kameraberechnung für After Effects. Erzeugt 3D-Null-Objekte in Weltkoordinaten über „Paste Marlo Camera“ im Bearbeiten-Menü von After Effects. Kompatibel mit allen Versionen des After Effects-Plug-ins; nicht empfohlen für bewegte Objekte mit vielen Null-Objekten.</translation>
+    </message>
+    <message>
+        <source>3D FBX Camera Solve Data for Nuke. Version 7.7.0. A special FBX export for Nuke due to a different axis orientation.</source>
+        <translation>3D-Daten der Kameraberechnung als FBX für Nuke. Version 7.7.0. Ein eigener FBX-Export für Nuke, weil dort die Achsen anders ausgerichtet sind.</translation>
+    </message>
+    <message>
+        <source>3D FBX Camera Solve Data. Version 6.1.0.</source>
+        <translation>3D-Daten der Kameraberechnung als FBX. Version 6.1.0.</translation>
+    </message>
+    <message>
+        <source>3D FBX Camera Solve Data. Version 7.7.0.</source>
+        <translation>3D-Daten der Kameraberechnung als FBX. Version 7.7.0.</translation>
+    </message>
+    <message>
+        <source>FxHome HitFilm 3D Camera Solve Data.</source>
+        <translation>3D-Daten der Kameraberechnung für FxHome HitFilm.</translation>
+    </message>
+    <message>
+        <source>USD 3D Camera Solve Data.</source>
+        <translation>3D-Daten der Kameraberechnung als USD.</translation>
+    </message>
+    <message>
+        <source>Dorin FX Kestrelia 3D Camera Solve Data.</source>
+        <translation>3D-Daten der Kameraberechnung für Dorin FX Kestrelia.</translation>
+    </message>
+    <message>
+        <source>3D Alembic Camera Solve Data</source>
+        <translation>3D-Daten der Kameraberechnung als Alembic</translation>
+    </message>
+</context>
+<context>
+    <name>Export::CameraSolveExporterFactory</name>
+    <message>
+        <source>Invalid export format</source>
+        <translation>Ungültiges Exportformat</translation>
+    </message>
+    <message>
+        <source>Format with &apos;%1&apos; name already has been registered</source>
+        <translation>Ein Format mit dem Namen „%1“ ist bereits registriert</translation>
+    </message>
+    <message>
+        <source>Invalid camera solve format</source>
+        <translation>Ungültiges Format für Kameraberechnungen</translation>
+    </message>
+</context>
+<context>
+    <name>Export::LensDataFormat</name>
+    <message>
+        <source>Marlo XML Lens Data</source>
+        <translation>Marlo-XML-Objektivdaten</translation>
+    </message>
+    <message>
+        <source>Marlo Lens for After Effects</source>
+        <translation>Marlo Lens für After Effects</translation>
+    </message>
+    <message>
+        <source>Distortion Map Clip</source>
+        <translation>Clip mit Verzeichnungskarte</translation>
+    </message>
+</context>
+<context>
+    <name>Export::ShapeDataFormat</name>
+    <message>
+        <source>Invalid export format name</source>
+        <translation>Ungültiger Name eines Exportformats</translation>
+    </message>
+</context>
+<context>
+    <name>Export::ShapeExporterFactory</name>
+    <message>
+        <source>Invalid export format</source>
+        <translation>Ungültiges Exportformat</translation>
+    </message>
+    <message>
+        <source>Format with &apos;%1&apos; name already has been registered</source>
+        <translation>Ein Format mit dem Namen „%1“ ist bereits registriert</translation>
+    </message>
+    <message>
+        <source>Invalid shape data format</source>
+        <translation>Ungültiges Format für Formdaten</translation>
+    </message>
+</context>
+<context>
+    <name>Export::TrackingDataFormat</name>
+    <message>
+        <source>Invalid export format name</source>
+        <translation>Ungültiger Name eines Exportformats</translation>
+    </message>
+</context>
+<context>
+    <name>Export::TrackingExporterFactory</name>
+    <message>
+        <source>Invalid export format</source>
+        <translation>Ungültiges Exportformat</translation>
+    </message>
+    <message>
+        <source>Format with &apos;%1&apos; name already has been registered</source>
+        <translation>Ein Format mit dem Namen „%1“ ist bereits registriert</translation>
+    </message>
+    <message>
+        <source>Invalid tracking data format</source>
+        <translation>Ungültiges Format für Tracking-Daten</translation>
+    </message>
+</context>
+<context>
+    <name>ExportFunctions</name>
+    <message>
+        <source>Invalid export format name</source>
+        <translation>Ungültiger Name eines Exportformats</translation>
+    </message>
+    <message>
+        <source>export</source>
+        <translation>export</translation>
+    </message>
+    <message>
+        <source>Cannot write to following paths.
+Make sure you have the necessary permissions:
+%1</source>
+        <translation>In folgende Pfade kann nicht geschrieben werden.
+Stellen Sie sicher, dass Sie die nötigen Berechtigungen haben:
+%1</translation>
+    </message>
+    <message>
+        <source>Could not write to file %1</source>
+        <translation>Die Datei %1 konnte nicht geschrieben werden</translation>
+    </message>
+</context>
+<context>
+    <name>TrackingDataFormat</name>
+    <message>
+        <source>After Effects CS3 Corner Pin</source>
+        <comment>TrackingDataFormat</comment>
+        <translation>After Effects CS3-Corner-Pin</translation>
+    </message>
+    <message>
+        <source>After Effects Transform Data</source>
+        <comment>TrackingDataFormat</comment>
+        <translation>After Effects-Transformationsdaten</translation>
+    </message>
+    <message>
+        <source>Alembic 2D Mesh Data</source>
+        <comment>TrackingDataFormat</comment>
+        <translation>Alembic-2D-Mesh-Daten</translation>
+    </message>
+    <message>
+        <source>Alembic 2D Vertex Transform</source>
+        <comment>TrackingDataFormat</comment>
+        <translation>Alembic-2D-Vertex-Transformation</translation>
+    </message>
+    <message>
+        <source>Final Cut Basic Motion - 7.0.0</source>
+        <comment>TrackingDataFormat</comment>
+        <translation>Final Cut Einfache Bewegung - 7.0.0</translation>
+    </message>
+    <message>
+        <source>Final Cut Distort - 7.0.0</source>
+        <comment>TrackingDataFormat</comment>
+        <translation>Final Cut Verzerren - 7.0.0</translation>
+    </message>
+    <message>
+        <source>Flame Point Tracker Data</source>
+        <comment>TrackingDataFormat</comment>
+        <translation>Flame-Punkt-Tracker-Daten</translation>
+    </message>
+    <message>
+        <source>Flame Point Tracker Data - 2014.0.0</source>
+        <comment>TrackingDataFormat</comment>
+        <translation>Flame-Punkt-Tracker-Daten - 2014.0.0</translation>
+    </message>
+    <message>
+        <source>Flame Axis</source>
+        <comment>TrackingDataFormat</comment>
+        <translation>Flame-Achse</translation>
+    </message>
+    <message>
+        <source>Shake Tracking Data</source>
+        <comment>TrackingDataFormat</comment>
+        <translation>Shake-Tracking-Daten</translation>
+    </message>
+    <message>
+        <source>Avid DS Tracking Data</source>
+        <comment>TrackingDataFormat</comment>
+        <translation>Avid DS-Tracking-Daten</translation>
+    </message>
+    <message>
+        <source>Nuke Ascii</source>
+        <comment>TrackingDataFormat</comment>
+        <translation>Nuke Ascii</translation>
+    </message>
+    <message>
+        <source>Nuke Corner Pin</source>
+        <comment>TrackingDataFormat</comment>
+        <translation>Nuke-Corner-Pin</translation>
+    </message>
+    <message>
+        <source>Nuke Tracker Data - 7.0+</source>
+        <comment>TrackingDataFormat</comment>
+        <translation>Nuke-Tracker-Daten - 7.0+</translation>
+    </message>
+    <message>
+        <source>Nuke WarpLattice to Tracker Data</source>
+        <comment>TrackingDataFormat</comment>
+        <translation>Nuke-Tracker-Daten aus WarpLattice</translation>
+    </message>
+    <message>
+        <source>XML Motion Matrix Data</source>
+        <comment>TrackingDataFormat</comment>
+        <translation>XML-Bewegungsmatrixdaten</translation>
+    </message>
+    <message>
+        <source>Quantel Corner Pin Data</source>
+        <comment>TrackingDataFormat</comment>
+        <translation>Quantel-Corner-Pin-Daten</translation>
+    </message>
+    <message>
+        <source>HitFilm Transform Data</source>
+        <comment>TrackingDataFormat</comment>
+        <translation>HitFilm-Transformationsdaten</translation>
+    </message>
+    <message>
+        <source>HitFilm Corner Pin with Motion Blur</source>
+        <comment>TrackingDataFormat</comment>
+        <translation>HitFilm-Corner-Pin mit Bewegungsunschärfe</translation>
+    </message>
+    <message>
+        <source>Fusion Tracker Data</source>
+        <comment>TrackingDataFormat</comment>
+        <translation>Fusion-Tracker-Daten</translation>
+    </message>
+    <message>
+        <source>After Effects Corner Pin with Motion Blur</source>
+        <comment>TrackingDataFormat</comment>
+        <translation>After Effects-Corner-Pin mit Bewegungsunschärfe</translation>
+    </message>
+    <message>
+        <source>After Effects CC Power Pin</source>
+        <comment>TrackingDataFormat</comment>
+        <translation>After Effects CC Power Pin</translation>
+    </message>
+    <message>
+        <source>Vantarium Corner Pin - 11.0.0</source>
+        <comment>TrackingDataFormat</comment>
+        <translation>Vantarium-Corner-Pin - 11.0.0</translation>
+    </message>
+    <message>
+        <source>Vantarium Center Point - 11.0.0</source>
+        <comment>TrackingDataFormat</comment>
+        <translation>Vantarium-Mittelpunkt - 11.0.0</translation>
+    </message>
+    <message>
+        <source>After Effects Corner Pin</source>
+        <comment>TrackingDataFormat</comment>
+        <translation>After Effects-Corner-Pin</translation>
+    </message>
+    <message>
+        <source>Motion Corner Pin</source>
+        <comment>TrackingDataFormat</comment>
+        <translation>Motion-Corner-Pin</translation>
+    </message>
+    <message>
+        <source>MarloBlend Tracking Data</source>
+        <comment>TrackingDataFormat</comment>
+        <translation>MarloBlend-Tracking-Daten</translation>
+    </message>
+    <message>
+        <source>Motion Basic Transform Data</source>
+        <comment>TrackingDataFormat</comment>
+        <translation>Motion-Transformationsdaten (einfach)</translation>
+    </message>
+    <message>
+        <source>Flame Stabilizer Data</source>
+        <comment>TrackingDataFormat</comment>
+        <translation>Flame-Stabilisierungsdaten</translation>
+    </message>
+    <message>
+        <source>Flame Point Stabilizer Data - 2014.0.0</source>
+        <comment>TrackingDataFormat</comment>
+        <translation>Flame-Punkt-Stabilisierungsdaten - 2014.0.0</translation>
+    </message>
+    <message>
+        <source>SCRATCH Corner Pin Data</source>
+        <comment>TrackingDataFormat</comment>
+        <translation>SCRATCH-Corner-Pin-Daten</translation>
+    </message>
+    <message>
+        <source>Flowbox Corner Pin</source>
+        <comment>TrackingDataFormat</comment>
+        <translation>Flowbox-Corner-Pin</translation>
+    </message>
+    <message>
+        <source>Glimmerset Corner Pin</source>
+        <comment>TrackingDataFormat</comment>
+        <translation>Glimmerset-Corner-Pin</translation>
+    </message>
+    <message>
+        <source>Kestrelia 2D Tracker Data</source>
+        <comment>TrackingDataFormat</comment>
+        <translation>Kestrelia-2D-Tracker-Daten</translation>
+    </message>
+    <message>
+        <source>Corner Pin Data for older versions of After Effects.</source>
+        <translation>Corner-Pin-Daten für ältere Versionen von After Effects.</translation>
+    </message>
+    <message>
+        <source>Transform Data for After Effects. Translation, Scale and Rotation.</source>
+        <translation>Transformationsdaten für After Effects: Position, Skalierung und Drehung.</translation>
+    </message>
+    <message>
+        <source>2D Alembic Mesh Data from WarpLattice tracks. Distorts control points in X/Y plane only.</source>
+        <translation>2D-Mesh-Daten für Alembic aus WarpLattice-Tracks. Kontrollpunkte werden nur in der X/Y-Ebene verformt.</translation>
+    </message>
+    <message>
+        <source>2D Alembic Transform Data from WarpLattice tracks. Only vertex transforms, not meshes.</source>
+        <translation>2D-Transformationsdaten für Alembic aus WarpLattice-Tracks. Nur Transformationen der Vertices, keine Meshes.</translation>
+    </message>
+    <message>
+        <source>Basic Motion Data for Apple Final Cut 7. This is a Legacy Format and is no longer supported.</source>
+        <translation>Daten der einfachen Bewegung für Apple Final Cut 7. Dies ist ein veraltetes Format und wird nicht mehr unterstützt.</translation>
+    </message>
+    <message>
+        <source>Distort Data for Apple Final Cut 7. This is a Legacy Format and is no longer supported.</source>
+        <translation>Verzerrungsdaten für Apple Final Cut 7. Dies ist ein veraltetes Format und wird nicht mehr unterstützt.</translation>
+    </message>
+    <message>
+        <source>Autodesk Flame Point Tracker Data.</source>
+        <translation>Punkt-Tracker-Daten für Autodesk Flame.</translation>
+    </message>
+    <message>
+        <source>Autodesk Flame Axis Data.</source>
+        <translation>Achsendaten für Autodesk Flame.</translation>
+    </message>
+    <message>
+        <source>Shape Tracking Data. This is a Legacy Format and is no longer supported.</source>
+        <translation>Tracking-Daten für Shake. Dies ist ein veraltetes Format und wird nicht mehr unterstützt.</translation>
+    </message>
+    <message>
+        <source>Tracking Data for Avid DS Systems. This is a Legacy Format and is no longer supported.</source>
+        <translation>Tracking-Daten für Avid DS-Systeme. Dies ist ein veraltetes Format und wird nicht mehr unterstützt.</translation>
+    </message>
+    <message>
+        <source>Nuke Ascii Tracker Data.</source>
+        <translation>Tracker-Daten für Nuke als ASCII-Text.</translation>
+    </message>
+    <message>
+        <source>Nuke Corner Pin Data.</source>
+        <translation>Corner-Pin-Daten für Nuke.</translation>
+    </message>
+    <message>
+        <source>Nuke Tracker Data.</source>
+        <translation>Tracker-Daten für Nuke.</translation>
+    </message>
+    <message>
+        <source>Nuke Tracker Data. Creates a separate tracker per-vertex in a single Tracker node.</source>
+        <translation>Tracker-Daten für Nuke. Legt in einem einzigen Tracker-Knoten für jeden Vertex einen eigenen Tracker an.</translation>
+    </message>
+    <message>
+        <source>Quantel Corner Pin Data. This is a Legacy Format and is no longer supported.</source>
+        <translation>Corner-Pin-Daten für Quantel. Dies ist ein veraltetes Format und wird nicht mehr unterstützt.</translation>
+    </message>
+    <message>
+        <source>FxHome HitFilm Transform Data.</source>
+        <translation>Transformationsdaten für FxHome HitFilm.</translation>
+    </message>
+    <message>
+        <source>FxHome HitFilm Corner Pin Data (Supports Motion Blur).</source>
+        <translation>Corner-Pin-Daten für FxHome HitFilm (unterstützt Bewegungsunschärfe).</translation>
+    </message>
+    <message>
+        <source>Blackmagic Fusion Tracker Data.</source>
+        <translation>Tracker-Daten für Blackmagic Fusion.</translation>
+    </message>
+    <message>
+        <source>Corner Pin Data for After Effects. Translation, Scale and Rotation keyframes are split out so Motion Blur can be applied.</source>
+        <translation>Corner-Pin-Daten für After Effects. Keyframes für Position, Skalierung und Drehung sind getrennt, damit Bewegungsunschärfe angewendet werden kann.</translation>
+    </message>
+    <message>
+        <source>CC Power Pin (Corner Pin) Data for After Effects.</source>
+        <translation>CC Power Pin-Daten (Corner-Pin) für After Effects.</translation>
+    </message>
+    <message>
+        <source>Corner Pin Data for Dorin FX Vantarium. This is a Legacy Format and is no longer supported.</source>
+        <translation>Corner-Pin-Daten für Dorin FX Vantarium. Dies ist ein veraltetes Format und wird nicht mehr unterstützt.</translation>
+    </message>
+    <message>
+        <source>Transform Data for Dorin FX Vantarium. This is a Legacy Format and is no longer supported.</source>
+        <translation>Transformationsdaten für Dorin FX Vantarium. Dies ist ein veraltetes Format und wird nicht mehr unterstützt.</translation>
+    </message>
+    <message>
+        <source>Corner Pin Data for After Effects.</source>
+        <translation>Corner-Pin-Daten für After Effects.</translation>
+    </message>
+    <message>
+        <source>Corner Pin Data for Apple Motion.</source>
+        <translation>Corner-Pin-Daten für Apple Motion.</translation>
+    </message>
+    <message>
+        <source>MarloBlend Tracking Data.</source>
+        <translation>Tracking-Daten für MarloBlend.</translation>
+    </message>
+    <message>
+        <source>Transform Data for Apple Motion.</source>
+        <translation>Transformationsdaten für Apple Motion.</translation>
+    </message>
+    <message>
+        <source>Autodesk Flame Stabilizer Data.</source>
+        <translation>Stabilisierungsdaten für Autodesk Flame.</translation>
+    </message>
+    <message>
+        <source>Assimilate SCRATCH Corner Pin Data.</source>
+        <translation>Corner-Pin-Daten für Assimilate SCRATCH.</translation>
+    </message>
+    <message>
+        <source>Flowbox Corner Pin Data.  This is a Legacy Format and is no longer supported.</source>
+        <translation>Corner-Pin-Daten für Flowbox. Dies ist ein veraltetes Format und wird nicht mehr unterstützt.</translation>
+    </message>
+    <message>
+        <source>Dorin FX Glimmerset Corner Pin Data.</source>
+        <translation>Corner-Pin-Daten für Dorin FX Glimmerset.</translation>
+    </message>
+    <message>
+        <source>Dorin FX Kestrelia 2D Tracker Data.</source>
+        <translation>2D-Tracker-Daten für Dorin FX Kestrelia.</translation>
+    </message>
+</context>
+</TS>
