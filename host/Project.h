@@ -38,6 +38,7 @@ struct KORV_Layer::Data
     MarloHost::LayerModel const* model = nullptr;
     unsigned int id = 0;
     KORV_Clip const* clip = nullptr;
+    MarloHost::ClipModel const* clipModel = nullptr;
     Korvane::LayerGroup* group = nullptr;
     KORV_Layer const* below = nullptr;
     int inPoint = 0;

@@ -139,6 +139,7 @@ private:
             &model,
             id,
             m_project.parameters->getClip(clip),
+            &m_model.clips[clip - 1],
             group(model.group),
             nullptr,
             model.inPoint.value_or(0),

@@ -3,6 +3,7 @@
 
 #include "Homography.h"
 #include "JsonReader.h"
+#include "marlohost/ClipLens.h"
 #include "marlohost/ProjectFile.h"
 
 #include "Host/KORV_Exception.h"
@@ -13,6 +14,7 @@
 
 #include <functional>
 #include <limits>
+#include <set>
 
 namespace MarloHost
 {
@@ -41,9 +43,89 @@ QString uniqueName(JsonObject const& object, QSet<QString>& taken)
     return text;
 }
 
+// A number, or an object of keys: { "frames": [...], "values": [...] }.
+void readKeyed(JsonObject const& object, char const* key, int frameCount, double least, KeyedNumber& number)
+{
+    constexpr double MOST = 1000;
+    std::optional<JsonCursor> const cursor = object.optional(key);
+    if (!cursor)
+    {
+        return;
+    }
+    if (cursor->value().kind != JsonValue::Object)
+    {
+        number.value = cursor->number(least, MOST);
+        return;
+    }
+    JsonObject const keys(*cursor, {"frames", "values"});
+    number.frames = keys.required("frames").ascendingIntegers(0, frameCount - 1);
+    JsonCursor const values = keys.required("values");
+    number.values = values.numbers(number.frames.size());
+    if (number.values.empty())
+    {
+        cursor->fail(QStringLiteral("keys without an entry; give a number instead"));
+    }
+    for (double const value : number.values)
+    {
+        if (value < least || value > MOST)
+        {
+            values.fail(QStringLiteral("%1 is out of range; expected %2 to %3").arg(value).arg(least).arg(MOST));
+        }
+    }
+    number.value = number.values.front();
+}
+
+LensModel readLens(JsonCursor const& cursor, int frameCount)
+{
+    constexpr double ANY = -1000;
+    constexpr double POSITIVE = 1e-3;
+    JsonObject const object(cursor, {"focalLength", "centreX", "centreY", "radial1", "radial2", "radial3",
+                                     "tangential1", "tangential2", "squeeze"});
+    LensModel lens;
+    readKeyed(object, "focalLength", frameCount, POSITIVE, lens.focalLength);
+    readKeyed(object, "centreX", frameCount, ANY, lens.centreX);
+    readKeyed(object, "centreY", frameCount, ANY, lens.centreY);
+    readKeyed(object, "radial1", frameCount, ANY, lens.radial[0]);
+    readKeyed(object, "radial2", frameCount, ANY, lens.radial[1]);
+    readKeyed(object, "radial3", frameCount, ANY, lens.radial[2]);
+    readKeyed(object, "tangential1", frameCount, ANY, lens.tangential[0]);
+    readKeyed(object, "tangential2", frameCount, ANY, lens.tangential[1]);
+    readKeyed(object, "squeeze", frameCount, POSITIVE, lens.squeeze);
+    return lens;
+}
+
+// A lens that shows nothing at a corner of the picture can't have taken it. Keyed
+// lenses are checked at their keys.
+void checkLens(JsonCursor const& cursor, ClipModel const& clip)
+{
+    LensModel const& lens = *clip.lens;
+    std::set<int> frames{0};
+    for (KeyedNumber const* number :
+         {&lens.focalLength, &lens.centreX, &lens.centreY, &lens.radial[0], &lens.radial[1], &lens.radial[2],
+          &lens.tangential[0], &lens.tangential[1], &lens.squeeze})
+    {
+        frames.insert(number->frames.begin(), number->frames.end());
+    }
+    double const width = clip.width;
+    double const lines = clip.interlaced ? clip.height / 2 : clip.height;
+    for (int const frame : frames)
+    {
+        ClipLens const at(clip, frame);
+        for (TXI::Pos2 const corner : {TXI::Pos2{0, 0}, {width, 0}, {0, lines}, {width, lines}})
+        {
+            if (!at.undistort(corner))
+            {
+                cursor.fail(QStringLiteral("at frame %1 the lens folds over inside the picture; check its coefficients")
+                                .arg(frame));
+            }
+        }
+    }
+}
+
 ClipModel readClip(JsonCursor const& cursor, QSet<QString>& names)
 {
-    JsonObject const object(cursor, {"name", "width", "height", "pixelAspect", "frameCount", "frameOffset", "interlaced"});
+    JsonObject const object(
+        cursor, {"name", "width", "height", "pixelAspect", "frameCount", "frameOffset", "interlaced", "lens"});
     ClipModel clip;
     clip.name = uniqueName(object, names);
     clip.width = object.required("width").integer(1, MAX_RASTER);
@@ -55,6 +137,11 @@ ClipModel readClip(JsonCursor const& cursor, QSet<QString>& names)
     if (clip.interlaced && clip.height % 2 != 0)
     {
         cursor.fail(QStringLiteral("an interlaced clip needs an even height, found %1").arg(clip.height));
+    }
+    if (std::optional<JsonCursor> const lens = object.optional("lens"))
+    {
+        clip.lens = readLens(*lens, clip.frameCount);
+        checkLens(*lens, clip);
     }
     return clip;
 }

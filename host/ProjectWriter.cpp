@@ -180,6 +180,36 @@ void writeOptional(JsonText& json, char const* key, std::optional<int> const& va
     }
 }
 
+void writeKeyed(JsonText& json, char const* key, KeyedNumber const& number, double absent)
+{
+    if (!number.values.empty())
+    {
+        json.open(key, '{');
+        json.numbers("frames", number.frames, 20);
+        json.numbers("values", number.values, 10);
+        json.close('}');
+    }
+    else if (number.value != absent)
+    {
+        json.number(key, number.value);
+    }
+}
+
+void writeLens(JsonText& json, LensModel const& lens)
+{
+    json.open("lens", '{');
+    writeKeyed(json, "focalLength", lens.focalLength, 1);
+    writeKeyed(json, "centreX", lens.centreX, 0);
+    writeKeyed(json, "centreY", lens.centreY, 0);
+    writeKeyed(json, "radial1", lens.radial[0], 0);
+    writeKeyed(json, "radial2", lens.radial[1], 0);
+    writeKeyed(json, "radial3", lens.radial[2], 0);
+    writeKeyed(json, "tangential1", lens.tangential[0], 0);
+    writeKeyed(json, "tangential2", lens.tangential[1], 0);
+    writeKeyed(json, "squeeze", lens.squeeze, 1);
+    json.close('}');
+}
+
 void writeClip(JsonText& json, ClipModel const& clip)
 {
     json.open(nullptr, '{');
@@ -196,6 +226,10 @@ void writeClip(JsonText& json, ClipModel const& clip)
         json.number("frameOffset", clip.frameOffset);
     }
     writeFlag(json, "interlaced", clip.interlaced);
+    if (clip.lens)
+    {
+        writeLens(json, *clip.lens);
+    }
     json.close('}');
 }
 

@@ -21,6 +21,29 @@ class Contour;
 namespace MarloHost
 {
 
+/// A number that stays, or that is keyed over host frames: linear between keys,
+/// held outside of them.
+struct KeyedNumber
+{
+    double value = 0.0;
+    std::vector<int> frames;
+
+    /// One per entry of `frames`; empty when the number isn't keyed.
+    std::vector<double> values;
+};
+
+/// The lens of a clip; ClipLens.h says what the numbers do. Lengths are in heights
+/// of the picture.
+struct LensModel
+{
+    KeyedNumber focalLength{1.0, {}, {}};
+    KeyedNumber centreX;
+    KeyedNumber centreY;
+    std::array<KeyedNumber, 3> radial;
+    std::array<KeyedNumber, 2> tangential;
+    KeyedNumber squeeze{1.0, {}, {}};
+};
+
 struct ClipModel
 {
     QString name;
@@ -36,6 +59,9 @@ struct ClipModel
     /// Added to a host frame to show it; in host frames.
     int frameOffset = 0;
     bool interlaced = false;
+
+    /// Unset means a lens that distorts nothing.
+    std::optional<LensModel> lens;
 };
 
 struct GroupModel
