@@ -126,6 +126,11 @@ struct Refusal
     char const* cause;
 };
 
+std::ostream& operator<<(std::ostream& out, Refusal const& refusal)
+{
+    return out << refusal.by << " for " << refusal.replace;
+}
+
 class Refused : public testing::TestWithParam<Refusal>
 {
 };
@@ -195,7 +200,7 @@ INSTANTIATE_TEST_SUITE_P(
         Refusal{"\"currentView\": \"right\"", "\"currentView\": \"up\"", "$.currentView", "no view \"up\""},
         Refusal{"\"currentFrame\": 4", "\"currentFrame\": 20", "$.currentFrame", "out of range"},
         Refusal{"[2, 17]", "[17, 2]", "$.playback", "ends before"}, Refusal{"[2, 17]", "[2, 20]", "$.playback", "20"},
-        Refusal{"[2, 17]", "[2, 17", "$.playback[2]", "line 17"}));
+        Refusal{"[2, 17]", "[2, 17", "$.playback[3]", "line 19"}));
 
 TEST(ProjectFile, HostileTextsAreRefusedBeforeATreeIsBuilt)
 {
