@@ -5,7 +5,8 @@
 
 #include <double-conversion/double-conversion.h>
 
-#include <vector>
+#include <cstddef>
+#include <memory>
 
 namespace Bench
 {
@@ -15,8 +16,8 @@ class DigitFloor
 public:
     /// @param size bytes to reserve
     explicit DigitFloor(int size)
-        : m_buffer(static_cast<std::size_t>(size)),
-          m_builder(m_buffer.data(), size),
+        : m_buffer(new char[static_cast<std::size_t>(size)]),
+          m_builder(m_buffer.get(), size),
           m_converter(Converter::EMIT_POSITIVE_EXPONENT_SIGN | Converter::NO_TRAILING_ZERO, "inf", "nan", 'e', -6, 21,
                       4, 0, 2)
     {
@@ -42,7 +43,7 @@ public:
 private:
     using Converter = double_conversion::DoubleToStringConverter;
 
-    std::vector<char> m_buffer;
+    std::unique_ptr<char[]> m_buffer;
     double_conversion::StringBuilder m_builder;
     Converter m_converter;
 };
