@@ -122,10 +122,63 @@ void checkLens(JsonCursor const& cursor, ClipModel const& clip)
     }
 }
 
-ClipModel readClip(JsonCursor const& cursor, QSet<QString>& names)
+QString nonEmpty(JsonCursor const& cursor)
+{
+    QString const text = cursor.string();
+    if (text.isEmpty())
+    {
+        cursor.fail(QStringLiteral("must not be empty"));
+    }
+    return text;
+}
+
+FootageModel readFootage(JsonCursor const& cursor)
 {
     JsonObject const object(
-        cursor, {"name", "width", "height", "pixelAspect", "frameCount", "frameOffset", "interlaced", "lens"});
+        cursor, {"kind", "directory", "prefix", "suffix", "indexWidth", "firstIndex", "file"});
+    FootageModel footage;
+    JsonCursor const kind = object.required("kind");
+    QString const word = kind.string();
+    std::vector<char const*> others;
+    if (word == QLatin1String("sequence"))
+    {
+        footage.kind = FootageModel::Sequence;
+        footage.directory = nonEmpty(object.required("directory"));
+        footage.prefix = object.string("prefix", QString());
+        footage.suffix = object.string("suffix", QString());
+        footage.indexWidth = object.required("indexWidth").integer(1, 20);
+        footage.firstIndex = object.integer("firstIndex", 0, 0, MAX_FRAME);
+        others = {"file"};
+    }
+    else if (word == QLatin1String("movie"))
+    {
+        footage.kind = FootageModel::Movie;
+        footage.file = nonEmpty(object.required("file"));
+        others = {"directory", "prefix", "suffix", "indexWidth", "firstIndex"};
+    }
+    else if (word == QLatin1String("solid"))
+    {
+        others = {"directory", "prefix", "suffix", "indexWidth", "firstIndex", "file"};
+    }
+    else
+    {
+        kind.fail(QStringLiteral("expected \"sequence\", \"movie\" or \"solid\", found \"%1\"").arg(word));
+    }
+    for (char const* const other : others)
+    {
+        if (std::optional<JsonCursor> const found = object.optional(other))
+        {
+            found->fail(QStringLiteral("footage of the kind \"%1\" doesn't have it").arg(word));
+        }
+    }
+    return footage;
+}
+
+ClipModel readClip(JsonCursor const& cursor, QSet<QString>& names)
+{
+    JsonObject const object(cursor,
+                            {"name", "width", "height", "pixelAspect", "frameCount", "frameOffset", "interlaced",
+                             "lowerFieldFirst", "pulldown", "footage", "filmBack", "lens"});
     ClipModel clip;
     clip.name = uniqueName(object, names);
     clip.width = object.required("width").integer(1, MAX_RASTER);
@@ -137,6 +190,17 @@ ClipModel readClip(JsonCursor const& cursor, QSet<QString>& names)
     if (clip.interlaced && clip.height % 2 != 0)
     {
         cursor.fail(QStringLiteral("an interlaced clip needs an even height, found %1").arg(clip.height));
+    }
+    clip.lowerFieldFirst = object.boolean("lowerFieldFirst", false);
+    clip.pulldown = object.optionalInteger("pulldown", 0, 4);
+    if (std::optional<JsonCursor> const footage = object.optional("footage"))
+    {
+        clip.footage = readFootage(*footage);
+    }
+    if (std::optional<JsonCursor> const filmBack = object.optional("filmBack"))
+    {
+        JsonObject const size(*filmBack, {"width", "height"});
+        clip.filmBack = {size.required("width").number(0.1, 1000), size.required("height").number(0.1, 1000)};
     }
     if (std::optional<JsonCursor> const lens = object.optional("lens"))
     {
@@ -385,7 +449,7 @@ private:
 
     LayerModel readLayer(JsonCursor const& cursor)
     {
-        JsonObject const object(cursor, {"name", "clip", "group", "in", "out", "hidden", "selected", "moving", "surface",
+        JsonObject const object(cursor, {"name", "clip", "insertClip", "group", "in", "out", "hidden", "selected", "moving", "surface",
                                          "tracking", "adjust", "stabilize"});
         LayerModel layer;
         JsonCursor const name = object.required("name");
@@ -396,6 +460,11 @@ private:
         }
         layer.clip = object.string("clip", QString());
         ClipModel const& clip = clipOf(object, layer.clip);
+        layer.insertClip = object.string("insertClip", QString());
+        if (!layer.insertClip.isEmpty() && !m_clipNames.contains(layer.insertClip))
+        {
+            object.required("insertClip").fail(QStringLiteral("there is no clip \"%1\"").arg(layer.insertClip));
+        }
         layer.group = object.string("group", QString());
         if (!layer.group.isEmpty() && !m_groupNames.contains(layer.group))
         {

@@ -210,6 +210,41 @@ void writeLens(JsonText& json, LensModel const& lens)
     json.close('}');
 }
 
+void writeFootage(JsonText& json, FootageModel const& footage)
+{
+    if (footage.kind == FootageModel::Solid)
+    {
+        return;
+    }
+    json.open("footage", '{');
+    if (footage.kind == FootageModel::Movie)
+    {
+        json.string("kind", QStringLiteral("movie"));
+        json.string("file", footage.file);
+    }
+    else
+    {
+        json.string("kind", QStringLiteral("sequence"));
+        json.string("directory", footage.directory);
+        writeName(json, "prefix", footage.prefix);
+        writeName(json, "suffix", footage.suffix);
+        json.number("indexWidth", footage.indexWidth);
+        json.number("firstIndex", footage.firstIndex);
+    }
+    json.close('}');
+}
+
+void writeFilmBack(JsonText& json, std::optional<FilmBackModel> const& filmBack)
+{
+    if (filmBack)
+    {
+        json.open("filmBack", '{');
+        json.number("width", filmBack->width);
+        json.number("height", filmBack->height);
+        json.close('}');
+    }
+}
+
 void writeClip(JsonText& json, ClipModel const& clip)
 {
     json.open(nullptr, '{');
@@ -226,6 +261,10 @@ void writeClip(JsonText& json, ClipModel const& clip)
         json.number("frameOffset", clip.frameOffset);
     }
     writeFlag(json, "interlaced", clip.interlaced);
+    writeFlag(json, "lowerFieldFirst", clip.lowerFieldFirst);
+    writeOptional(json, "pulldown", clip.pulldown);
+    writeFootage(json, clip.footage);
+    writeFilmBack(json, clip.filmBack);
     if (clip.lens)
     {
         writeLens(json, *clip.lens);
@@ -314,6 +353,7 @@ void writeLayer(JsonText& json, LayerModel const& layer)
     json.open(nullptr, '{');
     json.string("name", layer.name);
     writeName(json, "clip", layer.clip);
+    writeName(json, "insertClip", layer.insertClip);
     writeName(json, "group", layer.group);
     writeOptional(json, "in", layer.inPoint);
     writeOptional(json, "out", layer.outPoint);
