@@ -1,0 +1,416 @@
+// Every offered format goes through the same mill, whichever that are: a format
+// that is added to the tables is covered before its author writes a test.
+
+#include "Core/DataFormat.h"
+#include "Core/ExportFunctions.h"
+#include "Core/ExporterFactories.h"
+#include "Core/ExporterWrapper.h"
+#include "Host/KORV_Exception.h"
+#include "ProjectBuilder.h"
+
+#include <gtest/gtest.h>
+
+#include <QDir>
+#include <QDirIterator>
+#include <QFile>
+#include <QProcess>
+#include <QTemporaryDir>
+
+#include <cmath>
+#include <limits>
+
+using namespace Export;
+
+namespace
+{
+
+struct Format
+{
+    Preset::ExportInfo::Type type;
+    QString key;
+    QString extension;
+};
+
+std::ostream& operator<<(std::ostream& out, Format const& format)
+{
+    return out << format.key.toStdString();
+}
+
+std::vector<Format> offeredFormats()
+{
+    std::vector<Format> formats;
+    auto const add = [&](Preset::ExportInfo::Type type)
+    {
+        return [&formats, type](DataFormatBase const& format)
+        { formats.push_back({type, format.internalName(), format.extension()}); };
+    };
+    TrackingExporterFactory::forEachFormat(add(Preset::ExportInfo::Tracking), nullptr);
+    ShapeExporterFactory::forEachFormat(add(Preset::ExportInfo::Shape), nullptr);
+    CameraSolveExporterFactory::forEachFormat(add(Preset::ExportInfo::Camera));
+    return formats;
+}
+
+std::shared_ptr<ExporterWrapper> wrapperOf(Format const& format, KORV_ProjectManager const& project)
+{
+    std::vector<Anm::View> const views{project.currentView()};
+    Preset::ExportInfo info;
+    info.format = format.key;
+    info.type = format.type;
+    switch (format.type)
+    {
+    case Preset::ExportInfo::Tracking:
+    {
+        UserTrackingOptions options;
+        options.viewsToExport = views;
+        info.options = options;
+        break;
+    }
+    case Preset::ExportInfo::Shape:
+    {
+        UserShapeOptions options;
+        options.viewsToExport = views;
+        info.options = options;
+        break;
+    }
+    case Preset::ExportInfo::Camera:
+        info.options = UserCameraSolveOptions();
+        break;
+    }
+    return createExporter(info, project);
+}
+
+Korvane::ExportedFiles exported(Format const& format, ProjectBuilder const& builder, QString const& path)
+{
+    auto const project = builder.make("/shots/mill.json");
+    auto const wrapper = wrapperOf(format, *project);
+    auto const possible = wrapper->isExportPossible(*project);
+    EXPECT_TRUE(possible.first) << possible.second.value_or("");
+    return wrapper->getExportResult(*project, path);
+}
+
+// Perspective, an offset layer range, an adjust key, values on a sixteenth grid: a
+// little of everything that a format may have to say.
+ProjectBuilder smallProject()
+{
+    ProjectBuilder builder(6);
+    builder.clip().frameOffset = 1001;
+    builder.addLayer("Poster", {600.0625, 300.125, 900, 310, 590, 700, 910, 690.5}).range(2, 5);
+    builder.track(
+        [](int frame)
+        {
+            ProjectBuilder::Matrix h =
+                ProjectBuilder::similarity(750, 500, 0.125 * (frame - 2), 1 + 0.0625 * (frame - 2), 16.25 * (frame - 2), -5);
+            h[5] += 5;
+            h[6] = 2e-5 * (frame - 2);
+            h[7] = -1e-5 * (frame - 2);
+            return h;
+        });
+    builder.layer().adjust = {{2, {0, 0, 0, 0, 0, 0, 0, 0}}, {4, {0.5, -0.25, 0, 0, 1, 2, -3, 0}}};
+    return builder;
+}
+
+struct Declining : ExportMessageBoxProvider
+{
+    bool confirmFailures(Korvane::ExportedFiles const&) override
+    {
+        return false;
+    }
+    void showNotices(std::vector<ExportNotice> const&) override
+    {
+    }
+    QString askSavePath(ExportFileInfo const&, QString const&, QString const& suggestedPath) override
+    {
+        return suggestedPath;
+    }
+    bool confirmWrite(QString const&) override
+    {
+        return true;
+    }
+};
+
+QByteArray fileContent(QString const& path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("can't be read: " + path.toUtf8());
+}
+
+// Relative path to content of all files below a folder.
+QMap<QString, QByteArray> filesBelow(QString const& folder)
+{
+    QMap<QString, QByteArray> files;
+    QDirIterator it(folder, QDir::Files | QDir::Hidden, QDirIterator::Subdirectories);
+    while (it.hasNext())
+    {
+        QString const path = it.next();
+        files.insert(QDir(folder).relativeFilePath(path), fileContent(path));
+    }
+    return files;
+}
+
+// A readable difference of two texts: the first line in which they differ.
+testing::AssertionResult sameBytes(QByteArray const& expected, QByteArray const& found)
+{
+    if (expected == found)
+    {
+        return testing::AssertionSuccess();
+    }
+    QList<QByteArray> const a = expected.split('\n');
+    QList<QByteArray> const b = found.split('\n');
+    int line = 0;
+    while (line < a.size() && line < b.size() && a[line] == b[line])
+    {
+        ++line;
+    }
+    return testing::AssertionFailure() << "line " << line + 1 << "\n  expected: "
+                                       << (line < a.size() ? a[line] : QByteArray("(end)")).left(200).toStdString()
+                                       << "\n  found:    "
+                                       << (line < b.size() ? b[line] : QByteArray("(end)")).left(200).toStdString();
+}
+
+struct ToolRun
+{
+    int status;
+    QByteArray errors;
+};
+
+/// Runs the program, behind a shell line such as "ulimit -f 0;" if one is given.
+ToolRun runTool(QStringList const& arguments, QMap<QString, QString> const& environment = {},
+                QString const& shellLine = QString())
+{
+    QProcess process;
+    QProcessEnvironment variables = QProcessEnvironment::systemEnvironment();
+    for (auto it = environment.begin(); it != environment.end(); ++it)
+    {
+        variables.insert(it.key(), it.value());
+    }
+    process.setProcessEnvironment(variables);
+    process.start("/bin/sh", QStringList{"-c", shellLine + " exec \"$@\"", "sh", MARLO_TOOL} + arguments);
+    process.waitForFinished();
+    return {process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1, process.readAllStandardError()};
+}
+
+class Mill : public testing::TestWithParam<Format>
+{
+protected:
+    void SetUp() override
+    {
+        ASSERT_TRUE(m_folder.isValid());
+    }
+
+    QString path(QString const& name) const
+    {
+        return m_folder.filePath(name);
+    }
+
+    QString writeProjectFile(ProjectBuilder const& builder) const
+    {
+        QString const file = path("project.json");
+        QFile out(file);
+        EXPECT_TRUE(out.open(QIODevice::WriteOnly));
+        out.write(MarloHost::writeProject(builder.model));
+        return file;
+    }
+
+    QTemporaryDir m_folder;
+};
+
+TEST_P(Mill, WrittenTwiceIsEqualAndAnotherProjectBetweenLeavesNoTrace)
+{
+    QString const target = path("out" + GetParam().extension);
+    auto const first = exported(GetParam(), smallProject(), target);
+    exported(GetParam(), ProjectBuilder(3).addLayer("Other"), target);
+    auto const again = exported(GetParam(), smallProject(), target);
+    ASSERT_FALSE(first.files.isEmpty());
+    EXPECT_EQ(first.files.keys(), again.files.keys());
+    for (QString const& file : first.files.keys())
+    {
+        EXPECT_FALSE(first.files[file].isEmpty());
+        EXPECT_TRUE(sameBytes(first.files[file], again.files.value(file)));
+    }
+    EXPECT_EQ(first.failedCount, 0);
+    EXPECT_EQ(first.messages, QStringList());
+}
+
+TEST_P(Mill, GermanLocaleAndAnotherHashSeedChangeNoByte)
+{
+    QString const project = writeProjectFile(smallProject());
+    QMap<QString, QString> const environments[] = {
+        {{"LC_ALL", "C"}, {"QT_HASH_SEED", "0"}, {"SOURCE_DATE_EPOCH", "86400"}},
+        {{"LC_ALL", "de_DE.UTF-8"}, {"LANG", "de_DE.UTF-8"}, {"QT_HASH_SEED", "31"}, {"SOURCE_DATE_EPOCH", "86400"}},
+    };
+    QMap<QString, QByteArray> written[2];
+    for (int i = 0; i < 2; ++i)
+    {
+        QString const folder = path(QString::number(i)) + "/";
+        ToolRun const run = runTool({"export", project, GetParam().key, "-o", folder}, environments[i]);
+        ASSERT_EQ(run.status, 0) << run.errors.toStdString();
+        written[i] = filesBelow(folder);
+    }
+    ASSERT_FALSE(written[0].isEmpty());
+    EXPECT_EQ(written[0].keys(), written[1].keys());
+    for (QString const& file : written[0].keys())
+    {
+        EXPECT_TRUE(sameBytes(written[0][file], written[1].value(file)));
+    }
+}
+
+TEST_P(Mill, ATargetThatCannotBeWrittenIsNamedAndNothingIsLeftBehind)
+{
+    QFile blocker(path("file"));
+    ASSERT_TRUE(blocker.open(QIODevice::WriteOnly));
+    blocker.close();
+    auto const project = smallProject().make();
+    Declining provider;
+    QString const target = path("file/deeper/out" + GetParam().extension);
+    try
+    {
+        exportBatch({{wrapperOf(GetParam(), *project), {}, target}}, *project, provider);
+        FAIL() << "was written";
+    }
+    catch (KORV_OperationFailed const& error)
+    {
+        EXPECT_TRUE(error.message().startsWith("Cannot write to following paths.\n")) << error.what();
+        EXPECT_TRUE(error.message().contains(path("file/deeper"))) << error.what();
+    }
+    EXPECT_EQ(filesBelow(m_folder.path()).keys(), QStringList("file"));
+}
+
+TEST_P(Mill, AFullDiskLeavesTheOlderFilesAsTheyWere)
+{
+    QString const project = writeProjectFile(smallProject());
+    QStringList const arguments{"export", project, GetParam().key, "-o", path("out") + "/", "--overwrite"};
+    ASSERT_EQ(runTool(arguments).status, 0);
+    QMap<QString, QByteArray> older;
+    for (QString const& file : filesBelow(path("out")).keys())
+    {
+        QFile out(path("out/" + file));
+        ASSERT_TRUE(out.open(QIODevice::WriteOnly));
+        out.write("older");
+        older.insert(file, "older");
+    }
+    ToolRun const run = runTool(arguments, {}, "ulimit -f 0;");
+    EXPECT_EQ(run.status, 1);
+    EXPECT_TRUE(run.errors.contains("Could not write to file " + path("out").toUtf8())) << run.errors.toStdString();
+    EXPECT_EQ(run.errors.count('\n'), 1) << run.errors.toStdString();
+    EXPECT_EQ(filesBelow(path("out")), older);
+}
+
+TEST_P(Mill, NamesNeverBecomePlaceholdersOrFolders)
+{
+    for (char const* name : {"%1 %2", "a/b\\..", "\"quoted\" <&>", "Grüße 日本", ".."})
+    {
+        ProjectBuilder builder = smallProject();
+        builder.layer().name = QString::fromUtf8(name);
+        builder.model.currentLayer = builder.layer().name;
+        QString const folder = path("names");
+        ToolRun const run = runTool({"export", writeProjectFile(builder), GetParam().key, "-o", folder + "/"});
+        EXPECT_EQ(run.status, 0) << name << ": " << run.errors.toStdString();
+        QStringList const files = filesBelow(folder).keys();
+        EXPECT_FALSE(files.isEmpty()) << name;
+        for (QString const& file : files)
+        {
+            EXPECT_FALSE(file.contains('/')) << name << " made " << file.toStdString();
+        }
+        QDir(folder).removeRecursively();
+    }
+}
+
+TEST_P(Mill, ValuesThatAreNotFiniteAreCountedAndNeverWritten)
+{
+    double const bad[] = {std::nan(""), std::numeric_limits<double>::infinity()};
+    for (double const value : bad)
+    {
+        ProjectBuilder builder = smallProject();
+        auto& numbers = builder.layer().tracks.front().homographies;
+        numbers[9 + 2] = value;
+        auto const result = exported(GetParam(), builder, path("out" + GetParam().extension));
+        EXPECT_GT(result.failedCount + result.messages.size(), 0);
+        for (QByteArray const& content : result.files)
+        {
+            for (char const* word : {"\tnan", "\tinf", "\t-inf", " nan", " inf", "\tNaN"})
+            {
+                EXPECT_FALSE(content.contains(word)) << word;
+            }
+        }
+    }
+}
+
+TEST_P(Mill, AnEmptyLayerIsSaidAndDoesNoHarm)
+{
+    if (GetParam().type != Preset::ExportInfo::Tracking)
+    {
+        GTEST_SKIP() << "only tracking formats read the track of a layer";
+    }
+    ProjectBuilder builder = smallProject();
+    builder.layer().tracks.clear();
+    QString const target = path("out" + GetParam().extension);
+    auto const result = exported(GetParam(), builder, target);
+    EXPECT_EQ(result.messages, QStringList(target + ": Layer \"Poster\" has no tracking data"));
+}
+
+TEST_P(Mill, TextEqualsItsGolden)
+{
+    QString const golden = QString(MARLO_SOURCE_DIR "/tests/golden/") + GetParam().key;
+    QString const target = "/golden/out" + GetParam().extension;
+    auto const result = exported(GetParam(), smallProject(), target);
+    if (qEnvironmentVariableIsSet("MARLO_UPDATE_GOLDENS"))
+    {
+        QDir(golden).removeRecursively();
+        QDir().mkpath(golden);
+        for (auto it = result.files.begin(); it != result.files.end(); ++it)
+        {
+            QFile out(golden + it.key().mid(QString("/golden").size()));
+            ASSERT_TRUE(out.open(QIODevice::WriteOnly));
+            out.write(it.value());
+        }
+    }
+    QMap<QString, QByteArray> const expected = filesBelow(golden);
+    ASSERT_FALSE(expected.isEmpty()) << "no golden; tests/update-goldens makes one, to be checked by hand";
+    EXPECT_EQ(expected.size(), result.files.size());
+    for (auto it = expected.begin(); it != expected.end(); ++it)
+    {
+        EXPECT_TRUE(sameBytes(it.value(), result.files.value("/golden/" + it.key()))) << it.key().toStdString();
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Formats, Mill, testing::ValuesIn(offeredFormats()),
+                         [](testing::TestParamInfo<Format> const& format) { return format.param.key.toStdString(); });
+
+// Parameter names, and so the list of tests, must differ; and a golden without a
+// format is left over from something.
+TEST(MillItself, GoldensAndOfferedFormatsAreTheSame)
+{
+    QStringList keys;
+    for (Format const& format : offeredFormats())
+    {
+        keys.append(format.key);
+    }
+    keys.sort();
+    QStringList folders = QDir(MARLO_SOURCE_DIR "/tests/golden").entryList(QDir::Dirs | QDir::NoDotAndDotDot);
+    folders.removeAll("printed");
+    folders.sort();
+    EXPECT_EQ(folders, keys);
+}
+
+// The two documents that the format's description prints, byte for byte.
+TEST(Printed, TransformAndCornerPinDocuments)
+{
+    ProjectBuilder transform(2);
+    transform.addLayer("A");
+    transform.track([](int frame)
+                    { return frame == 0 ? ProjectBuilder::identity()
+                                        : ProjectBuilder::similarity(960, 540, -1.5 * 3.141592653589793 / 180, 1.005,
+                                                                     1.5, -0.25); });
+    EXPECT_TRUE(sameBytes(fileContent(MARLO_SOURCE_DIR "/tests/golden/printed/after_effects_transform.txt"),
+                          exported({Preset::ExportInfo::Tracking, "after_effects_transform", ".txt"}, transform, "p")
+                              .files.value("p")));
+
+    ProjectBuilder pin(2);
+    pin.addLayer("A", {100, 50, 200, 50, 100, 100, 200, 100});
+    pin.track([](int frame) { return ProjectBuilder::translation(frame, -0.5 * frame); });
+    EXPECT_TRUE(sameBytes(fileContent(MARLO_SOURCE_DIR "/tests/golden/printed/after_effects_corner_pin.txt"),
+                          exported({Preset::ExportInfo::Tracking, "after_effects_corner_pin", ".txt"}, pin, "p")
+                              .files.value("p")));
+}
+
+}
