@@ -3,6 +3,7 @@
 #include "marlohost/Services.h"
 
 #include <QFileInfo>
+#include <QUrl>
 
 #include <atomic>
 #include <cstdio>
@@ -46,6 +47,32 @@ void Logger::log(Core::LoggerBase::LogLevel level, std::string const& text)
     {
         std::fprintf(stderr, "%s\n", text.c_str());
     }
+}
+
+FSPercentEscapedString::FSPercentEscapedString(QString const& escaped) : m_escaped(escaped)
+{
+}
+
+FSPercentEscapedString FSPercentEscapedString::fromPlain(QString const& text)
+{
+    // Text that isn't ASCII stays; a file system holds it.
+    QString escaped;
+    for (QChar const c : text)
+    {
+        bool const kept = c.unicode() >= 0x20 && c != QLatin1Char('%') && c != QLatin1Char('/') && c.unicode() != 0x7f;
+        escaped += kept ? QString(c) : QLatin1Char('%') + QString::number(c.unicode() + 0x100, 16).mid(1).toUpper();
+    }
+    return FSPercentEscapedString(escaped);
+}
+
+QString const& FSPercentEscapedString::escaped() const
+{
+    return m_escaped;
+}
+
+QString FSPercentEscapedString::plain() const
+{
+    return QUrl::fromPercentEncoding(m_escaped.toUtf8());
 }
 
 IClipboard::~IClipboard() = default;

@@ -124,6 +124,11 @@ unsigned int KORV_Layer::getBaseClipID() const
     return m_data->clip->id();
 }
 
+unsigned int KORV_Layer::getInsertClipID(Anm::View const&) const
+{
+    return m_data->insertClipId;
+}
+
 unsigned int KORV_Layer::trackingInputClipID(bool, bool, bool) const
 {
     return m_data->clip->id();

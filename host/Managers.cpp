@@ -267,6 +267,30 @@ ZN_BaseClipInfo const* KORV_ParameterManager::getBaseClipInfo(unsigned int clipI
     return clip ? &clip->info() : nullptr;
 }
 
+ZN_ClipInfo const* KORV_ParameterManager::getClipInfo(unsigned int clipId, bool) const
+{
+    KORV_Clip const* const clip = getClip(clipId);
+    return clip ? &clip->info() : nullptr;
+}
+
+QString KORV_ParameterManager::getFrameSourceFile(KORV_Clip const& clip, Anm::Context::Explicit const& context,
+                                                  bool) const
+{
+    ZN_ClipInfo const& info = clip.info();
+    Anm::View const& view = context.view();
+    unsigned int const width = info.indexWidth(view, Anm::View::Mapped);
+    if (info.footageKind() != ZN_ClipInfo::ImageSequence || width == 0)
+    {
+        return info.firstFileName();
+    }
+    int const fileFrame = info.bIsInterlaced() ? context.frameValue() / 2 : context.frameValue();
+    return info.clipDirectory(view, Anm::View::Mapped) + QLatin1Char('/') +
+           info.clipPrefix(view, Anm::View::Mapped).escaped() +
+           QStringLiteral("%1").arg(info.minIndex(view, Anm::View::Mapped) + fileFrame, static_cast<int>(width), 10,
+                                    QLatin1Char('0')) +
+           info.clipSuffix(view, Anm::View::Mapped).escaped();
+}
+
 unsigned int KORV_ParameterManager::clipIDForName(QString const& name) const
 {
     return m_data->idByName.value(name, 0);

@@ -14,17 +14,16 @@
 
 struct ZN_BaseClipInfo::Data
 {
-    int lines = 0;
+    MarloHost::ClipModel const* model = nullptr;
     ZN::ImageFormat format;
-    bool interlaced = false;
-    int offset = 0;
+    ZN::FilmType film;
 };
 
 struct KORV_Clip::Data
 {
     unsigned int id = 0;
-    QString name;
-    std::unique_ptr<ZN_BaseClipInfo> info;
+    std::unique_ptr<ZN_ClipInfo> info;
+    MarloHost::ClipModel const* model = nullptr;
 };
 
 struct Korvane::LayerGroup::Data
@@ -38,6 +37,8 @@ struct KORV_Layer::Data
     MarloHost::LayerModel const* model = nullptr;
     unsigned int id = 0;
     KORV_Clip const* clip = nullptr;
+    MarloHost::ClipModel const* clipModel = nullptr;
+    unsigned int insertClipId = 0;
     Korvane::LayerGroup* group = nullptr;
     KORV_Layer const* below = nullptr;
     int inPoint = 0;

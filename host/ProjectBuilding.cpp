@@ -20,15 +20,25 @@ namespace
                            QString());
 }
 
+// Without a film back of its own a clip has one of 36 mm width in the picture's shape.
+ZN::FilmType filmOf(ClipModel const& model)
+{
+    if (model.filmBack)
+    {
+        return ZN::FilmType(model.filmBack->width, model.filmBack->height, true);
+    }
+    constexpr double WIDTH = 36.0;
+    return ZN::FilmType(WIDTH, WIDTH * model.height / (model.width * model.pixelAspect), false);
+}
+
 std::unique_ptr<KORV_Clip> makeClip(ClipModel const& model, unsigned int id)
 {
     auto info = std::make_unique<ZN_BaseClipInfo::Data>(ZN_BaseClipInfo::Data{
-        model.interlaced ? model.height / 2 : model.height,
-        ZN::ImageFormat(QSize(model.width, model.height), model.pixelAspect), model.interlaced, model.frameOffset});
+        &model, ZN::ImageFormat(QSize(model.width, model.height), model.pixelAspect), filmOf(model)});
     auto data = std::make_unique<KORV_Clip::Data>();
     data->id = id;
-    data->name = model.name;
-    data->info = std::make_unique<ZN_BaseClipInfo>(std::move(info));
+    data->model = &model;
+    data->info = std::make_unique<ZN_ClipInfo>(std::move(info));
     return std::make_unique<KORV_Clip>(std::move(data));
 }
 
@@ -139,6 +149,8 @@ private:
             &model,
             id,
             m_project.parameters->getClip(clip),
+            &m_model.clips[clip - 1],
+            model.insertClip.isEmpty() ? 0 : clipId(model.insertClip),
             group(model.group),
             nullptr,
             model.inPoint.value_or(0),

@@ -3,6 +3,7 @@
 
 #include "Homography.h"
 #include "JsonReader.h"
+#include "marlohost/ClipLens.h"
 #include "marlohost/ProjectFile.h"
 
 #include "Host/KORV_Exception.h"
@@ -13,6 +14,7 @@
 
 #include <functional>
 #include <limits>
+#include <set>
 
 namespace MarloHost
 {
@@ -41,9 +43,142 @@ QString uniqueName(JsonObject const& object, QSet<QString>& taken)
     return text;
 }
 
+// A number, or an object of keys: { "frames": [...], "values": [...] }.
+void readKeyed(JsonObject const& object, char const* key, int frameCount, double least, KeyedNumber& number)
+{
+    constexpr double MOST = 1000;
+    std::optional<JsonCursor> const cursor = object.optional(key);
+    if (!cursor)
+    {
+        return;
+    }
+    if (cursor->value().kind != JsonValue::Object)
+    {
+        number.value = cursor->number(least, MOST);
+        return;
+    }
+    JsonObject const keys(*cursor, {"frames", "values"});
+    number.frames = keys.required("frames").ascendingIntegers(0, frameCount - 1);
+    JsonCursor const values = keys.required("values");
+    number.values = values.numbers(number.frames.size());
+    if (number.values.empty())
+    {
+        cursor->fail(QStringLiteral("keys without an entry; give a number instead"));
+    }
+    for (double const value : number.values)
+    {
+        if (value < least || value > MOST)
+        {
+            values.fail(QStringLiteral("%1 is out of range; expected %2 to %3").arg(value).arg(least).arg(MOST));
+        }
+    }
+    number.value = number.values.front();
+}
+
+LensModel readLens(JsonCursor const& cursor, int frameCount)
+{
+    constexpr double ANY = -1000;
+    constexpr double POSITIVE = 1e-3;
+    JsonObject const object(cursor, {"focalLength", "centreX", "centreY", "radial1", "radial2", "radial3",
+                                     "tangential1", "tangential2", "squeeze"});
+    LensModel lens;
+    readKeyed(object, "focalLength", frameCount, POSITIVE, lens.focalLength);
+    readKeyed(object, "centreX", frameCount, ANY, lens.centreX);
+    readKeyed(object, "centreY", frameCount, ANY, lens.centreY);
+    readKeyed(object, "radial1", frameCount, ANY, lens.radial[0]);
+    readKeyed(object, "radial2", frameCount, ANY, lens.radial[1]);
+    readKeyed(object, "radial3", frameCount, ANY, lens.radial[2]);
+    readKeyed(object, "tangential1", frameCount, ANY, lens.tangential[0]);
+    readKeyed(object, "tangential2", frameCount, ANY, lens.tangential[1]);
+    readKeyed(object, "squeeze", frameCount, POSITIVE, lens.squeeze);
+    return lens;
+}
+
+// A lens that shows nothing at a corner of the picture can't have taken it. Keyed
+// lenses are checked at their keys.
+void checkLens(JsonCursor const& cursor, ClipModel const& clip)
+{
+    LensModel const& lens = *clip.lens;
+    std::set<int> frames{0};
+    for (KeyedNumber const* number :
+         {&lens.focalLength, &lens.centreX, &lens.centreY, &lens.radial[0], &lens.radial[1], &lens.radial[2],
+          &lens.tangential[0], &lens.tangential[1], &lens.squeeze})
+    {
+        frames.insert(number->frames.begin(), number->frames.end());
+    }
+    double const width = clip.width;
+    double const lines = clip.interlaced ? clip.height / 2 : clip.height;
+    for (int const frame : frames)
+    {
+        ClipLens const at(clip, frame);
+        for (TXI::Pos2 const corner : {TXI::Pos2{0, 0}, {width, 0}, {0, lines}, {width, lines}})
+        {
+            if (!at.undistort(corner))
+            {
+                cursor.fail(QStringLiteral("at frame %1 the lens folds over inside the picture; check its coefficients")
+                                .arg(frame));
+            }
+        }
+    }
+}
+
+QString nonEmpty(JsonCursor const& cursor)
+{
+    QString const text = cursor.string();
+    if (text.isEmpty())
+    {
+        cursor.fail(QStringLiteral("must not be empty"));
+    }
+    return text;
+}
+
+FootageModel readFootage(JsonCursor const& cursor)
+{
+    JsonObject const object(
+        cursor, {"kind", "directory", "prefix", "suffix", "indexWidth", "firstIndex", "file"});
+    FootageModel footage;
+    JsonCursor const kind = object.required("kind");
+    QString const word = kind.string();
+    std::vector<char const*> others;
+    if (word == QLatin1String("sequence"))
+    {
+        footage.kind = FootageModel::Sequence;
+        footage.directory = nonEmpty(object.required("directory"));
+        footage.prefix = object.string("prefix", QString());
+        footage.suffix = object.string("suffix", QString());
+        footage.indexWidth = object.required("indexWidth").integer(1, 20);
+        footage.firstIndex = object.integer("firstIndex", 0, 0, MAX_FRAME);
+        others = {"file"};
+    }
+    else if (word == QLatin1String("movie"))
+    {
+        footage.kind = FootageModel::Movie;
+        footage.file = nonEmpty(object.required("file"));
+        others = {"directory", "prefix", "suffix", "indexWidth", "firstIndex"};
+    }
+    else if (word == QLatin1String("solid"))
+    {
+        others = {"directory", "prefix", "suffix", "indexWidth", "firstIndex", "file"};
+    }
+    else
+    {
+        kind.fail(QStringLiteral("expected \"sequence\", \"movie\" or \"solid\", found \"%1\"").arg(word));
+    }
+    for (char const* const other : others)
+    {
+        if (std::optional<JsonCursor> const found = object.optional(other))
+        {
+            found->fail(QStringLiteral("footage of the kind \"%1\" doesn't have it").arg(word));
+        }
+    }
+    return footage;
+}
+
 ClipModel readClip(JsonCursor const& cursor, QSet<QString>& names)
 {
-    JsonObject const object(cursor, {"name", "width", "height", "pixelAspect", "frameCount", "frameOffset", "interlaced"});
+    JsonObject const object(cursor,
+                            {"name", "width", "height", "pixelAspect", "frameCount", "frameOffset", "interlaced",
+                             "lowerFieldFirst", "pulldown", "footage", "filmBack", "lens"});
     ClipModel clip;
     clip.name = uniqueName(object, names);
     clip.width = object.required("width").integer(1, MAX_RASTER);
@@ -55,6 +190,22 @@ ClipModel readClip(JsonCursor const& cursor, QSet<QString>& names)
     if (clip.interlaced && clip.height % 2 != 0)
     {
         cursor.fail(QStringLiteral("an interlaced clip needs an even height, found %1").arg(clip.height));
+    }
+    clip.lowerFieldFirst = object.boolean("lowerFieldFirst", false);
+    clip.pulldown = object.optionalInteger("pulldown", 0, 4);
+    if (std::optional<JsonCursor> const footage = object.optional("footage"))
+    {
+        clip.footage = readFootage(*footage);
+    }
+    if (std::optional<JsonCursor> const filmBack = object.optional("filmBack"))
+    {
+        JsonObject const size(*filmBack, {"width", "height"});
+        clip.filmBack = {size.required("width").number(0.1, 1000), size.required("height").number(0.1, 1000)};
+    }
+    if (std::optional<JsonCursor> const lens = object.optional("lens"))
+    {
+        clip.lens = readLens(*lens, clip.frameCount);
+        checkLens(*lens, clip);
     }
     return clip;
 }
@@ -298,7 +449,7 @@ private:
 
     LayerModel readLayer(JsonCursor const& cursor)
     {
-        JsonObject const object(cursor, {"name", "clip", "group", "in", "out", "hidden", "selected", "moving", "surface",
+        JsonObject const object(cursor, {"name", "clip", "insertClip", "group", "in", "out", "hidden", "selected", "moving", "surface",
                                          "tracking", "adjust", "stabilize"});
         LayerModel layer;
         JsonCursor const name = object.required("name");
@@ -309,6 +460,11 @@ private:
         }
         layer.clip = object.string("clip", QString());
         ClipModel const& clip = clipOf(object, layer.clip);
+        layer.insertClip = object.string("insertClip", QString());
+        if (!layer.insertClip.isEmpty() && !m_clipNames.contains(layer.insertClip))
+        {
+            object.required("insertClip").fail(QStringLiteral("there is no clip \"%1\"").arg(layer.insertClip));
+        }
         layer.group = object.string("group", QString());
         if (!layer.group.isEmpty() && !m_groupNames.contains(layer.group))
         {

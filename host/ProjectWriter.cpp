@@ -180,6 +180,71 @@ void writeOptional(JsonText& json, char const* key, std::optional<int> const& va
     }
 }
 
+void writeKeyed(JsonText& json, char const* key, KeyedNumber const& number, double absent)
+{
+    if (!number.values.empty())
+    {
+        json.open(key, '{');
+        json.numbers("frames", number.frames, 20);
+        json.numbers("values", number.values, 10);
+        json.close('}');
+    }
+    else if (number.value != absent)
+    {
+        json.number(key, number.value);
+    }
+}
+
+void writeLens(JsonText& json, LensModel const& lens)
+{
+    json.open("lens", '{');
+    writeKeyed(json, "focalLength", lens.focalLength, 1);
+    writeKeyed(json, "centreX", lens.centreX, 0);
+    writeKeyed(json, "centreY", lens.centreY, 0);
+    writeKeyed(json, "radial1", lens.radial[0], 0);
+    writeKeyed(json, "radial2", lens.radial[1], 0);
+    writeKeyed(json, "radial3", lens.radial[2], 0);
+    writeKeyed(json, "tangential1", lens.tangential[0], 0);
+    writeKeyed(json, "tangential2", lens.tangential[1], 0);
+    writeKeyed(json, "squeeze", lens.squeeze, 1);
+    json.close('}');
+}
+
+void writeFootage(JsonText& json, FootageModel const& footage)
+{
+    if (footage.kind == FootageModel::Solid)
+    {
+        return;
+    }
+    json.open("footage", '{');
+    if (footage.kind == FootageModel::Movie)
+    {
+        json.string("kind", QStringLiteral("movie"));
+        json.string("file", footage.file);
+    }
+    else
+    {
+        json.string("kind", QStringLiteral("sequence"));
+        json.string("directory", footage.directory);
+        writeName(json, "prefix", footage.prefix);
+        writeName(json, "suffix", footage.suffix);
+        json.number("indexWidth", footage.indexWidth);
+        json.number("firstIndex", footage.firstIndex);
+    }
+    json.close('}');
+}
+
+void writeFilmBack(JsonText& json, std::optional<FilmBackModel> const& filmBack)
+{
+    if (filmBack)
+    {
+        json.open("filmBack", '{');
+        json.number("width", filmBack->width);
+        json.number("height", filmBack->height);
+        json.close('}');
+    }
+}
+
 void writeClip(JsonText& json, ClipModel const& clip)
 {
     json.open(nullptr, '{');
@@ -196,6 +261,14 @@ void writeClip(JsonText& json, ClipModel const& clip)
         json.number("frameOffset", clip.frameOffset);
     }
     writeFlag(json, "interlaced", clip.interlaced);
+    writeFlag(json, "lowerFieldFirst", clip.lowerFieldFirst);
+    writeOptional(json, "pulldown", clip.pulldown);
+    writeFootage(json, clip.footage);
+    writeFilmBack(json, clip.filmBack);
+    if (clip.lens)
+    {
+        writeLens(json, *clip.lens);
+    }
     json.close('}');
 }
 
@@ -280,6 +353,7 @@ void writeLayer(JsonText& json, LayerModel const& layer)
     json.open(nullptr, '{');
     json.string("name", layer.name);
     writeName(json, "clip", layer.clip);
+    writeName(json, "insertClip", layer.insertClip);
     writeName(json, "group", layer.group);
     writeOptional(json, "in", layer.inPoint);
     writeOptional(json, "out", layer.outPoint);

@@ -3,6 +3,7 @@
 #include "Host/KORV_Layer.h"
 #include "LayerMotion.h"
 #include "Project.h"
+#include "marlohost/ClipLens.h"
 
 #include <algorithm>
 #include <cmath>
@@ -13,6 +14,8 @@ namespace Korvane
 namespace
 {
 
+using MarloHost::ClipLens;
+using MarloHost::ClipModel;
 using MarloHost::LayerMotion;
 using MarloHost::PointRow;
 using MarloHost::TrackModel;
@@ -26,23 +29,53 @@ TrackModel const* trackOf(KORV_Layer const& layer, KORV_ProjectManager const& pr
     return track && !track->frames.empty() ? track : nullptr;
 }
 
-/// The rows of all tracked frames that can be used, by ascending frame.
+/// The rows of all tracked frames that can be used, by ascending frame, and the
+/// frames in which the lens shows nothing at a point.
 struct UsableRows
 {
     std::vector<int> frames;
     std::vector<PointRow> rows;
+    std::vector<int> outsideLens;
 };
 
-UsableRows usableRows(LayerMotion const& motion, TrackModel const& track)
+// Takes the lens away from all points; false where one lies outside of what it
+// shows. Numbers that aren't finite stay, to be seen in the export.
+bool undistortRow(PointRow& row, ClipLens const& lens)
+{
+    for (TXI::Pos2& point : row)
+    {
+        if (!std::isfinite(point.x) || !std::isfinite(point.y))
+        {
+            continue;
+        }
+        std::optional<TXI::Pos2> const straight = lens.undistort(point);
+        if (!straight)
+        {
+            return false;
+        }
+        point = *straight;
+    }
+    return true;
+}
+
+/// @param lensOf the clip whose lens is taken away; null to leave it
+UsableRows usableRows(LayerMotion const& motion, TrackModel const& track, ClipModel const* lensOf)
 {
     UsableRows usable;
     usable.frames.reserve(track.frames.size());
     usable.rows.reserve(track.frames.size());
     for (std::size_t index = 0; index < track.frames.size(); ++index)
     {
-        if (std::optional<PointRow> const row = motion.row(index))
+        int const frame = track.frames[index];
+        std::optional<PointRow> row = motion.row(index);
+        if (row && lensOf && !undistortRow(*row, ClipLens(*lensOf, frame)))
         {
-            usable.frames.push_back(track.frames[index]);
+            usable.outsideLens.push_back(frame);
+            row.reset();
+        }
+        if (row)
+        {
+            usable.frames.push_back(frame);
             usable.rows.push_back(*row);
         }
     }
@@ -196,7 +229,7 @@ bool TrackingExporterHelper::updateSurfacePoints(KORV_ProjectManager const& proj
     LayerMotion const motion(*layer->data().model, *track,
                              {options.trackingOption, options.invert, referenceFrame.frameValue(),
                               static_cast<double>(clip.width()), static_cast<double>(clip.height())});
-    m_data->usable = usableRows(motion, *track);
+    m_data->usable = usableRows(motion, *track, options.undistort ? layer->data().clipModel : nullptr);
     m_data->count = static_cast<std::size_t>(frames);
     m_data->points.reset(new TXI::Pos2[m_data->count][5]);
     m_data->samples.clear();
@@ -216,23 +249,24 @@ bool TrackingExporterHelper::updateSurfacePoints(KORV_ProjectManager const& proj
 void TrackingExporterHelper::Data::fillRow(int frame, TXI::Pos2 (&row)[5], TrackModel const& track,
                                            ExporterHelperBase const& helper)
 {
+    auto const holds = [frame](std::vector<int> const& frames)
+    { return std::binary_search(frames.begin(), frames.end(), frame); };
+    QString const cause = !holds(track.frames)      ? QStringLiteral("no tracking data")
+                          : holds(usable.outsideLens) ? QStringLiteral("the surface leaves what the lens shows")
+                                                      : QStringLiteral("the surface goes past infinity");
     if (usable.frames.empty())
     {
         std::fill_n(row, 5, TXI::Pos2{NAN, NAN});
-        failures.append(QStringLiteral("Frame %1: the surface goes past infinity").arg(shownFrame(helper, frame)));
+        failures.append(QStringLiteral("Frame %1: %2").arg(shownFrame(helper, frame), cause));
         return;
     }
     std::size_t const nearest = MarloHost::nearestFrameIndex(usable.frames, frame);
     std::copy_n(usable.rows[nearest].begin(), 5, row);
-    if (usable.frames[nearest] == frame)
+    if (usable.frames[nearest] != frame)
     {
-        return;
+        failures.append(QStringLiteral("Frame %1: %2, frame %3 stands in for it")
+                            .arg(shownFrame(helper, frame), cause, shownFrame(helper, usable.frames[nearest])));
     }
-    bool const tracked = std::binary_search(track.frames.begin(), track.frames.end(), frame);
-    QString const cause = tracked ? QStringLiteral("the surface goes past infinity")
-                                  : QStringLiteral("no tracking data");
-    failures.append(QStringLiteral("Frame %1: %2, frame %3 stands in for it")
-                        .arg(shownFrame(helper, frame), cause, shownFrame(helper, usable.frames[nearest])));
 }
 
 boost::shared_array<TXI::Pos2[5]> TrackingExporterHelper::surfacePoints() const

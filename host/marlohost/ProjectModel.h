@@ -21,6 +21,61 @@ class Contour;
 namespace MarloHost
 {
 
+/// A number that stays, or that is keyed over host frames: linear between keys,
+/// held outside of them.
+struct KeyedNumber
+{
+    double value = 0.0;
+    std::vector<int> frames;
+
+    /// One per entry of `frames`; empty when the number isn't keyed.
+    std::vector<double> values;
+};
+
+/// The lens of a clip; ClipLens.h says what the numbers do. Lengths are in heights
+/// of the picture.
+struct LensModel
+{
+    KeyedNumber focalLength{1.0, {}, {}};
+    KeyedNumber centreX;
+    KeyedNumber centreY;
+    std::array<KeyedNumber, 3> radial;
+    std::array<KeyedNumber, 2> tangential;
+    KeyedNumber squeeze{1.0, {}, {}};
+};
+
+/// Where the frames of a clip come from.
+struct FootageModel
+{
+    enum Kind
+    {
+        Sequence = 0,
+        Movie = 1,
+        Solid = 2
+    };
+
+    Kind kind = Solid;
+
+    /// Folder of a sequence.
+    QString directory;
+
+    /// File name of a sequence around its index; of a movie the whole path is `file`.
+    QString prefix;
+    QString suffix;
+
+    /// Digits of the index, filled up with zeros, and the index of host frame 0.
+    int indexWidth = 0;
+    int firstIndex = 0;
+    QString file;
+};
+
+/// Size of what the picture was recorded on, in millimetres.
+struct FilmBackModel
+{
+    double width = 36.0;
+    double height = 24.0;
+};
+
 struct ClipModel
 {
     QString name;
@@ -36,6 +91,19 @@ struct ClipModel
     /// Added to a host frame to show it; in host frames.
     int frameOffset = 0;
     bool interlaced = false;
+
+    /// Which field of interlaced or pulled-down footage comes first.
+    bool lowerFieldFirst = false;
+
+    /// Position in the 3:2 pattern, 0 to 4; unset for footage without pulldown.
+    std::optional<int> pulldown;
+    FootageModel footage;
+
+    /// Unset means 36 mm wide, and as high as the shape of the picture asks.
+    std::optional<FilmBackModel> filmBack;
+
+    /// Unset means a lens that distorts nothing.
+    std::optional<LensModel> lens;
 };
 
 struct GroupModel
@@ -79,6 +147,9 @@ struct LayerModel
 
     /// Name of the clip that the layer was tracked on; empty means the first.
     QString clip;
+
+    /// Name of the clip that is shown inside the surface; empty for none.
+    QString insertClip;
 
     /// Name of the group that holds the layer; empty at the top.
     QString group;

@@ -17,7 +17,8 @@ namespace Text
 void appendGeneral(QString& out, double value);
 void appendGeneral(QByteArray& out, double value);
 
-/// `QString::number(value, 'f', decimals)`, decimals from 0 to 15.
+/// `QString::number(value, 'f', decimals)`, decimals from 0 to 15 (more or fewer are
+/// taken as these). Zero has no sign, but what rounds to zero keeps it: "-0.00".
 void appendFixed(QString& out, double value, int decimals);
 void appendFixed(QByteArray& out, double value, int decimals);
 
@@ -26,7 +27,8 @@ void appendInteger(QString& out, long long value);
 void appendInteger(QByteArray& out, long long value);
 
 /// The shortest decimal that reads back as the same finite double, as JSON takes
-/// it ("0.1", "1e+21", "-0.0" for negative zero).
+/// it ("0.1", "1e+21", "-0.0" for negative zero). JSON has no text for NaN and the
+/// infinities: they become "null", and a caller that can't have that asks first.
 void appendShortest(QByteArray& out, double value);
 
 /// Whether a target program can read the value as a number: false for NaN,

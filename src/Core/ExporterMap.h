@@ -4,12 +4,15 @@
 
 #include "Core/DataFormat.h"
 #include "Core/ThrowHelpers.h"
+#include "Host/PluginHost.h"
 
+#include <QByteArray>
 #include <QList>
 #include <QMap>
 #include <QSet>
 #include <QString>
 
+#include <algorithm>
 #include <functional>
 #include <memory>
 #include <mutex>
@@ -17,7 +20,6 @@
 #include <vector>
 
 class KORV_ProjectManager;
-class TXIHost;
 
 namespace Export
 {
@@ -33,8 +35,21 @@ TXIHost const* hostOf(KORV_ProjectManager const& project);
 /// @param categories what the product offers
 /// @param extraCategories what it offers as well where the host grants that
 /// @param host may be null
-bool isOffered(DataFormatBase const& format, QSet<QString> categories, QSet<QString> const& extraCategories,
-               TXIHost const* host);
+inline bool isOffered(DataFormatBase const& format, QSet<QString> categories, QSet<QString> const& extraCategories,
+                      TXIHost const* host)
+{
+    if (host && host->grants(TXIHost::EXTRA_EXPORT_CATEGORIES))
+    {
+        categories.unite(extraCategories);
+    }
+    if (!categories.intersects(format.options()))
+    {
+        return false;
+    }
+    return !host || std::any_of(format.options().begin(), format.options().end(),
+                                [host](QString const& category)
+                                { return host->takesCategory(0, category.toUtf8().constData()); });
+}
 
 /// A format and how to make its exporter.
 template <typename Format, typename Exporter>

@@ -1,3 +1,5 @@
+// Every exporter of lens data. A new one is a line here, in the order of the formats.
+
 #include "Core/LensExporter.h"
 
 #include <vector>

@@ -1,3 +1,5 @@
+// Every exporter of shape data. A new one is a line here, in the order of the formats.
+
 #include "Core/ExporterTables.h"
 
 #include "Host/ShapeExporter.h"

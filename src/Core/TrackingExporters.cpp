@@ -1,3 +1,6 @@
+// Every exporter of tracking data. A new one is a line here, in the order of the
+// formats.
+
 #include "Core/ExporterTables.h"
 
 #include "AfterEffects/AECornerPinExporters.h"

@@ -57,6 +57,14 @@ private:
 class MARLO_HOST_API View
 {
 public:
+    /// Whether a clip is asked for the files of just this view, or for those that
+    /// stand in for it where the view has none of its own.
+    enum Mapping
+    {
+        Exact = 0,
+        Mapped = 1
+    };
+
     explicit View(int id);
 
     static int defaultViewId();

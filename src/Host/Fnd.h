@@ -45,6 +45,22 @@ private:
     Logger();
 };
 
+/// Part of a file name in which characters that a file system can't hold stand as
+/// "%" and two hexadecimal digits.
+class MARLO_HOST_API FSPercentEscapedString
+{
+public:
+    static FSPercentEscapedString fromPlain(QString const& text);
+
+    /// As it stands on the disk.
+    QString const& escaped() const;
+    QString plain() const;
+
+private:
+    explicit FSPercentEscapedString(QString const& escaped);
+    QString m_escaped;
+};
+
 /// Where copied exports go.
 class MARLO_HOST_API IClipboard
 {

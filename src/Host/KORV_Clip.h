@@ -6,7 +6,7 @@
 
 #include <memory>
 
-class ZN_BaseClipInfo;
+class ZN_ClipInfo;
 
 /// A clip of the project.
 class MARLO_HOST_API KORV_Clip
@@ -21,7 +21,7 @@ public:
 
     unsigned int id() const;
     QString const& name() const;
-    ZN_BaseClipInfo const& info() const;
+    ZN_ClipInfo const& info() const;
 
 private:
     std::unique_ptr<Data> m_data;

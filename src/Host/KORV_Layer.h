@@ -137,6 +137,9 @@ public:
     KV::Surface const& surface() const;
     unsigned int getBaseClipID() const;
 
+    /// The clip that is shown inside the surface; 0 for none.
+    unsigned int getInsertClipID(Anm::View const& view) const;
+
     /// The clip that the layer was tracked on.
     unsigned int trackingInputClipID(bool resolve, bool original, bool fallBackToBaseClip) const;
 

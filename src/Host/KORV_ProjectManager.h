@@ -24,6 +24,7 @@ class KORV_SelectionManager;
 class KORV_ToolManager;
 class ProjectProperties;
 class ZN_BaseClipInfo;
+class ZN_ClipInfo;
 
 namespace Korvane
 {
@@ -192,6 +193,10 @@ public:
     /// Null when there is no clip of this id.
     KORV_Clip const* getClip(unsigned int clipId) const;
     ZN_BaseClipInfo const* getBaseClipInfo(unsigned int clipId) const;
+    ZN_ClipInfo const* getClipInfo(unsigned int clipId, bool reserved) const;
+
+    /// Path of the image file of a frame; empty for a solid.
+    QString getFrameSourceFile(KORV_Clip const& clip, Anm::Context::Explicit const& context, bool reserved) const;
 
     /// 0 when there is no clip of this name.
     unsigned int clipIDForName(QString const& name) const;

@@ -26,8 +26,10 @@ QByteArray fullProject()
   "frameRate": 23.976,
   "clips": [
     { "name": "plate", "width": 720, "height": 576, "pixelAspect": 1.0940170940170941, "frameCount": 20,
-      "frameOffset": -3, "interlaced": true },
-    { "name": "b", "width": 64, "height": 32, "frameCount": 10 }
+      "frameOffset": -3, "interlaced": true, "lowerFieldFirst": true, "pulldown": 3,
+      "footage": { "kind": "sequence", "directory": "/p%1", "prefix": "a%", "suffix": ".dpx", "indexWidth": 4,
+                   "firstIndex": 98 }, "filmBack": { "width": 24.5, "height": 14 } },
+    { "name": "b", "width": 64, "height": 32, "frameCount": 10, "footage": { "kind": "movie", "file": "/m/b.mov" } }
   ],
   "views": ["left", "right"],
   "groups": [
@@ -41,7 +43,7 @@ QByteArray fullProject()
   "playback": [2, 17],
   "trim": [1, 18],
   "layers": [
-    { "name": "A", "group": "in", "surface": { "corners": [0, 0, 10, 0, 0, 10, 10, 10] } },
+    { "name": "A", "insertClip": "b", "group": "in", "surface": { "corners": [0, 0, 10, 0, 0, 10, 10, 10] } },
     { "name": "B \"%1\"/\u00fc", "clip": "b", "in": 2, "out": 8, "hidden": true, "selected": true, "moving": true,
       "surface": { "referenceFrame": 3, "corners": [0.1, 0, 10, 0, 0, 10, 10, 10] },
       "tracking": [
@@ -83,6 +85,12 @@ TEST(ProjectFile, EveryKeyReachesTheHost)
     EXPECT_EQ(plate->height(), 288u) << "lines of a field";
     EXPECT_EQ(plate->format().par(), 1.0940170940170941);
     EXPECT_EQ(plate->baseClipOffset(), -3);
+    EXPECT_TRUE(plate->bIs32Pulldown());
+    EXPECT_EQ(plate->phase(), ZN_BaseClipInfo::PulldownLowerFieldFirst + 3);
+    EXPECT_EQ(plate->filmType().filmBackWidth(), 24.5);
+    EXPECT_TRUE(plate->filmType().isCustom());
+    EXPECT_EQ(top->getInsertClipID(Anm::View::defaultView()), 2u);
+    EXPECT_EQ(current->getInsertClipID(Anm::View::defaultView()), 0u);
     EXPECT_EQ(project->frameRate(), 23.976);
     EXPECT_EQ(project->currentView().id(), 1);
     EXPECT_EQ(project->currentFrame().frameValue(), 4);
@@ -93,6 +101,40 @@ TEST(ProjectFile, EveryKeyReachesTheHost)
     EXPECT_EQ(project->projProps().trimInPoint(), 1);
     EXPECT_EQ(project->projProps().size(), QSize(720, 576));
     EXPECT_EQ(project->projectFilePath(), "/shots/full.json");
+}
+
+TEST(ProjectFile, FootageNamesItsFiles)
+{
+    auto const project = MarloHost::makeProject(readProject(fullProject(), "full.json"));
+    KORV_ParameterManager const& clips = *project->parameterManager();
+    Anm::View const view = Anm::View::defaultView();
+    auto const sourceFile = [&](unsigned int clip, int frame)
+    {
+        Anm::Context const context(Anm::Time::fromInt(frame), view);
+        return clips.getFrameSourceFile(*clips.getClip(clip), Anm::Context::Explicit(context), false);
+    };
+    // Two fields share a file: 20 fields from index 98 on end at 107.
+    ZN_ClipInfo const& sequence = *clips.getClipInfo(1, false);
+    EXPECT_EQ(sequence.footageKind(), ZN_ClipInfo::ImageSequence);
+    EXPECT_EQ(sequence.minIndex(view, Anm::View::Mapped), 98);
+    EXPECT_EQ(sequence.maxIndex(view, Anm::View::Mapped), 107);
+    EXPECT_EQ(sequence.clipPrefix(view, Anm::View::Mapped).escaped(), "a%25");
+    EXPECT_EQ(sequence.clipPrefix(view, Anm::View::Mapped).plain(), "a%");
+    EXPECT_EQ(sequence.firstFileName(), "/p%1/a%250098.dpx");
+    EXPECT_EQ(sourceFile(1, 0), sequence.firstFileName());
+    EXPECT_EQ(sourceFile(1, 5), "/p%1/a%250100.dpx");
+
+    ZN_ClipInfo const& movie = *clips.getClipInfo(2, false);
+    EXPECT_EQ(movie.footageKind(), ZN_ClipInfo::MediaFile);
+    EXPECT_EQ(movie.clipDirectory(view, Anm::View::Mapped), "/m");
+    EXPECT_EQ(movie.clipPrefix(view, Anm::View::Mapped).plain(), "b.mov");
+    EXPECT_EQ(movie.indexWidth(view, Anm::View::Mapped), 0u);
+    EXPECT_EQ(sourceFile(2, 7), "/m/b.mov");
+    EXPECT_EQ(movie.filmType().filmBackHeight(), 18) << "36 mm wide, two to one";
+
+    auto const plain = ProjectBuilder().make();
+    EXPECT_EQ(plain->parameterManager()->getClipInfo(1, false)->footageKind(), ZN_ClipInfo::Solid);
+    EXPECT_EQ(clips.getClipInfo(3, false), nullptr);
 }
 
 TEST(ProjectFile, WritingAndReadingGivesTheSameText)
@@ -125,6 +167,11 @@ struct Refusal
     char const* path;
     char const* cause;
 };
+
+std::ostream& operator<<(std::ostream& out, Refusal const& refusal)
+{
+    return out << refusal.by << " for " << refusal.replace;
+}
 
 class Refused : public testing::TestWithParam<Refusal>
 {
@@ -164,6 +211,9 @@ INSTANTIATE_TEST_SUITE_P(
         Refusal{"\"width\": 720", "\"width\": 720.5", "$.clips[0].width", "whole number"},
         Refusal{"\"width\": 720", "\"widht\": 720", "$.clips[0].widht", "unknown key; the keys here are name, width"},
         Refusal{"\"width\": 720", "\"name\": 720", "$.clips[0].name", "twice"},
+        Refusal{"\"kind\": \"movie\"", "\"kind\": \"film\"", "$.clips[1].footage.kind", "\"sequence\", \"movie\""},
+        Refusal{"\"kind\": \"movie\"", "\"kind\": \"solid\"", "$.clips[1].footage.file", "doesn't have it"},
+        Refusal{"\"insertClip\": \"b\"", "\"insertClip\": \"c\"", "$.layers[0].insertClip", "no clip"},
         Refusal{"\"name\": \"b\"", "\"name\": \"plate\"", "$.clips[1].name", "taken"},
         Refusal{"\"left\", \"right\"", "\"left\", \"left\"", "$.views[1]", "must differ"},
         Refusal{"\"left\", \"right\"", "\"left\", 7", "$.views[1]", "expected a string"},
@@ -195,7 +245,7 @@ INSTANTIATE_TEST_SUITE_P(
         Refusal{"\"currentView\": \"right\"", "\"currentView\": \"up\"", "$.currentView", "no view \"up\""},
         Refusal{"\"currentFrame\": 4", "\"currentFrame\": 20", "$.currentFrame", "out of range"},
         Refusal{"[2, 17]", "[17, 2]", "$.playback", "ends before"}, Refusal{"[2, 17]", "[2, 20]", "$.playback", "20"},
-        Refusal{"[2, 17]", "[2, 17", "$.playback[2]", "line 17"}));
+        Refusal{"[2, 17]", "[2, 17", "$.playback[3]", "line 21"}));
 
 TEST(ProjectFile, HostileTextsAreRefusedBeforeATreeIsBuilt)
 {

@@ -369,12 +369,12 @@ TEST_P(Mill, TextEqualsItsGolden)
     EXPECT_EQ(expected.size(), result.files.size());
     for (auto it = expected.begin(); it != expected.end(); ++it)
     {
-        EXPECT_TRUE(sameBytes(it.value(), result.files.value("/golden/" + it.key()))) << it.key();
+        EXPECT_TRUE(sameBytes(it.value(), result.files.value("/golden/" + it.key()))) << it.key().toStdString();
     }
 }
 
 INSTANTIATE_TEST_SUITE_P(Formats, Mill, testing::ValuesIn(offeredFormats()),
-                         [](testing::TestParamInfo<Format> const& info) { return info.param.key.toStdString(); });
+                         [](testing::TestParamInfo<Format> const& format) { return format.param.key.toStdString(); });
 
 // Parameter names, and so the list of tests, must differ; and a golden without a
 // format is left over from something.

@@ -1,6 +1,7 @@
 #pragma once
 // Projects for tests: a whole one in a line, an odd one in three.
 
+#include "QtPrinting.h"
 #include "marlohost/ProjectFile.h"
 #include "marlohost/ProjectModel.h"
 
