@@ -142,8 +142,9 @@ def check_layer_model(check: Check) -> None:
     keys = Transform(keys.position, keys.scale, np.radians([33.0]))
     bound = layer.place_error(keys, pin, error, np.full(pin.shape, 0.002))
     farthest = np.zeros(pin.shape)
+    shapes = ((1, 2), (1, 2), 1, pin.shape)
     for _ in range(2000):
-        position, scale, rotation, corner = (random.choice((-1.0, 1.0), shape) for shape in ((1, 2), (1, 2), 1, pin.shape))
+        position, scale, rotation, corner = (random.choice((-1.0, 1.0), shape) for shape in shapes)
         off = Transform(keys.position + position * error.position, keys.scale + scale * error.scale,
                         keys.rotation + rotation * error.rotation)
         moved = layer.place(off, pin + 0.002 * corner) - layer.place(keys, pin)

@@ -14,8 +14,8 @@ Rows = List[List[str]]
 GOOD = ("Adobe After Effects 6.0 Keyframe Data\n\n\tUnits Per Second\t24\n\tSource Width\t1920\n\tSource Height\t1080\n"
         "\tSource Pixel Aspect Ratio\t1\n\tComp Pixel Aspect Ratio\t1\n\n"
         "Rotation\n\tFrame\tDegrees\n\t0\t0\n\t0.5\t-1.5e-05\n\n"
-        "Effects\tADBE Corner Pin #1\tADBE Corner Pin-0001\n\tFrame\tX pixels\tY pixels\n\t0\t100\t980\n\t1\t101\t980.5\n"
-        "\nEnd of Keyframe Data\n")
+        "Effects\tADBE Corner Pin #1\tADBE Corner Pin-0001\n\tFrame\tX pixels\tY pixels\n"
+        "\t0\t100\t980\n\t1\t101\t980.5\n\nEnd of Keyframe Data\n")
 
 # What replaces what in the text above.
 _BAD_TEXTS = (

@@ -59,8 +59,8 @@ def _flat(matrices) -> list:
     return [float(value) for matrix in matrices for value in matrix.ravel()]
 
 
-# Tilts, per square pixel: one that makes a side of the surface more than twice as long as the opposite one, and one that
-# keeps the corners of the whole picture in front of the horizon, for exports that carry the picture.
+# Tilts, per square pixel: one that makes a side of the surface more than twice as long as the opposite one, and one
+# that keeps the corners of the whole picture in front of the horizon, for exports that carry the picture.
 STRONG, GENTLE = (1.5e-3, -2e-3), (2e-4, -3e-4)
 
 
