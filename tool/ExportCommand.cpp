@@ -1,0 +1,41 @@
+// `marlo-export export`
+
+#include "Commands.h"
+#include "Console.h"
+#include "ExportPlan.h"
+#include "ExportRun.h"
+#include "Session.h"
+
+namespace
+{
+
+/// What can be refused before the project is read.
+FormatEntry checkedFormat(Options const& options)
+{
+    if (options.json && options.writing.output == QStringLiteral("-"))
+    {
+        throw usageError(QStringLiteral("--json and -o - would both write to stdout"));
+    }
+    return findFormat(options.format);
+}
+
+}
+
+ExitStatus runExportCommand(Options const& options, Console& console)
+{
+    FormatEntry const format = checkedFormat(options);
+    console.progress(0, 2, QStringLiteral("reading ") + options.project);
+    Session session(options.project);
+    console.progress(1, 2, QStringLiteral("exporting ") + format.key());
+    ExportRecord record = runExport(session, format, options.choices, options.writing, false, console);
+    record.warnings = optionsWithoutEffect(format, options.choices.given) + record.warnings;
+    console.clearProgress();
+
+    bool const isToStdout = options.writing.output == QStringLiteral("-");
+    report(record, !options.json && !isToStdout, console);
+    if (options.json)
+    {
+        console.result(jsonBytes(record.toJson()));
+    }
+    return record.exitStatus;
+}

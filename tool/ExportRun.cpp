@@ -1,0 +1,193 @@
+#include "ExportRun.h"
+
+#include "Console.h"
+#include "ExportPlan.h"
+#include "Host/KORV_Layer.h"
+#include "Host/KORV_ProjectManager.h"
+#include "Session.h"
+#include "WriteProvider.h"
+
+#include <QFileInfo>
+
+namespace
+{
+
+constexpr int MOST_LINES = 10;
+
+bool isText(QByteArray const& bytes)
+{
+    return !bytes.contains('\0') && QString::fromUtf8(bytes).toUtf8() == bytes;
+}
+
+void checkStdout(FormatEntry const& format, ExportChoices const& choices)
+{
+    if (choices.eachLayer)
+    {
+        throw usageError(QStringLiteral("-o - takes one file; --each-layer makes one for each layer"));
+    }
+    if (format.format().numFiles() != 1)
+    {
+        throw usageError(QStringLiteral("-o - takes one text file; ") + format.key() + QStringLiteral(" makes ") +
+                         (format.format().numFiles() == 0 ? QStringLiteral("a sequence of images")
+                                                          : QString::number(format.format().numFiles())));
+    }
+}
+
+void printFile(WriteProvider const& provider, ExportRecord& record, Console& console)
+{
+    if (provider.files().size() != 1 || !isText(provider.files().first()))
+    {
+        throw usageError(QStringLiteral("-o - takes one text file; ") + record.format +
+                         (provider.files().size() == 1 ? QStringLiteral(" makes a binary one")
+                                                       : QStringLiteral(" makes several files")));
+    }
+    QByteArray const bytes = provider.files().first();
+    console.result(bytes);
+    record.files.push_back({QStringLiteral("-"), bytes.size()});
+}
+
+/// Why a planned export has nothing to work on; empty when it has.
+QString whyImpossible(std::vector<PlannedExport> const& exports, KORV_ProjectManager& project)
+{
+    for (PlannedExport const& planned : exports)
+    {
+        auto const [isPossible, reason] = planned.exporter->isExportPossible(project);
+        if (!isPossible)
+        {
+            return QString::fromUtf8(reason.value_or("Nothing to export"));
+        }
+    }
+    return QString();
+}
+
+void setWritten(ExportRecord& record)
+{
+    record.status = ExportRecord::Written;
+    record.exitStatus = record.hasFailedFrames() ? SomeFramesFailed : Success;
+}
+
+/// After the library has returned without an exception.
+void conclude(WriteProvider const& provider, WritingChoices const& writing, ExportRecord& record, Console& console)
+{
+    if (provider.hasAbandoned())
+    {
+        throw Failure(Refused, QStringLiteral("nothing written, as frames failed (--strict)"));
+    }
+    if (provider.files().isEmpty())
+    {
+        throw Failure(Refused, record.messages.isEmpty() ? QStringLiteral("there is nothing to export")
+                                                         : QStringLiteral("nothing could be exported"));
+    }
+    if (writing.dryRun)
+    {
+        for (auto file = provider.files().begin(); file != provider.files().end(); ++file)
+        {
+            record.files.push_back({file.key(), file.value().size()});
+        }
+        setWritten(record);
+        record.status = ExportRecord::Skipped;
+        record.reason = QStringLiteral("dry run");
+        return;
+    }
+    if (writing.output == QStringLiteral("-"))
+    {
+        printFile(provider, record, console);
+    }
+    if (record.files.empty())
+    {
+        throw Failure(Refused, QStringLiteral("nothing written; the old files stay"));
+    }
+    setWritten(record);
+}
+
+void run(Session& session, FormatEntry const& format, std::vector<PlannedExport> const& exports,
+         WritingChoices const& writing, ExportRecord& record, Console& console)
+{
+    std::vector<Export::BatchItem> items;
+    for (PlannedExport const& planned : exports)
+    {
+        if (writing.output != QStringLiteral("-") && format.format().numFiles() == 1)
+        {
+            refuseExisting(planned.path, writing.overwrite, console);
+        }
+        items.push_back({planned.exporter, Export::ExportFileInfo(), planned.path});
+    }
+    WriteProvider provider(writing, record, console);
+    Export::exportBatch(items, session.project(), provider);
+    provider.finish();
+    conclude(provider, writing, record, console);
+}
+
+}
+
+ExportRecord runExport(Session& session, FormatEntry const& format, ExportChoices const& choices,
+                       WritingChoices const& writing, bool maySkip, Console& console)
+{
+    ExportRecord record;
+    record.format = format.key();
+    try
+    {
+        if (writing.output == QStringLiteral("-"))
+        {
+            checkStdout(format, choices);
+        }
+        std::vector<PlannedExport> const exports =
+            planExports(session, format, choices, writing.output, record.warnings);
+        QString const reason = maySkip ? whyImpossible(exports, session.project()) : QString();
+        if (reason.isEmpty())
+        {
+            run(session, format, exports, writing, record, console);
+        }
+        else
+        {
+            record.status = ExportRecord::Skipped;
+            record.exitStatus = Success;
+            record.reason = reason;
+        }
+    }
+    catch (...)
+    {
+        record.fail(currentFailure());
+    }
+    record.warnings += session.takeWarnings();
+    return record;
+}
+
+void report(ExportRecord const& record, bool listsFiles, Console& console)
+{
+    for (int i = 0; i < qMin(MOST_LINES, record.messages.size()); ++i)
+    {
+        console.warning(record.messages[i]);
+    }
+    if (record.messages.size() > MOST_LINES)
+    {
+        console.warning(QStringLiteral("%1 more of these (--json lists all)").arg(record.messages.size() - MOST_LINES));
+    }
+    if (record.failedCount > 0)
+    {
+        console.warning(record.format + QStringLiteral(": %1 frames or items failed").arg(record.failedCount));
+    }
+    for (QString const& warning : record.warnings)
+    {
+        console.warning(warning);
+    }
+    for (QString const& notice : record.notices)
+    {
+        console.note(notice);
+    }
+    if (record.status == ExportRecord::Failed && !record.reason.isEmpty())
+    {
+        console.error(record.reason);
+    }
+    if (!listsFiles || console.isQuiet())
+    {
+        return;
+    }
+    for (ExportRecord::File const& file : record.files)
+    {
+        bool const isDryRun = record.status == ExportRecord::Skipped;
+        QString const verb =
+            QFileInfo::exists(file.path) ? QStringLiteral("would overwrite ") : QStringLiteral("would write ");
+        console.result((isDryRun ? verb : QString()) + file.path);
+    }
+}

@@ -1,0 +1,397 @@
+#include "Options.h"
+
+#include "Failure.h"
+
+#include <CLI/CLI.hpp>
+
+#include <functional>
+#include <map>
+#include <string>
+
+namespace
+{
+
+using Corners = Korvane::TrackingExporterTypes;
+
+constexpr int MAX_RASTER = 65'536;
+constexpr double MIN_RATE = 0.001;
+constexpr double MAX_RATE = 100'000;
+
+QString fromArgument(std::string const& argument)
+{
+    return QString::fromStdString(argument);
+}
+
+/// An option with a text that goes through `take`, which may throw CLI::ValidationError.
+CLI::Option* addText(CLI::App* app, std::string const& name, std::string const& help,
+                     std::function<void(QString const&)> const& take)
+{
+    return app->add_option_function<std::string>(
+        name, [take](std::string const& argument) { take(fromArgument(argument)); }, help);
+}
+
+/// An option that may stand several times, with one text each.
+CLI::Option* addTexts(CLI::App* app, std::string const& name, std::string const& help, QStringList& target)
+{
+    auto const take = [&target](std::vector<std::string> const& arguments)
+    {
+        for (std::string const& argument : arguments)
+        {
+            target += fromArgument(argument);
+        }
+    };
+    return app->add_option_function<std::vector<std::string>>(name, take, help)
+        ->expected(1)
+        ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
+}
+
+template <typename Value>
+using Words = std::vector<std::pair<std::string, Value>>;
+
+/// An option that takes one of some words.
+template <typename Value, typename Target>
+CLI::Option* addChoice(CLI::App* app, std::string const& name, std::string const& help, Words<Value> const& words,
+                       Target& target)
+{
+    std::string list;
+    for (auto const& word : words)
+    {
+        list += (list.empty() ? "" : "|") + word.first;
+    }
+    auto const take = [=, &target](QString const& text)
+    {
+        for (auto const& word : words)
+        {
+            if (fromArgument(word.first) == text)
+            {
+                target = word.second;
+                return;
+            }
+        }
+        throw CLI::ValidationError(name, "\"" + text.toStdString() + "\" isn't one of " + list);
+    };
+    return addText(app, name, help, take)->type_name(list);
+}
+
+int wholeNumber(std::string const& option, QString const& text)
+{
+    bool isNumber = false;
+    int const number = text.toInt(&isNumber);
+    if (!isNumber)
+    {
+        throw CLI::ValidationError(option, "\"" + text.toStdString() + "\" isn't a whole number");
+    }
+    return number;
+}
+
+QString notEmpty(std::string const& option, QString const& text)
+{
+    if (text.isEmpty())
+    {
+        throw CLI::ValidationError(option, "needs a text that isn't empty");
+    }
+    return text;
+}
+
+double frameRate(QString const& text)
+{
+    bool isNumber = false;
+    double const rate = text.toDouble(&isNumber);
+    if (!isNumber || !(rate >= MIN_RATE && rate <= MAX_RATE))
+    {
+        throw CLI::ValidationError("--fps", "\"" + text.toStdString() +
+                                                "\" isn't a rate from 0.001 to 100000 frames per second");
+    }
+    return rate;
+}
+
+QSize rasterSize(QString const& text)
+{
+    QStringList const numbers = text.split(QLatin1Char('x'), Qt::KeepEmptyParts, Qt::CaseInsensitive);
+    int const width = numbers.size() == 2 ? numbers[0].toInt() : 0;
+    int const height = numbers.size() == 2 ? numbers[1].toInt() : 0;
+    if (width < 1 || width > MAX_RASTER || height < 1 || height > MAX_RASTER)
+    {
+        throw CLI::ValidationError("--size", "\"" + text.toStdString() + "\" isn't WIDTHxHEIGHT, such as 1920x1080");
+    }
+    return QSize(width, height);
+}
+
+std::array<Corners::SurfaceCorner, 4> cornerOrder(QString const& text)
+{
+    static std::map<QString, Corners::SurfaceCorner> const corners{{"ul", Corners::UpperLeft},
+                                                                   {"ur", Corners::UpperRight},
+                                                                   {"lr", Corners::LowerRight},
+                                                                   {"ll", Corners::LowerLeft}};
+    QStringList const words = text.toLower().split(QLatin1Char(','));
+    std::array<Corners::SurfaceCorner, 4> order{};
+    for (int i = 0; words.size() == 4 && i < 4; ++i)
+    {
+        auto const found = corners.find(words[i]);
+        if (found == corners.end() || words.indexOf(words[i]) != i)
+        {
+            break;
+        }
+        order[static_cast<std::size_t>(i)] = found->second;
+        if (i == 3)
+        {
+            return order;
+        }
+    }
+    throw CLI::ValidationError("--order", "\"" + text.toStdString() +
+                                              "\" isn't ul, ur, lr and ll in some order, such as ul,ur,lr,ll");
+}
+
+/// Builds the commands and their options, all of which write into one record.
+class CommandLine
+{
+public:
+    explicit CommandLine(Options& options)
+        : m_options(options), m_app("Exports tracked shots for other programs.", "marlo-export")
+    {
+        m_app.set_version_flag("--version", "marlo-export " MARLO_VERSION);
+        m_app.require_subcommand(1);
+        addLanguage(&m_app);
+        addFormats();
+        addInfo();
+        addExport();
+        addAll();
+        addImport();
+    }
+
+    /// @return text to print when help or the version was asked for, else empty
+    QString parse(int argc, char const* const* argv)
+    {
+        try
+        {
+            m_app.parse(argc, argv);
+            noteGiven();
+            return QString();
+        }
+        catch (CLI::CallForHelp const&)
+        {
+            return QString::fromStdString(m_app.help());
+        }
+        catch (CLI::CallForVersion const& version)
+        {
+            return QString::fromUtf8(version.what()) + QLatin1Char('\n');
+        }
+        catch (CLI::ParseError const& error)
+        {
+            refuseUnknownCommand();
+            throw usageError(oneLine(QString::fromUtf8(error.what())) + QStringLiteral(" (see marlo-export --help)"));
+        }
+    }
+
+private:
+    /// CLI11 would only say that a command is missing.
+    void refuseUnknownCommand() const
+    {
+        std::vector<std::string> const unknown = m_app.remaining();
+        if (!m_app.get_subcommands().empty() || unknown.empty() || unknown.front().front() == '-')
+        {
+            return;
+        }
+        QStringList commands;
+        for (CLI::App const* command : m_app.get_subcommands([](CLI::App const*) { return true; }))
+        {
+            commands += fromArgument(command->get_name());
+        }
+        throw usageError(QStringLiteral("there is no command \"") + fromArgument(unknown.front()) +
+                         QStringLiteral("\"; there are ") + commands.join(QStringLiteral(", ")));
+    }
+
+    void noteGiven()
+    {
+        for (CLI::App const* app : m_app.get_subcommands())
+        {
+            for (CLI::Option const* option : app->get_options())
+            {
+                if (option->count() > 0 && !option->get_lnames().empty())
+                {
+                    m_options.choices.given += QStringLiteral("--") + fromArgument(option->get_lnames().front());
+                }
+            }
+        }
+    }
+
+    void addLanguage(CLI::App* app)
+    {
+        addText(app, "--lang", "Language of names and messages; default: en",
+                [this](QString const& code) { m_options.language = code; })
+            ->type_name("CODE");
+    }
+
+    CLI::App* addCommand(CLI::App* parent, std::string const& name, std::string const& help, Options::Command command)
+    {
+        CLI::App* const app = parent->add_subcommand(name, help);
+        app->callback([this, command] { m_options.command = command; });
+        addLanguage(app);
+        return app;
+    }
+
+    void addJson(CLI::App* app)
+    {
+        app->add_flag("--json", m_options.json, "Print the result as JSON");
+    }
+
+    void addKind(CLI::App* app)
+    {
+        Words<QString> const words{
+            {"tracking", "tracking"}, {"shape", "shape"}, {"camera", "camera"}, {"lens", "lens"}};
+        addChoice(app, "--kind", "Only formats of this kind", words, m_options.kind);
+    }
+
+    void addProject(CLI::App* app)
+    {
+        addText(app, "PROJECT", "Project file", [this](QString const& path) { m_options.project = path; })->required();
+    }
+
+    void addFormats()
+    {
+        CLI::App* const app = addCommand(&m_app, "formats", "List the formats", Options::Formats);
+        addKind(app);
+        addJson(app);
+    }
+
+    void addInfo()
+    {
+        CLI::App* const app = addCommand(&m_app, "info", "Show what a project holds", Options::Info);
+        addProject(app);
+        addJson(app);
+    }
+
+    void addExport()
+    {
+        CLI::App* const app = addCommand(&m_app, "export", "Export to one format", Options::Export);
+        addProject(app);
+        addText(app, "FORMAT", "Key of the format; `formats` lists them",
+                [this](QString const& key) { m_options.format = key; })
+            ->required();
+        addText(app, "-o,--output", "File or folder to write, or - for stdout; default: a name from the project",
+                [this](QString const& path) { m_options.writing.output = notEmpty("-o", path); })
+            ->type_name("PATH");
+        addExportOptions(app);
+    }
+
+    void addAll()
+    {
+        CLI::App* const app =
+            addCommand(&m_app, "all", "Export to every format that the project can feed", Options::All);
+        addProject(app);
+        addText(app, "-o,--output", "Folder that gets a folder for each format",
+                [this](QString const& path) { m_options.writing.output = notEmpty("-o", path); })
+            ->type_name("DIR")
+            ->required();
+        addKind(app);
+        addExportOptions(app);
+    }
+
+    void addExportOptions(CLI::App* app)
+    {
+        addLayerOptions(app);
+        addDataOptions(app);
+        addWritingOptions(app);
+        addJson(app);
+        CLI::Option* const quiet = app->add_flag("--quiet", m_options.quiet, "Print nothing but warnings and errors");
+        app->add_flag("--verbose", m_options.verbose, "Print what is being done")->excludes(quiet);
+    }
+
+    void addLayerOptions(CLI::App* app)
+    {
+        ExportChoices& choices = m_options.choices;
+        CLI::Option* const layer = addText(app, "--layer", "The layer of this name; default: the current one",
+                                           [&choices](QString const& name) { choices.layer = name; })
+                                       ->type_name("NAME");
+        Words<ZN::LayerExportMode> const modes{
+            {"selected", ZN::SelectedLayer}, {"visible", ZN::VisibleLayers}, {"all", ZN::AllLayers}};
+        addChoice(app, "--layers", "Several layers", modes, choices.layers)->excludes(layer);
+        app->add_flag("--each-layer", choices.eachLayer,
+                      "A file for each layer that --layers reaches (default all); {layer} in -o is its name")
+            ->excludes(layer);
+        addTexts(app, "--view", "A view, or all; may stand several times; default: the current one", choices.views)
+            ->type_name("NAME");
+    }
+
+    void addDataOptions(CLI::App* app)
+    {
+        ExportChoices& choices = m_options.choices;
+        Words<ZN_TRACKING_OPTION> const motions{{"basic", ZN_TRACKING_OPTION_BASIC},
+                                                {"adjusted", ZN_TRACKING_OPTION_ADJUSTED},
+                                                {"offset", ZN_TRACKING_OPTION_OFFSET},
+                                                {"stabilized", ZN_TRACKING_OPTION_STABILIZED}};
+        addChoice(app, "--track", "Motion to export; default: adjusted", motions, choices.track);
+        app->add_flag("--invert", choices.invert, "Export the inverse motion");
+        app->add_flag("--undistort", choices.undistort, "Take the lens distortion out");
+        addText(app, "--reference-frame", "Frame, as shown, from which relative data start",
+                [&choices](QString const& text) { choices.referenceFrame = wholeNumber("--reference-frame", text); })
+            ->type_name("N");
+        Words<KV::CameraSolveExporter::ObjectsToExport> const objects{
+            {"selected", KV::CameraSolveExporter::SelectedObjects},
+            {"visible", KV::CameraSolveExporter::VisibleObjects},
+            {"all", KV::CameraSolveExporter::AllObjects}};
+        addChoice(app, "--objects", "Solve objects of camera formats; default: all", objects, choices.objects);
+        addText(app, "--clip", "Clip of lens formats; default: the displayed one",
+                [&choices](QString const& name) { choices.clip = name; })
+            ->type_name("NAME");
+        addTexts(app, "--option", "An option of the format; may stand several times", choices.formatOptions)
+            ->type_name("KEY=VALUE");
+    }
+
+    void addWritingOptions(CLI::App* app)
+    {
+        WritingChoices& writing = m_options.writing;
+        app->add_flag("--overwrite", writing.overwrite, "Replace existing files");
+        app->add_flag("--strict", writing.strict, "Write nothing when a frame fails");
+        app->add_flag("--dry-run", writing.dryRun, "Do everything but write");
+    }
+
+    void addImport()
+    {
+        CLI::App* const import = m_app.add_subcommand("import", "Make a project of other programs' data");
+        import->require_subcommand(1);
+        addLanguage(import);
+        CLI::App* const app =
+            addCommand(import, "corners", "Make a project of a table of corners", Options::ImportCorners);
+        CornerImportChoices& corners = m_options.corners;
+        addText(app, "TABLE", "Text file: a frame number or a file name and eight numbers in each line",
+                [&corners](QString const& path) { corners.table = path; })
+            ->required();
+        addText(app, "-o,--output", "Project file to write",
+                [&corners](QString const& path) { corners.project = notEmpty("-o", path); })
+            ->type_name("PROJECT")
+            ->required();
+        auto const takeSize = [&corners](QString const& text)
+        {
+            QSize const size = rasterSize(text);
+            corners.import.width = size.width();
+            corners.import.height = size.height();
+        };
+        addText(app, "--size", "Size of the footage in pixels", takeSize)->type_name("WxH")->required();
+        addText(app, "--fps", "Frames per second; default: 24",
+                [&corners](QString const& text) { corners.import.frameRate = frameRate(text); })
+            ->type_name("R");
+        addText(app, "--name", "Name of the layer; default: Layer 1",
+                [&corners](QString const& name) { corners.import.layerName = notEmpty("--name", name); })
+            ->type_name("LAYER");
+        app->add_flag("--y-up", corners.import.yUp, "The table's y runs up from the bottom edge");
+        addText(app, "--order", "Corners of a row: upper and lower, left and right; default: ul,ur,lr,ll",
+                [&corners](QString const& text) { corners.import.order = cornerOrder(text); })
+            ->type_name("ul,ur,lr,ll");
+        app->add_flag("--overwrite", corners.overwrite, "Replace an existing project file");
+        addJson(app);
+        app->add_flag("--quiet", m_options.quiet, "Print nothing but warnings and errors");
+    }
+
+    Options& m_options;
+    CLI::App m_app;
+};
+
+}
+
+std::optional<Options> parseOptions(int argc, char const* const* argv, QString& text)
+{
+    Options options;
+    text = CommandLine(options).parse(argc, argv);
+    return text.isEmpty() ? std::make_optional(options) : std::nullopt;
+}

@@ -1,0 +1,80 @@
+#pragma once
+// A project that was read, and what the commands ask about it.
+
+#include "Host/Anm.h"
+#include "Host/ExportEnums.h"
+#include "marlohost/ProjectModel.h"
+
+#include <QString>
+#include <QStringList>
+#include <boost/shared_ptr.hpp>
+
+#include <memory>
+#include <optional>
+#include <vector>
+
+class KORV_Layer;
+class KORV_ProjectManager;
+
+/// How host frames are shown: host frame plus offset, and two fields to a frame.
+class FrameNumbers
+{
+public:
+    FrameNumbers(int offset, bool isInterlaced);
+
+    /// The frame that a host frame is shown as, or lies in.
+    int shown(int hostFrame) const;
+
+    /// The host frame, or the first field, of a frame as shown.
+    qint64 host(int shownFrame) const;
+
+private:
+    int m_offset;
+    bool m_isInterlaced;
+};
+
+/// Reads a project file.
+/// @throws Failure as unreadable input
+MarloHost::ProjectModel readModel(QString const& path);
+
+class Session
+{
+public:
+    /// @throws Failure as unreadable input
+    explicit Session(QString const& projectPath);
+    ~Session();
+    Session(Session const&) = delete;
+    Session& operator=(Session const&) = delete;
+
+    KORV_ProjectManager& project();
+
+    /// The layers from the top of the stack.
+    std::vector<KORV_Layer const*> layers() const;
+
+    /// The layers that a mode reaches, from the top; for SelectedLayer those that are
+    /// selected or in a selected group.
+    std::vector<KORV_Layer const*> layers(ZN::LayerExportMode mode) const;
+
+    /// The views of these names, in this order; "all" alone stands for all of them.
+    /// @throws Failure as wrong usage that lists the views
+    std::vector<Anm::View> views(QStringList const& names) const;
+
+    /// The host frame of a shown number.
+    /// @throws Failure as wrong usage that says the range of the project
+    int hostFrame(int shownFrame) const;
+
+    /// The id of the clip of that name, or of the displayed one.
+    /// @throws Failure as wrong usage that lists the clips
+    unsigned int clipId(std::optional<QString> const& name) const;
+
+    /// What exporters warned of since the last call.
+    QStringList takeWarnings();
+
+private:
+    class Warnings;
+
+    QStringList m_clipNames;
+    int m_frameCount = 0;
+    std::shared_ptr<Warnings> m_warnings;
+    boost::shared_ptr<KORV_ProjectManager> m_project;
+};

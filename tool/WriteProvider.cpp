@@ -1,0 +1,120 @@
+#include "WriteProvider.h"
+
+#include "Console.h"
+#include "Host/Fnd.h"
+
+#include <QDir>
+#include <QFileInfo>
+
+namespace
+{
+
+/// What a real run would find in the way of a file, as far as can be seen without
+/// writing.
+void rehearse(QString const& path)
+{
+    QFileInfo const target(path);
+    if (target.exists() && !(target.isFile() && target.isWritable()))
+    {
+        throw Failure(Refused, QStringLiteral("Could not write to file ") + path);
+    }
+    QString folder = target.absolutePath();
+    while (!QFileInfo::exists(folder) && folder != QDir::rootPath())
+    {
+        folder = QFileInfo(folder).absolutePath();
+    }
+    if (!QFileInfo(folder).isDir() || !Fnd::isDirWritable(folder))
+    {
+        throw Failure(Refused, QStringLiteral("Cannot write to ") + folder);
+    }
+}
+
+}
+
+void refuseExisting(QString const& path, bool overwrite, Console const& console)
+{
+    QFileInfo const target(path);
+    // Nothing replaces a folder; writing says so.
+    if (target.exists() && !target.isDir() && !overwrite && !console.isInteractive())
+    {
+        throw Failure(Refused, path + QStringLiteral(" exists; use --overwrite to replace it"));
+    }
+}
+
+WriteProvider::WriteProvider(WritingChoices const& writing, ExportRecord& record, Console& console)
+    : m_writing(writing), m_record(record), m_console(console)
+{
+}
+
+bool WriteProvider::confirmFailures(Korvane::ExportedFiles const& result)
+{
+    m_console.clearProgress();
+    m_files = result.files;
+    m_record.messages = result.messages;
+    m_record.failedCount = result.failedCount;
+    m_hasAbandoned = m_writing.strict && m_record.hasFailedFrames();
+    if (m_hasAbandoned || m_writing.output == QStringLiteral("-"))
+    {
+        return true;
+    }
+    for (QString const& path : m_files.keys())
+    {
+        refuseExisting(path, m_writing.overwrite, m_console);
+        if (m_writing.dryRun)
+        {
+            rehearse(path);
+        }
+    }
+    return m_writing.dryRun;
+}
+
+void WriteProvider::showNotices(std::vector<ExportNotice> const& notices)
+{
+    for (ExportNotice const& notice : notices)
+    {
+        m_record.notices += notice.title.isEmpty() ? notice.text : notice.title + QStringLiteral(": ") + notice.text;
+    }
+}
+
+// The path is known before an export starts.
+QString WriteProvider::askSavePath(Export::ExportFileInfo const&, QString const&, QString const& suggestedPath)
+{
+    return suggestedPath;
+}
+
+bool WriteProvider::confirmWrite(QString const& path)
+{
+    finish();
+    bool const isOld = QFileInfo::exists(path) && !QFileInfo(path).isDir();
+    if (isOld && !m_writing.overwrite && !m_console.ask(path + QStringLiteral(" exists. Replace it?")))
+    {
+        m_hasDeclined = true;
+        return false;
+    }
+    m_pending = path;
+    return true;
+}
+
+void WriteProvider::finish()
+{
+    if (!m_pending.isEmpty())
+    {
+        m_record.files.push_back({m_pending, m_files.value(m_pending).size()});
+        m_pending.clear();
+    }
+}
+
+QMap<QString, QByteArray> const& WriteProvider::files() const
+{
+    return m_files;
+}
+
+bool WriteProvider::hasDeclined() const
+{
+    return m_hasDeclined;
+}
+
+bool WriteProvider::hasAbandoned() const
+{
+    return m_hasAbandoned;
+}
