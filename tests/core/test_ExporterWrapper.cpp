@@ -138,7 +138,9 @@ TEST(ExporterWrapper, CamerasMustBeSolvedAndCalibrationClipsKnown)
 TEST(ExporterWrapper, TracksGetTheUsersOptions)
 {
     auto const exporter = std::make_shared<FakeTrackingExporter>();
-    Project const project = MarloHost::makeProject(projectOf({layer("top"), layer("twin"), layer("twin")}, "top"));
+    MarloHost::LayerModel top = layer("top");
+    top.referenceFrame = 12;
+    Project const project = MarloHost::makeProject(projectOf({top, layer("twin"), layer("twin")}, "top"));
     UserTrackingOptions options;
     options.trackingOption = ZN_TRACKING_OPTION_OFFSET;
     options.invert = true;

@@ -1,0 +1,182 @@
+"""A project file that uses every key, and what can be wrong with one."""
+
+import copy
+import json
+from dataclasses import dataclass
+from typing import Any, Callable, Dict, Iterator, List, Tuple
+
+Place = Tuple[Any, ...]
+REMOVED = object()
+
+_IDENTITY = [1, 0, 0, 0, 1, 0, 0, 0, 1]
+_MOVED = [1, 0, 2.5, 0, 1, -1, 0, 0, 1]
+_SINGULAR = [1, 2, 3, 2, 4, 6, 0, 0, 1]
+
+
+def good() -> Dict[str, Any]:
+    """Two clips, two views, groups in a group, and layers with all they can have."""
+    return {
+        "marloProject": 1, "frameRate": 25, "views": ["left", "right"], "currentFrame": 3, "currentLayer": "Poster",
+        "currentView": "right", "displayClip": "plate", "playback": [0, 9], "trim": [1, 8],
+        "clips": [
+            {"name": "plate", "width": 1920, "height": 1080, "pixelAspect": 1.5, "frameCount": 20, "frameOffset": -5,
+             "interlaced": True, "lowerFieldFirst": True, "pulldown": 2, "filmBack": {"width": 24.9, "height": 14},
+             "footage": {"kind": "sequence", "directory": "/shots", "prefix": "a.", "suffix": ".exr", "indexWidth": 4,
+                         "firstIndex": 1001},
+             "lens": {"focalLength": 1.2, "radial1": {"frames": [0, 9], "values": [0.01, 0.02]}}},
+            {"name": "insert", "width": 640, "height": 481, "frameCount": 1,
+             "footage": {"kind": "movie", "file": "a.mov"}},
+        ],
+        "groups": [{"name": "outer", "moving": True}, {"name": "inner", "parent": "outer", "hidden": True}],
+        "layers": [
+            {"name": "Poster", "clip": "plate", "insertClip": "insert", "group": "inner", "in": 2, "out": 9,
+             "selected": True, "moving": False, "hidden": False,
+             "surface": {"referenceFrame": 2, "corners": [600, 300, 900, 310, 590, 450, 910, 440]},
+             "tracking": [{"view": "left", "firstFrame": 2, "homographies": _IDENTITY + _MOVED},
+                          {"view": "right", "frames": [2, 5], "homographies": _IDENTITY + _MOVED}],
+             "adjust": [{"frame": 2, "offsets": [0] * 8}, {"frame": 4, "offsets": [1, 0, 0, 2.5, 0, 0, -1, 0]}],
+             "stabilize": {"rangeStart": 3, "rangeEnd": 8, "fixedFrames": [4, 6]}},
+            {"name": "Poster", "surface": {"corners": [0, 0, 10, 0, 0, 10, 10, 10]}},
+        ],
+    }
+
+
+@dataclass(frozen=True)
+class Fault:
+    """One thing that is wrong: the value that stands at `at` instead. `reported` is the place that the error has to
+    name, or one inside of it; a key that is missing or too much may be reported with the object that it belongs to."""
+    name: str
+    at: Place
+    value: Any
+    reported: str
+
+    def project(self) -> Dict[str, Any]:
+        project = copy.deepcopy(good())
+        holder: Any = project
+        for step in self.at[:-1]:
+            holder = holder[step]
+        if self.value is REMOVED:
+            del holder[self.at[-1]]
+        else:
+            holder[self.at[-1]] = self.value
+        return project
+
+
+def path(at: Place) -> str:
+    return "$" + "".join(f"[{step}]" if isinstance(step, int) else f".{step}" for step in at)
+
+
+def _clip(*at: Any) -> Place:
+    return ("clips", 0) + at
+
+
+def _layer(*at: Any) -> Place:
+    return ("layers", 0) + at
+
+
+# An unknown key is put into each kind of object.
+_OBJECTS: List[Place] = [
+    (), _clip(), _clip("footage"), _clip("filmBack"), _clip("lens"), _clip("lens", "radial1"), ("clips", 1, "footage"),
+    ("groups", 0), _layer(), _layer("surface"), _layer("tracking", 0), _layer("adjust", 0), _layer("stabilize"),
+]
+_REQUIRED: List[Place] = [
+    ("marloProject",), ("clips",), _clip("name"), _clip("width"), _clip("height"), _clip("frameCount"),
+    _clip("filmBack", "height"), _clip("footage", "kind"), _clip("footage", "directory"),
+    _clip("footage", "indexWidth"), ("clips", 1, "footage", "file"), _clip("lens", "radial1", "values"),
+    ("groups", 0, "name"), _layer("name"), _layer("surface"), _layer("surface", "corners"),
+    _layer("tracking", 0, "homographies"), _layer("adjust", 0, "frame"), _layer("adjust", 0, "offsets"),
+]
+_WRONG_TYPES: List[Tuple[Place, Any]] = [
+    (("marloProject",), "1"), (("frameRate",), "25"), (("clips",), {}), (("views",), "left"), (("views", 0), 1),
+    (("groups",), {}), (("groups", 0, "hidden"), 1), (("layers",), None), (("layers", 0), []), (("currentFrame",), 1.5),
+    (("currentFrame",), True), (("currentLayer",), 0), (("playback",), 5), (("trim", 0), "1"), (_clip("name"), 7),
+    (_clip("width"), 1920.5), (_clip("interlaced"), "yes"), (_clip("footage"), "a.mov"), (_clip("lens"), []),
+    (_clip("lens", "focalLength"), "1.2"), (_layer("in"), None), (_layer("surface"), [1]),
+    (_layer("surface", "corners"), "600"), (_layer("surface", "corners", 3), None), (_layer("tracking"), {}),
+    (_layer("tracking", 0, "homographies", 4), "1"), (_layer("tracking", 1, "frames", 0), 2.5),
+    (_layer("adjust", 0, "offsets", 0), []), (_layer("stabilize"), True),
+]
+_WRONG_VALUES: List[Tuple[Place, Any]] = [
+    (("marloProject",), 2), (("frameRate",), 0), (("frameRate",), -25), (("clips",), []), (("views",), []),
+    (("views",), ["left", "left"]), (("currentFrame",), -1), (("playback",), [0]), (("trim",), [0, 1, 2]),
+    (_clip("name"), ""), (_clip("width"), 0), (_clip("height"), 65537), (_clip("pixelAspect"), 0),
+    (_clip("frameCount"), 0), (_clip("pulldown"), 5), (_clip("footage", "kind"), "tape"),
+    (_clip("footage", "indexWidth"), 0), (_clip("filmBack", "width"), 0),
+    (_layer("surface", "corners"), [0, 0, 1, 0, 0, 1, 1]), (_layer("surface", "corners"), [0, 0, 1, 0, 0, 1, 1, 1, 2]),
+    (_layer("tracking", 1, "frames"), [2, 2]), (_layer("tracking", 1, "firstFrame"), 2),
+    (_layer("adjust", 1, "offsets"), [0] * 7), (_layer("stabilize", "fixedFrames"), [4, 4]), (_layer("in"), -1),
+]
+
+
+def seen_by_both() -> Iterator[Fault]:
+    """Faults of form, which the schema describes."""
+    for at in _OBJECTS:
+        yield Fault(f"unknown key in {path(at)}", at + ("colour",), 1, path(at))
+    for at in _REQUIRED:
+        yield Fault(f"{path(at)} is missing", at, REMOVED, path(at[:-1]))
+    for at, value in _WRONG_TYPES + _WRONG_VALUES:
+        # Keys that exclude one another and the kind of footage may be reported with their object.
+        whole = at[-1] in ("firstFrame", "kind")
+        yield Fault(f"{path(at)} is {json.dumps(value)}", at, value, path(at[:-1] if whole else at))
+
+
+_DANGLING = [("currentLayer",), ("currentView",), ("displayClip",), ("groups", 1, "parent"), _layer("clip"),
+             _layer("insertClip"), _layer("group"), _layer("tracking", 0, "view")]
+
+
+def seen_by_tool() -> Iterator[Fault]:
+    """Faults of meaning, which a schema can't describe."""
+    for at in _DANGLING:
+        yield Fault(f"{path(at)} names nothing", at, "nobody", path(at))
+    track = _layer("tracking", 0)
+    cases: List[Tuple[str, Place, Any, Place]] = [
+        ("group is its own parent", ("groups", 0, "parent"), "outer", ("groups",)),
+        ("groups in a ring", ("groups", 0, "parent"), "inner", ("groups",)),
+        ("two groups of one name", ("groups", 0, "name"), "inner", ("groups",)),
+        ("two clips of one name", ("clips", 1, "name"), "plate", ("clips",)),
+        ("two tracks of one view", _layer("tracking", 1, "view"), "left", _layer("tracking")),
+        ("odd height of an interlaced clip", _clip("height"), 1081, _clip()),
+        ("playback range backwards", ("playback",), [9, 0], ("playback",)),
+        ("trimmed range backwards", ("trim",), [8, 1], ("trim",)),
+        ("layer ends before it starts", _layer("out"), 1, _layer()),
+        ("singular homography", track + ("homographies",), _IDENTITY + _SINGULAR, track + ("homographies",)),
+        ("homography of zeros", track + ("homographies",), _IDENTITY + [0] * 9, track + ("homographies",)),
+        ("homography of eight numbers", track + ("homographies",), _IDENTITY + _MOVED[:8], track),
+        ("fewer homographies than frames", _layer("tracking", 1, "frames"), [2, 5, 6], _layer("tracking", 1)),
+        ("tracked frames descend", _layer("tracking", 1, "frames"), [5, 2], _layer("tracking", 1, "frames")),
+        ("adjust keys descend", _layer("adjust", 1, "frame"), 1, _layer("adjust")),
+        ("adjust keys at one frame", _layer("adjust", 1, "frame"), 2, _layer("adjust")),
+        ("fixed frames descend", _layer("stabilize", "fixedFrames"), [6, 4], _layer("stabilize", "fixedFrames")),
+        ("stabilize range backwards", _layer("stabilize", "rangeEnd"), 2, _layer("stabilize")),
+        ("lens keys descend", _clip("lens", "radial1", "frames"), [9, 0], _clip("lens")),
+        ("fewer lens values than keys", _clip("lens", "radial1", "values"), [0.1], _clip("lens")),
+        ("lens turns back inside the picture", _clip("lens", "radial2"), -50, _clip("lens")),
+    ]
+    for name, corners in (("three corners on a line", [0, 0, 10, 10, 0, 10, 20, 20]),
+                          ("two corners at one place", [0, 0, 10, 0, 0, 0, 10, 10])):
+        cases.append((name, _layer("surface", "corners"), corners, _layer("surface", "corners")))
+    for name, at, value, reported in cases:
+        yield Fault(name, at, value, path(reported))
+
+
+def _replaced(old: str, new: str) -> Callable[[str], str]:
+    return lambda text: text.replace(old, new, 1)
+
+
+# Faults of the text, with the place to be named ("" where the text falls apart and there is none).
+TEXT_FAULTS: List[Tuple[str, Callable[[str], str], str]] = [
+    ("NaN literal", _replaced("2.5", "NaN"), ""),
+    ("infinity literal", _replaced("2.5", "-Infinity"), ""),
+    ("number beyond doubles", _replaced("2.5", "1e999"), ""),
+    ("cut-off text", lambda text: text[:len(text) // 2], ""),
+    ("text behind the end", lambda text: text + "]", ""),
+    ("comment", _replaced("{", "{ // project\n"), ""),
+    ("comma too many", _replaced('"currentFrame": 3,', '"currentFrame": 3,,'), ""),
+    ("single quotes", _replaced('"Poster"', "'Poster'"), ""),
+    ("no text", lambda text: "", ""),
+    ("a list", lambda text: "[" + text + "]", "$"),
+    ("key twice", _replaced('"frameRate": 25', '"frameRate": 25, "frameRate": 25'), "$"),
+    ("key twice in a layer", _replaced('"insertClip"', '"clip": "plate", "insertClip"'), "$.layers[0]"),
+    ("70 keys in an object", _replaced("{", "{" + "".join(f'"k{i}": 0, ' for i in range(70))), ""),
+    ("40 levels", _replaced('"views": [', '"views": [' + "[" * 40 + "]" * 40 + ", "), ""),
+]
