@@ -2,9 +2,9 @@
 
 #include "Commands.h"
 #include "Console.h"
-#include "ExportPlan.h"
 #include "ExportRun.h"
 #include "FormatOptions.h"
+#include "Selection.h"
 #include "Session.h"
 
 #include <algorithm>
@@ -15,7 +15,8 @@ namespace
 /// Each format writes into its own folder.
 WritingChoices writingTo(QString const& key, WritingChoices writing)
 {
-    writing.output = *writing.output + QLatin1Char('/') + key + QLatin1Char('/');
+    bool const endsInSlash = writing.output->endsWith(QLatin1Char('/'));
+    writing.output = *writing.output + (endsInSlash ? QString() : QStringLiteral("/")) + key + QLatin1Char('/');
     return writing;
 }
 
@@ -42,7 +43,7 @@ void checkFormatOptions(std::vector<FormatEntry> const& formats, QStringList con
 void reportLine(ExportRecord const& record, Options const& options, Console& console)
 {
     report(record, !options.json, console);
-    bool const isSkipped = record.status == ExportRecord::Skipped && !options.writing.dryRun;
+    bool const isSkipped = record.status == ExportRecord::Skipped && record.files.empty();
     if (isSkipped && !options.json && !options.quiet)
     {
         console.note(QStringLiteral("skipped ") + record.format + QStringLiteral(": ") + record.reason);
@@ -89,7 +90,7 @@ std::vector<ExportRecord> exportAll(Options const& options, Console& console)
     {
         console.progress(static_cast<int>(records.size()), total, format.key());
         WritingChoices const writing = writingTo(format.key(), options.writing);
-        records.push_back(runExport(session, format, choicesFor(format, options.choices), writing, true, console));
+        records.push_back(runExport(session, format, choicesFor(format, options.choices), writing, console));
         reportLine(records.back(), options, console);
     }
     console.clearProgress();

@@ -27,7 +27,9 @@ ExitStatus runExportCommand(Options const& options, Console& console)
     console.progress(0, 2, QStringLiteral("reading ") + options.project);
     Session session(options.project);
     console.progress(1, 2, QStringLiteral("exporting ") + format.key());
-    ExportRecord record = runExport(session, format, options.choices, options.writing, false, console);
+    ExportRecord record = runExport(session, format, options.choices, options.writing, console);
+    // What was asked for by name is missed.
+    record.status = record.exitStatus == Refused ? ExportRecord::Failed : record.status;
     record.warnings = optionsWithoutEffect(format, options.choices.given) + record.warnings;
     console.clearProgress();
 

@@ -1,11 +1,13 @@
 #include "ExportPlan.h"
 
-#include "Core/ExportFunctions.h"
 #include "Core/LensExporter.h"
 #include "Failure.h"
 #include "FormatOptions.h"
+#include "Host/Fnd.h"
 #include "Host/KORV_Layer.h"
 #include "Host/KORV_ProjectManager.h"
+#include "Host/ShapeExporter.h"
+#include "Selection.h"
 #include "Session.h"
 #include "TargetPath.h"
 #include "marlohost/ProjectFile.h"
@@ -18,6 +20,16 @@
 namespace
 {
 
+/// Makes a layer, unless it is null, and a view the current ones.
+void takePlace(KORV_ProjectManager& project, KORV_Layer const* layer, Anm::View const& view)
+{
+    if (layer)
+    {
+        MarloHost::setCurrentLayer(project, layer->numericID());
+    }
+    MarloHost::setCurrentView(project, view);
+}
+
 /// Makes a layer and a view the current ones, then leaves the work to another exporter.
 class ExporterInPlace : public Export::ExporterWrapper
 {
@@ -25,19 +37,19 @@ public:
     /// @param taken paths that other exporters of the plan gave files for
     ExporterInPlace(std::shared_ptr<Export::ExporterWrapper> inner, KORV_Layer const* layer, Anm::View const& view,
                     std::shared_ptr<QSet<QString>> taken)
-        : m_inner(std::move(inner)), m_layerId(layer ? layer->numericID() : 0), m_view(view), m_taken(std::move(taken))
+        : m_inner(std::move(inner)), m_layer(layer), m_view(view), m_taken(std::move(taken))
     {
     }
 
     std::pair<bool, std::optional<char const*>> isExportPossible(KORV_ProjectManager& project) const override
     {
-        takePlace(project);
+        takePlace(project, m_layer, m_view);
         return m_inner->isExportPossible(project);
     }
 
     Korvane::ExportedFiles getExportResult(KORV_ProjectManager& project, QString const& path) const override
     {
-        takePlace(project);
+        takePlace(project, m_layer, m_view);
         Korvane::ExportedFiles result = m_inner->getExportResult(project, path);
         for (QString const& file : result.files.keys())
         {
@@ -66,109 +78,11 @@ public:
     }
 
 private:
-    void takePlace(KORV_ProjectManager& project) const
-    {
-        if (m_layerId != 0)
-        {
-            MarloHost::setCurrentLayer(project, m_layerId);
-        }
-        MarloHost::setCurrentView(project, m_view);
-    }
-
     std::shared_ptr<Export::ExporterWrapper> m_inner;
-    unsigned int m_layerId;
+    KORV_Layer const* m_layer;
     Anm::View m_view;
     std::shared_ptr<QSet<QString>> m_taken;
 };
-
-QString nameOf(KORV_Layer const* layer)
-{
-    return static_cast<ZN::Layer const*>(layer)->name();
-}
-
-QStringList namesOf(std::vector<KORV_Layer const*> const& layers)
-{
-    QStringList names;
-    for (KORV_Layer const* layer : layers)
-    {
-        names += nameOf(layer);
-    }
-    return names;
-}
-
-LayerChoice layerByName(Session& session, QString const& name, QStringList& warnings)
-{
-    std::vector<KORV_Layer const*> const all = session.layers();
-    auto const isNamed = [&](KORV_Layer const* layer) { return nameOf(layer) == name; };
-    auto const found = std::find_if(all.begin(), all.end(), isNamed);
-    if (found == all.end())
-    {
-        throw usageError(QStringLiteral("--layer: there is no layer \"") + name + QStringLiteral("\"; found ") +
-                         quotedList(namesOf(all)));
-    }
-    if (std::count_if(all.begin(), all.end(), isNamed) > 1)
-    {
-        warnings +=
-            QStringLiteral("several layers are called \"") + name + QStringLiteral("\"; the topmost is exported");
-    }
-    return {*found, {ZN::SpecifiedLayer, name}};
-}
-
-/// Formats that hold one layer take the current one, whatever the mode.
-LayerChoice layersByMode(Session& session, ZN::LayerExportMode mode)
-{
-    KORV_Layer const* current = session.project().currentLayer();
-    std::vector<KORV_Layer const*> const reached = session.layers(mode);
-    if (!current && !reached.empty())
-    {
-        current = reached.front();
-    }
-    return {current, {mode, QString()}};
-}
-
-LayerChoice currentOrOnlyLayer(Session& session)
-{
-    KORV_Layer const* current = session.project().currentLayer();
-    std::vector<KORV_Layer const*> const all = session.layers();
-    if (!current && all.size() > 1)
-    {
-        throw usageError(QStringLiteral("no layer is current; choose one with --layer, or --layers: ") +
-                         quotedList(namesOf(all)));
-    }
-    if (!current && !all.empty())
-    {
-        current = all.front();
-    }
-    return {current, {ZN::SelectedLayer, QString()}};
-}
-
-/// Not empty: the views to write, that of formats with one view in front of all
-/// others in `view`.
-struct ViewChoice
-{
-    std::vector<Anm::View> views;
-    Anm::View view;
-};
-
-ViewChoice chooseViews(Session& session, FormatEntry const& format, QStringList const& names, QStringList& warnings)
-{
-    Anm::View const current = session.project().currentView();
-    ViewChoice choice{session.views(names), current};
-    if (choice.views.empty())
-    {
-        choice.views = {current};
-    }
-    if (std::find(choice.views.begin(), choice.views.end(), current) == choice.views.end())
-    {
-        choice.view = choice.views.front();
-    }
-    if (choice.views.size() > 1 && !format.format().flags().testFlag(Export::HoldsSeveralViews))
-    {
-        warnings += format.key() + QStringLiteral(" holds one view; \"") +
-                    session.project().views()->name(choice.view) + QStringLiteral("\" is exported");
-    }
-    return choice;
-}
 
 Export::Preset::ExportInfo layerExport(Session& session, FormatEntry const& format, ExportChoices const& choices,
                                        LayerChoice const& layers, ViewChoice const& views)
@@ -225,7 +139,7 @@ QString pathOf(std::optional<QString> output, ExportChoices const& choices, QStr
     {
         return targetPath(output, suggestion, extension);
     }
-    QString const name = safeFileName(nameOf(layers.current));
+    QString const name = safeFileName(layers.current->name());
     if (output && !isFolder(*output) && !output->contains(LAYER_PLACEHOLDER))
     {
         throw usageError(QStringLiteral("-o with --each-layer needs {layer} in its name, or a folder: ") + *output);
@@ -237,46 +151,54 @@ QString pathOf(std::optional<QString> output, ExportChoices const& choices, QStr
     return targetPath(output, name, extension);
 }
 
-void checkPaths(std::vector<PlannedExport> const& exports)
+void checkPaths(std::vector<Export::BatchItem> const& items)
 {
-    QStringList paths;
-    for (PlannedExport const& planned : exports)
+    QSet<QString> paths;
+    for (Export::BatchItem const& item : items)
     {
-        if (paths.contains(planned.path))
+        if (paths.contains(item.path))
         {
-            throw Failure(Refused, QStringLiteral("two layers would be written to ") + planned.path +
+            throw Failure(Refused, QStringLiteral("two layers would be written to ") + item.path +
                                        QStringLiteral("; give them different names"));
         }
-        paths += planned.path;
+        paths.insert(item.path);
     }
 }
 
-}
-
-std::vector<LayerChoice> chooseLayers(Session& session, ExportChoices const& choices, QStringList& warnings)
+/// Why a choice has nothing for the format; empty when it has. What the library
+/// itself looks at comes first and in its words.
+QString obstacleOf(Session& session, FormatEntry const& format, Export::ExporterWrapper const& exporter,
+                   LayerChoice const& layers, ViewChoice const& views)
 {
-    if (choices.layer)
+    KORV_ProjectManager& project = session.project();
+    auto const [isPossible, reason] = exporter.isExportPossible(project);
+    if (!isPossible)
     {
-        return {layerByName(session, *choices.layer, warnings)};
+        return QString::fromUtf8(reason.value_or("Nothing to export"));
     }
-    if (!choices.eachLayer)
+    if (format.kind() == Kind::Tracking && layers.current && !session.isTracked(*layers.current, views.views))
     {
-        return {choices.layers ? layersByMode(session, *choices.layers) : currentOrOnlyLayer(session)};
+        return QStringLiteral("Layer \"") + layers.current->name() + QStringLiteral("\" has no tracking data");
     }
-    std::vector<LayerChoice> each;
-    for (KORV_Layer const* layer : session.layers(choices.layers.value_or(ZN::AllLayers)))
+    QList<unsigned int> const ids{project.toolManager()->currentLayerID()};
+    if (format.kind() == Kind::Shape &&
+        Korvane::ShapeExportHelper::getContoursToExport(project, layers.selection.mode, ids).isEmpty())
     {
-        each.push_back({layer, {ZN::SelectedLayer, QString()}});
+        return QStringLiteral("No contours to export");
     }
-    if (each.empty())
-    {
-        throw Failure(Refused, QStringLiteral("--each-layer: there is no layer to export"));
-    }
-    return each;
+    return QString();
 }
 
-std::vector<PlannedExport> planExports(Session& session, FormatEntry const& format, ExportChoices const& choices,
-                                       std::optional<QString> const& output, QStringList& warnings)
+void log(FormatEntry const& format, KORV_Layer const* layer, QString const& path)
+{
+    QString const what = layer ? QStringLiteral(", layer \"") + layer->name() + QLatin1Char('"') : QString();
+    Fnd::Logger::logger().log(Core::LoggerBase::Info, format.key() + what + QStringLiteral(" to ") + path);
+}
+
+}
+
+ExportPlan planExports(Session& session, FormatEntry const& format, ExportChoices const& choices,
+                       std::optional<QString> const& output, QStringList& warnings)
 {
     KORV_ProjectManager& project = session.project();
     ViewChoice const views = chooseViews(session, format, choices.views, warnings);
@@ -284,21 +206,29 @@ std::vector<PlannedExport> planExports(Session& session, FormatEntry const& form
         format.isOfLayers() ? chooseLayers(session, choices, warnings) : std::vector<LayerChoice>(1);
     std::optional<QString> const place = output == QStringLiteral("-") ? std::nullopt : output;
     auto const taken = std::make_shared<QSet<QString>>();
-    std::vector<PlannedExport> exports;
+    ExportPlan plan;
     for (LayerChoice const& layers : layerChoices)
     {
         // Reference frame and suggested name are those of the current layer.
-        if (layers.current)
+        takePlace(project, layers.current, views.view);
+        auto const exporter = makeExporter(session, format, choices, layers, views);
+        QString const obstacle = obstacleOf(session, format, *exporter, layers, views);
+        if (!obstacle.isEmpty())
         {
-            MarloHost::setCurrentLayer(project, layers.current->numericID());
+            warnings += choices.eachLayer ? QStringList(obstacle) : QStringList();
+            plan.obstacle = obstacle;
+            continue;
         }
-        auto const inner = makeExporter(session, format, choices, layers, views);
         QString const path =
-            pathOf(place, choices, inner->filenameSuggestion(project), layers, format.format().extension());
-        exports.push_back({std::make_shared<ExporterInPlace>(inner, layers.current, views.view, taken), path});
+            pathOf(place, choices, exporter->filenameSuggestion(project), layers, format.format().extension());
+        log(format, layers.current, path);
+        plan.items.push_back({std::make_shared<ExporterInPlace>(exporter, layers.current, views.view, taken),
+                              Export::ExportFileInfo(), path});
     }
-    checkPaths(exports);
-    return exports;
+    checkPaths(plan.items);
+    // Of many layers some may have nothing.
+    plan.obstacle = plan.items.empty() ? plan.obstacle : QString();
+    return plan;
 }
 
 QStringList optionsWithoutEffect(FormatEntry const& format, QStringList const& given)

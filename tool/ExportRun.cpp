@@ -46,20 +46,6 @@ void printFile(WriteProvider const& provider, ExportRecord& record, Console& con
     record.files.push_back({QStringLiteral("-"), bytes.size()});
 }
 
-/// Why a planned export has nothing to work on; empty when it has.
-QString whyImpossible(std::vector<PlannedExport> const& exports, KORV_ProjectManager& project)
-{
-    for (PlannedExport const& planned : exports)
-    {
-        auto const [isPossible, reason] = planned.exporter->isExportPossible(project);
-        if (!isPossible)
-        {
-            return QString::fromUtf8(reason.value_or("Nothing to export"));
-        }
-    }
-    return QString();
-}
-
 void setWritten(ExportRecord& record)
 {
     record.status = ExportRecord::Written;
@@ -100,20 +86,20 @@ void conclude(WriteProvider const& provider, WritingChoices const& writing, Expo
     setWritten(record);
 }
 
-void run(Session& session, FormatEntry const& format, std::vector<PlannedExport> const& exports,
-         WritingChoices const& writing, ExportRecord& record, Console& console)
+void run(Session& session, FormatEntry const& format, ExportPlan const& plan, WritingChoices const& writing,
+         ExportRecord& record, Console& console)
 {
-    std::vector<Export::BatchItem> items;
-    for (PlannedExport const& planned : exports)
+    // Formats with several files name them as they go.
+    bool const pathsAreKnown = writing.output != QStringLiteral("-") && format.format().numFiles() == 1;
+    for (Export::BatchItem const& item : plan.items)
     {
-        if (writing.output != QStringLiteral("-") && format.format().numFiles() == 1)
+        if (pathsAreKnown)
         {
-            refuseExisting(planned.path, writing.overwrite, console);
+            refuseExisting(item.path, writing.overwrite, console);
         }
-        items.push_back({planned.exporter, Export::ExportFileInfo(), planned.path});
     }
     WriteProvider provider(writing, record, console);
-    Export::exportBatch(items, session.project(), provider);
+    Export::exportBatch(plan.items, session.project(), provider);
     provider.finish();
     conclude(provider, writing, record, console);
 }
@@ -121,7 +107,7 @@ void run(Session& session, FormatEntry const& format, std::vector<PlannedExport>
 }
 
 ExportRecord runExport(Session& session, FormatEntry const& format, ExportChoices const& choices,
-                       WritingChoices const& writing, bool maySkip, Console& console)
+                       WritingChoices const& writing, Console& console)
 {
     ExportRecord record;
     record.format = format.key();
@@ -131,18 +117,15 @@ ExportRecord runExport(Session& session, FormatEntry const& format, ExportChoice
         {
             checkStdout(format, choices);
         }
-        std::vector<PlannedExport> const exports =
-            planExports(session, format, choices, writing.output, record.warnings);
-        QString const reason = maySkip ? whyImpossible(exports, session.project()) : QString();
-        if (reason.isEmpty())
+        ExportPlan const plan = planExports(session, format, choices, writing.output, record.warnings);
+        if (plan.obstacle.isEmpty())
         {
-            run(session, format, exports, writing, record, console);
+            run(session, format, plan, writing, record, console);
         }
         else
         {
             record.status = ExportRecord::Skipped;
-            record.exitStatus = Success;
-            record.reason = reason;
+            record.reason = plan.obstacle;
         }
     }
     catch (...)

@@ -12,11 +12,10 @@ class Session;
 /// Nothing is written when a target exists and may not be replaced, when a folder
 /// can't take its file, or with --strict when a frame failed.
 ///
-/// @param mayskip whether a format that the project has nothing for is skipped; else
-///        it fails
-/// @return what came of it; failures of any kind are in the record
+/// @return what came of it; failures of any kind are in the record. A format that the
+///         project has nothing for is skipped with the exit status of a refusal.
 ExportRecord runExport(Session& session, FormatEntry const& format, ExportChoices const& choices,
-                       WritingChoices const& writing, bool maySkip, Console& console);
+                       WritingChoices const& writing, Console& console);
 
 /// Tells people about a record, and with `listsFiles` lists its files on stdout.
 void report(ExportRecord const& record, bool listsFiles, Console& console);

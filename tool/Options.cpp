@@ -1,146 +1,10 @@
 #include "Options.h"
 
 #include "Failure.h"
-
-#include <CLI/CLI.hpp>
-
-#include <functional>
-#include <map>
-#include <string>
+#include "OptionTypes.h"
 
 namespace
 {
-
-using Corners = Korvane::TrackingExporterTypes;
-
-constexpr int MAX_RASTER = 65'536;
-constexpr double MIN_RATE = 0.001;
-constexpr double MAX_RATE = 100'000;
-
-QString fromArgument(std::string const& argument)
-{
-    return QString::fromStdString(argument);
-}
-
-/// An option with a text that goes through `take`, which may throw CLI::ValidationError.
-CLI::Option* addText(CLI::App* app, std::string const& name, std::string const& help,
-                     std::function<void(QString const&)> const& take)
-{
-    return app->add_option_function<std::string>(
-        name, [take](std::string const& argument) { take(fromArgument(argument)); }, help);
-}
-
-/// An option that may stand several times, with one text each.
-CLI::Option* addTexts(CLI::App* app, std::string const& name, std::string const& help, QStringList& target)
-{
-    auto const take = [&target](std::vector<std::string> const& arguments)
-    {
-        for (std::string const& argument : arguments)
-        {
-            target += fromArgument(argument);
-        }
-    };
-    return app->add_option_function<std::vector<std::string>>(name, take, help)
-        ->expected(1)
-        ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
-}
-
-template <typename Value>
-using Words = std::vector<std::pair<std::string, Value>>;
-
-/// An option that takes one of some words.
-template <typename Value, typename Target>
-CLI::Option* addChoice(CLI::App* app, std::string const& name, std::string const& help, Words<Value> const& words,
-                       Target& target)
-{
-    std::string list;
-    for (auto const& word : words)
-    {
-        list += (list.empty() ? "" : "|") + word.first;
-    }
-    auto const take = [=, &target](QString const& text)
-    {
-        for (auto const& word : words)
-        {
-            if (fromArgument(word.first) == text)
-            {
-                target = word.second;
-                return;
-            }
-        }
-        throw CLI::ValidationError(name, "\"" + text.toStdString() + "\" isn't one of " + list);
-    };
-    return addText(app, name, help, take)->type_name(list);
-}
-
-int wholeNumber(std::string const& option, QString const& text)
-{
-    bool isNumber = false;
-    int const number = text.toInt(&isNumber);
-    if (!isNumber)
-    {
-        throw CLI::ValidationError(option, "\"" + text.toStdString() + "\" isn't a whole number");
-    }
-    return number;
-}
-
-QString notEmpty(std::string const& option, QString const& text)
-{
-    if (text.isEmpty())
-    {
-        throw CLI::ValidationError(option, "needs a text that isn't empty");
-    }
-    return text;
-}
-
-double frameRate(QString const& text)
-{
-    bool isNumber = false;
-    double const rate = text.toDouble(&isNumber);
-    if (!isNumber || !(rate >= MIN_RATE && rate <= MAX_RATE))
-    {
-        throw CLI::ValidationError("--fps", "\"" + text.toStdString() +
-                                                "\" isn't a rate from 0.001 to 100000 frames per second");
-    }
-    return rate;
-}
-
-QSize rasterSize(QString const& text)
-{
-    QStringList const numbers = text.split(QLatin1Char('x'), Qt::KeepEmptyParts, Qt::CaseInsensitive);
-    int const width = numbers.size() == 2 ? numbers[0].toInt() : 0;
-    int const height = numbers.size() == 2 ? numbers[1].toInt() : 0;
-    if (width < 1 || width > MAX_RASTER || height < 1 || height > MAX_RASTER)
-    {
-        throw CLI::ValidationError("--size", "\"" + text.toStdString() + "\" isn't WIDTHxHEIGHT, such as 1920x1080");
-    }
-    return QSize(width, height);
-}
-
-std::array<Corners::SurfaceCorner, 4> cornerOrder(QString const& text)
-{
-    static std::map<QString, Corners::SurfaceCorner> const corners{{"ul", Corners::UpperLeft},
-                                                                   {"ur", Corners::UpperRight},
-                                                                   {"lr", Corners::LowerRight},
-                                                                   {"ll", Corners::LowerLeft}};
-    QStringList const words = text.toLower().split(QLatin1Char(','));
-    std::array<Corners::SurfaceCorner, 4> order{};
-    for (int i = 0; words.size() == 4 && i < 4; ++i)
-    {
-        auto const found = corners.find(words[i]);
-        if (found == corners.end() || words.indexOf(words[i]) != i)
-        {
-            break;
-        }
-        order[static_cast<std::size_t>(i)] = found->second;
-        if (i == 3)
-        {
-            return order;
-        }
-    }
-    throw CLI::ValidationError("--order", "\"" + text.toStdString() +
-                                              "\" isn't ul, ur, lr and ll in some order, such as ul,ur,lr,ll");
-}
 
 /// Builds the commands and their options, all of which write into one record.
 class CommandLine
@@ -187,13 +51,19 @@ private:
     /// CLI11 would only say that a command is missing.
     void refuseUnknownCommand() const
     {
-        std::vector<std::string> const unknown = m_app.remaining();
-        if (!m_app.get_subcommands().empty() || unknown.empty() || unknown.front().front() == '-')
+        CLI::App const* app = &m_app;
+        while (!app->get_subcommands().empty())
+        {
+            app = app->get_subcommands().front();
+        }
+        auto const subcommands = app->get_subcommands([](CLI::App const*) { return true; });
+        std::vector<std::string> const unknown = app->remaining();
+        if (subcommands.empty() || unknown.empty() || unknown.front().empty() || unknown.front().front() == '-')
         {
             return;
         }
         QStringList commands;
-        for (CLI::App const* command : m_app.get_subcommands([](CLI::App const*) { return true; }))
+        for (CLI::App const* command : subcommands)
         {
             commands += fromArgument(command->get_name());
         }

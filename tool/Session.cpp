@@ -72,9 +72,33 @@ Session::Session(QString const& projectPath) : m_warnings(std::make_shared<Warni
     MarloHost::HostServices services;
     services.callbacks = m_warnings;
     m_project = MarloHost::makeProject(model, projectPath, services);
+    noteTrackedViews(model);
 }
 
 Session::~Session() = default;
+
+// Both lists go from the top of the stack to the bottom.
+void Session::noteTrackedViews(MarloHost::ProjectModel const& model)
+{
+    std::vector<KORV_Layer const*> const stack = layers();
+    for (std::size_t i = 0; i < stack.size(); ++i)
+    {
+        for (MarloHost::TrackModel const& track : model.layers[i].tracks)
+        {
+            QString const name = track.view.isEmpty() ? model.views.front() : track.view;
+            if (!track.frames.empty())
+            {
+                m_trackedViews.insert(stack[i]->numericID(), m_project->views()->viewForName(name).id());
+            }
+        }
+    }
+}
+
+bool Session::isTracked(KORV_Layer const& layer, std::vector<Anm::View> const& views) const
+{
+    return std::any_of(views.begin(), views.end(),
+                       [&](Anm::View const& view) { return m_trackedViews.contains(layer.numericID(), view.id()); });
+}
 
 KORV_ProjectManager& Session::project()
 {

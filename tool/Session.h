@@ -5,6 +5,7 @@
 #include "Host/ExportEnums.h"
 #include "marlohost/ProjectModel.h"
 
+#include <QMultiMap>
 #include <QString>
 #include <QStringList>
 #include <boost/shared_ptr.hpp>
@@ -55,6 +56,9 @@ public:
     /// selected or in a selected group.
     std::vector<KORV_Layer const*> layers(ZN::LayerExportMode mode) const;
 
+    /// Whether the layer has tracking data in any of the views.
+    bool isTracked(KORV_Layer const& layer, std::vector<Anm::View> const& views) const;
+
     /// The views of these names, in this order; "all" alone stands for all of them.
     /// @throws Failure as wrong usage that lists the views
     std::vector<Anm::View> views(QStringList const& names) const;
@@ -72,9 +76,13 @@ public:
 
 private:
     class Warnings;
+    void noteTrackedViews(MarloHost::ProjectModel const& model);
 
     QStringList m_clipNames;
     int m_frameCount = 0;
+
+    /// The ids of the views that the layers are tracked in, by the ids of the layers.
+    QMultiMap<unsigned int, int> m_trackedViews;
     std::shared_ptr<Warnings> m_warnings;
     boost::shared_ptr<KORV_ProjectManager> m_project;
 };

@@ -1,0 +1,111 @@
+#include "Selection.h"
+
+#include "Failure.h"
+#include "Host/KORV_Layer.h"
+#include "Host/KORV_ProjectManager.h"
+#include "Session.h"
+
+#include <algorithm>
+
+namespace
+{
+
+QStringList namesOf(std::vector<KORV_Layer const*> const& layers)
+{
+    QStringList names;
+    for (KORV_Layer const* layer : layers)
+    {
+        names += layer->name();
+    }
+    return names;
+}
+
+LayerChoice layerByName(Session& session, QString const& name, QStringList& warnings)
+{
+    std::vector<KORV_Layer const*> const all = session.layers();
+    auto const isNamed = [&](KORV_Layer const* layer) { return layer->name() == name; };
+    auto const found = std::find_if(all.begin(), all.end(), isNamed);
+    if (found == all.end())
+    {
+        throw usageError(QStringLiteral("--layer: there is no layer \"") + name + QStringLiteral("\"; found ") +
+                         quotedList(namesOf(all)));
+    }
+    if (std::count_if(all.begin(), all.end(), isNamed) > 1)
+    {
+        warnings +=
+            QStringLiteral("several layers are called \"") + name + QStringLiteral("\"; the topmost is exported");
+    }
+    return {*found, {ZN::SpecifiedLayer, name}};
+}
+
+/// Formats that hold one layer take the current one, whatever the mode.
+LayerChoice layersByMode(Session& session, ZN::LayerExportMode mode)
+{
+    KORV_Layer const* current = session.project().currentLayer();
+    std::vector<KORV_Layer const*> const reached = session.layers(mode);
+    if (!current && !reached.empty())
+    {
+        current = reached.front();
+    }
+    return {current, {mode, QString()}};
+}
+
+LayerChoice currentOrOnlyLayer(Session& session)
+{
+    KORV_Layer const* current = session.project().currentLayer();
+    std::vector<KORV_Layer const*> const all = session.layers();
+    if (!current && all.size() > 1)
+    {
+        throw usageError(QStringLiteral("no layer is current; choose one with --layer, or --layers: ") +
+                         quotedList(namesOf(all)));
+    }
+    if (!current && !all.empty())
+    {
+        current = all.front();
+    }
+    return {current, {ZN::SelectedLayer, QString()}};
+}
+
+}
+
+std::vector<LayerChoice> chooseLayers(Session& session, ExportChoices const& choices, QStringList& warnings)
+{
+    if (choices.layer)
+    {
+        return {layerByName(session, *choices.layer, warnings)};
+    }
+    if (!choices.eachLayer)
+    {
+        return {choices.layers ? layersByMode(session, *choices.layers) : currentOrOnlyLayer(session)};
+    }
+    std::vector<LayerChoice> each;
+    for (KORV_Layer const* layer : session.layers(choices.layers.value_or(ZN::AllLayers)))
+    {
+        each.push_back({layer, {ZN::SelectedLayer, QString()}});
+    }
+    if (each.empty())
+    {
+        throw Failure(Refused, QStringLiteral("--each-layer: there is no layer to export"));
+    }
+    return each;
+}
+
+ViewChoice chooseViews(Session& session, FormatEntry const& format, QStringList const& names, QStringList& warnings)
+{
+    Anm::View const current = session.project().currentView();
+    ViewChoice choice{session.views(names), current};
+    if (choice.views.empty())
+    {
+        choice.views = {current};
+    }
+    if (std::find(choice.views.begin(), choice.views.end(), current) == choice.views.end())
+    {
+        choice.view = choice.views.front();
+    }
+    if (choice.views.size() > 1 && !format.format().flags().testFlag(Export::HoldsSeveralViews))
+    {
+        warnings += format.key() + QStringLiteral(" holds one view; \"") +
+                    session.project().views()->name(choice.view) + QStringLiteral("\" is exported");
+    }
+    return choice;
+}
