@@ -56,6 +56,15 @@ Homography motionTo(CornerTable::Row const& row, Quad const& reference, CornerTa
 TrackModel trackOf(CornerTable const& table, CornerImport const& import)
 {
     Quad const reference = quadOf(table.rows.front(), import);
+    if (!isConvexQuad(reference))
+    {
+        throw KORV_BadFile(__FILE__, __LINE__,
+                           table.fileName + QStringLiteral(": line %1: the corners of frame %2 cross or bend inward; "
+                                                           "check --order, or leave the frame out")
+                                                .arg(table.rows.front().line)
+                                                .arg(table.rows.front().frame),
+                           QString());
+    }
     TrackModel track;
     for (CornerTable::Row const& row : table.rows)
     {

@@ -81,17 +81,34 @@ bool isRegular(Homography const& h, double width, double height)
 {
     Homography const toPixels{{width, 0, 0, 0, height, 0, 0, 0, 1}};
     Homography const toUnit{{1 / width, 0, 0, 0, 1 / height, 0, 0, 0, 1}};
-    Homography const unit = toUnit * h * toPixels;
-    std::array<double, 9> const& m = unit.m;
+    Homography unit = toUnit * h * toPixels;
+    std::array<double, 9>& m = unit.m;
     double largest = 0;
     for (double const entry : m)
     {
         largest = std::max(largest, std::fabs(entry));
     }
+    // Scaled before it is multiplied out: a factor on all entries means nothing.
+    for (double& entry : m)
+    {
+        entry /= largest;
+    }
     double const det = m[0] * (m[4] * m[8] - m[5] * m[7]) - m[1] * (m[3] * m[8] - m[5] * m[6]) +
                        m[2] * (m[3] * m[7] - m[4] * m[6]);
     // A NaN, too, is not regular.
-    return std::fabs(det) > 1e-12 * largest * largest * largest;
+    return std::fabs(det) > 1e-12;
+}
+
+bool isConvexQuad(Quad const& quad)
+{
+    std::array<TXI::Pos2, 4> const outline{quad[Corner::LowerLeft], quad[Corner::LowerRight], quad[Corner::UpperRight],
+                                           quad[Corner::UpperLeft]};
+    int leftTurns = 0;
+    for (std::size_t i = 0; i < 4; ++i)
+    {
+        leftTurns += cross(outline[i], outline[(i + 1) % 4], outline[(i + 2) % 4]) > 0 ? 1 : 0;
+    }
+    return leftTurns == 0 || leftTurns == 4;
 }
 
 bool isProperQuad(Quad const& quad)

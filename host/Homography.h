@@ -44,6 +44,10 @@ bool isRegular(Homography const& h, double width, double height);
 /// Whether no three corners lie on a line, to 1e-9 of the quad's own extent.
 bool isProperQuad(Quad const& quad);
 
+/// Whether the outline turns one way at all corners, so that the diagonals cross in
+/// it; mirrored surfaces do.
+bool isConvexQuad(Quad const& quad);
+
 /// Where the diagonals cross.
 TXI::Pos2 crossingOfDiagonals(Quad const& quad);
 

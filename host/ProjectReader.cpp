@@ -318,6 +318,10 @@ StabilizeModel readStabilize(JsonCursor const& cursor, ClipModel const& clip)
     StabilizeModel stabilize;
     stabilize.rangeStart = object.optionalInteger("rangeStart", 0, clip.frameCount - 1);
     stabilize.rangeEnd = object.optionalInteger("rangeEnd", 0, clip.frameCount - 1);
+    if (stabilize.rangeEnd && *stabilize.rangeEnd < stabilize.rangeStart.value_or(0))
+    {
+        object.required("rangeEnd").fail(QStringLiteral("the range ends before it starts"));
+    }
     if (std::optional<JsonCursor> const fixed = object.optional("fixedFrames"))
     {
         stabilize.fixedFrames = fixed->ascendingIntegers(0, clip.frameCount - 1);
@@ -332,9 +336,15 @@ void readSurface(JsonCursor const& cursor, LayerModel& layer, ClipModel const& c
     JsonCursor const corners = object.required("corners");
     layer.corners = readCorners(corners);
     std::array<double, 8> const& c = layer.corners;
-    if (!isProperQuad({{{c[0], c[1]}, {c[2], c[3]}, {c[4], c[5]}, {c[6], c[7]}}}))
+    Quad const quad{{{c[0], c[1]}, {c[2], c[3]}, {c[4], c[5]}, {c[6], c[7]}}};
+    if (!isProperQuad(quad))
     {
         corners.fail(QStringLiteral("three of the corners lie on a line; a surface needs four proper corners"));
+    }
+    if (!isConvexQuad(quad))
+    {
+        corners.fail(QStringLiteral("the surface crosses itself or bends inward; the corners are lower left, lower "
+                                    "right, upper left, upper right"));
     }
 }
 

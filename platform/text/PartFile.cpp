@@ -35,8 +35,8 @@ static_assert(std::atomic<int>::is_always_lock_free, "an interrupt handler can't
 
 // Several libraries of one process carry a copy of this code. The note is visible,
 // so that the loader joins the copies to one: a handler in the program then finds
-// the file that another library writes.
-__attribute__((visibility("default"))) PartFileNote partFileNote;
+// the file that another library writes. Inline, as it is meant to stand in each copy.
+__attribute__((visibility("default"))) inline PartFileNote partFileNote;
 
 namespace
 {

@@ -1,9 +1,10 @@
 #pragma once
 // Choices that cross the seam between host and library. The numbers are fixed;
-// presets store the words.
+// presets store the words. The type is fixed as well, so that a number that isn't
+// in the list can be told and refused.
 
 /// Which motion of a layer is exported.
-enum ZN_TRACKING_OPTION
+enum ZN_TRACKING_OPTION : int
 {
     ZN_TRACKING_OPTION_BASIC = 0,
     ZN_TRACKING_OPTION_ADJUSTED = 1,
@@ -15,7 +16,7 @@ namespace ZN
 {
 
 /// Which layers are exported.
-enum LayerExportMode
+enum LayerExportMode : int
 {
     SelectedLayer = 0,
     VisibleLayers = 1,

@@ -93,7 +93,6 @@ TEST(ExporterWrapper, TracksAndShapesNeedTheLayersThatWereAskedFor)
         {hidden, {ZN::SpecifiedLayer, "grouped"}, ""},
         {hidden, {ZN::SpecifiedLayer, "group"}, noSuchLayer},
         {hidden, {ZN::SpecifiedLayer, "renamed"}, noSuchLayer},
-        {empty, {static_cast<ZN::LayerExportMode>(9), ""}, ""},
     };
     for (auto const& testCase : cases)
     {

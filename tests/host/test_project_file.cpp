@@ -153,6 +153,18 @@ TEST(ProjectFile, WritingAndReadingGivesTheSameText)
     EXPECT_EQ(model.layers[1].tracks[0].homographies[15], 1e-7);
 }
 
+TEST(ProjectFile, AFactorOnAHomographyMeansNothing)
+{
+    for (double const factor : {1.0, -2.5, 1e-120, 1e110})
+    {
+        ProjectBuilder builder(1);
+        builder.addLayer("A").track([&](int) { return ProjectBuilder::Matrix{factor, 0, 5, 0, factor, 7, 0, 0, factor}; });
+        builder.layer().tracks[0].homographies[2] *= factor;
+        builder.layer().tracks[0].homographies[5] *= factor;
+        EXPECT_NO_THROW(readProject(writeProject(builder.model), "scaled.json")) << factor;
+    }
+}
+
 TEST(ProjectFile, NumbersThatJsonCannotHoldAreNotWritten)
 {
     ProjectBuilder builder;
@@ -227,6 +239,11 @@ INSTANTIATE_TEST_SUITE_P(
                 "expected 8 numbers, found 7"},
         Refusal{"[0.1, 0, 10, 0, 0, 10, 10, 10]", "[0, 0, 10, 0, 20, 0, 10, 10]", "$.layers[1].surface.corners",
                 "on a line"},
+        Refusal{"[0.1, 0, 10, 0, 0, 10, 10, 10]", "[0, 0, 10, 0, 10, 10, 0, 10]", "$.layers[1].surface.corners",
+                "crosses itself"},
+        Refusal{"[0.1, 0, 10, 0, 0, 10, 10, 10]", "[0, 0, 10, 0, 0, 10, 2, 2]", "$.layers[1].surface.corners",
+                "bends inward"},
+        Refusal{"\"rangeEnd\": 7", "\"rangeEnd\": 2", "$.layers[1].stabilize.rangeEnd", "before it starts"},
         Refusal{"[0.1, 0, 10, 0, 0, 10, 10, 10]", "[0, 0, 10, true, 0, 10, 10, 10]", "$.layers[1].surface.corners[3]",
                 "found a boolean"},
         Refusal{"1, 0.3, 0, 0, 1, 0, 1e-7, 0, 1]", "1, 0.3, 0, 0, 1, 0, 1e-7, 0]",

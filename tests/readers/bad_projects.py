@@ -115,8 +115,8 @@ def seen_by_both() -> Iterator[Fault]:
     for at in _REQUIRED:
         yield Fault(f"{path(at)} is missing", at, REMOVED, path(at[:-1]))
     for at, value in _WRONG_TYPES + _WRONG_VALUES:
-        # Keys that exclude one another and the kind of footage may be reported with their object.
-        whole = at[-1] in ("firstFrame", "kind")
+        # Keys that exclude one another, the kind of footage and a frame of a list may be reported with what holds them.
+        whole = at[-1] in ("firstFrame", "kind") or at[-2:-1] == ("frames",)
         yield Fault(f"{path(at)} is {json.dumps(value)}", at, value, path(at[:-1] if whole else at))
 
 
@@ -127,7 +127,9 @@ _DANGLING = [("currentLayer",), ("currentView",), ("displayClip",), ("groups", 1
 def seen_by_tool() -> Iterator[Fault]:
     """Faults of meaning, which a schema can't describe."""
     for at in _DANGLING:
-        yield Fault(f"{path(at)} names nothing", at, "nobody", path(at))
+        # Of groups and tracks the element of the list may be reported, as the words say what it names.
+        whole = at[-1] in ("parent", "view")
+        yield Fault(f"{path(at)} names nothing", at, "nobody", path(at[:-1] if whole else at))
     track = _layer("tracking", 0)
     cases: List[Tuple[str, Place, Any, Place]] = [
         ("group is its own parent", ("groups", 0, "parent"), "outer", ("groups",)),
@@ -147,7 +149,6 @@ def seen_by_tool() -> Iterator[Fault]:
         ("adjust keys descend", _layer("adjust", 1, "frame"), 1, _layer("adjust")),
         ("adjust keys at one frame", _layer("adjust", 1, "frame"), 2, _layer("adjust")),
         ("fixed frames descend", _layer("stabilize", "fixedFrames"), [6, 4], _layer("stabilize", "fixedFrames")),
-        ("stabilize range backwards", _layer("stabilize", "rangeEnd"), 2, _layer("stabilize")),
         ("lens keys descend", _clip("lens", "radial1", "frames"), [9, 0], _clip("lens")),
         ("fewer lens values than keys", _clip("lens", "radial1", "values"), [0.1], _clip("lens")),
         ("lens turns back inside the picture", _clip("lens", "radial2"), -50, _clip("lens")),
