@@ -7,6 +7,8 @@
 
 #include <csignal>
 #include <fcntl.h>
+#include <poll.h>
+#include <sys/inotify.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -194,33 +196,55 @@ TEST_F(Robustness, FoldersOfOtherPeople)
     EXPECT_EQ(folder.files(), (QStringList{"pin.txt", "shot.json"}));
 }
 
-// The signal comes as soon as a part file shows. The old file stays or the whole new
-// one has taken its place, and no part is left.
+/// Tells of the first file that is made in a folder.
+class FolderWatch
+{
+public:
+    explicit FolderWatch(QString const& path) : m_descriptor(::inotify_init())
+    {
+        ::inotify_add_watch(m_descriptor, path.toUtf8(), IN_CREATE);
+    }
+
+    ~FolderWatch()
+    {
+        ::close(m_descriptor);
+    }
+
+    FolderWatch(FolderWatch const&) = delete;
+    FolderWatch& operator=(FolderWatch const&) = delete;
+
+    bool wait() const
+    {
+        constexpr int MILLISECONDS = 60'000;
+        pollfd event{m_descriptor, POLLIN, 0};
+        return ::poll(&event, 1, MILLISECONDS) == 1;
+    }
+
+private:
+    int m_descriptor;
+};
+
+// The signal comes as soon as there is a part file. The old file stays, or the whole
+// new one has taken its place, and no part is left.
 TEST_F(Robustness, AnInterruptLeavesNoPart)
 {
-    folder.write("shot.json", movingProject("Wall", 100'000));
+    folder.write("shot.json", movingProject("Wall", 40'000));
     QStringList const command{"export", "shot.json", PIN, "-o", "pin", "--overwrite"};
     ASSERT_EQ(folder.run(command).status, 0);
     QByteArray const whole = folder.read("pin.txt");
     int interrupted = 0;
-    for (int attempt = 0; attempt < 20 && interrupted < 2; ++attempt)
+    for (int attempt = 0; attempt < 10 && interrupted < 2; ++attempt)
     {
         folder.write("pin.txt", "old");
+        FolderWatch const watch(folder.path("."));
         PreparedProcess process;
         process.setWorkingDirectory(folder.path("."));
         process.start(QStringLiteral(MARLO_TOOL), command);
-        ASSERT_TRUE(process.waitForStarted());
-        bool isInTime = false;
-        while (!isInTime && !process.waitForFinished(0))
-        {
-            isInTime = folder.files().size() > 2;
-        }
-        if (isInTime)
-        {
-            ::kill(static_cast<pid_t>(process.processId()), attempt % 2 == 0 ? SIGINT : SIGTERM);
-        }
-        ASSERT_TRUE(process.state() == QProcess::NotRunning || process.waitForFinished(60'000));
-        interrupted += isInTime && process.exitStatus() == QProcess::NormalExit && process.exitCode() == 130 ? 1 : 0;
+        ASSERT_TRUE(process.waitForStarted() && watch.wait());
+        ::kill(static_cast<pid_t>(process.processId()), attempt % 2 == 0 ? SIGINT : SIGTERM);
+        ASSERT_TRUE(process.waitForFinished(60'000));
+        ASSERT_EQ(process.exitStatus(), QProcess::NormalExit);
+        interrupted += process.exitCode() == 130 ? 1 : 0;
         EXPECT_EQ(folder.files(), (QStringList{"pin.txt", "shot.json"}));
         QByteArray const left = folder.read("pin.txt");
         EXPECT_TRUE(left == "old" || left == whole) << left.size();
