@@ -28,8 +28,14 @@ double valueAt(KeyedNumber const& number, double frame)
 }
 
 ClipLens::ClipLens(ClipModel const& clip, double frame)
-    : m_distorts(clip.lens.has_value()), m_width(clip.width), m_lines(clip.interlaced ? clip.height / 2 : clip.height),
-      m_aspect(clip.width * clip.pixelAspect / clip.height), m_focalX(1), m_focalY(1), m_centre{0, 0}, m_radial{},
+    : m_distorts(clip.lens.has_value()),
+      m_width(clip.width),
+      m_lines(clip.interlaced ? clip.height / 2 : clip.height),
+      m_aspect(clip.width * clip.pixelAspect / clip.height),
+      m_focalX(1),
+      m_focalY(1),
+      m_centre{0, 0},
+      m_radial{},
       m_tangential{}
 {
     if (!m_distorts)
@@ -108,8 +114,7 @@ TXI::Pos2 ClipLens::toLens(TXI::Pos2 const& pixel) const
 
 TXI::Pos2 ClipLens::toPixel(TXI::Pos2 const& q) const
 {
-    return {((q.x * m_focalX + m_centre.x) / m_aspect + 0.5) * m_width,
-            (q.y * m_focalY + m_centre.y + 0.5) * m_lines};
+    return {((q.x * m_focalX + m_centre.x) / m_aspect + 0.5) * m_width, (q.y * m_focalY + m_centre.y + 0.5) * m_lines};
 }
 
 ClipLens::Shown ClipLens::show(TXI::Pos2 const& q) const

@@ -62,8 +62,8 @@ KORV_ExternalException::KORV_ExternalException(std::string const& file, int line
 
 KORV_ExternalException::~KORV_ExternalException() = default;
 
-KORV_OperationFailed::KORV_OperationFailed(std::string const& file, int line, QString const& title,
-                                           QString const& what, QString const& detail)
+KORV_OperationFailed::KORV_OperationFailed(std::string const& file, int line, QString const& title, QString const& what,
+                                           QString const& detail)
     : KORV_Exception(file, line, what, detail), m_title(title)
 {
 }

@@ -37,9 +37,9 @@ void ShapeExporter::copyToClipboard(Fnd::IClipboard& clipboard, QString const& t
     smartCopy(clipboard, text);
 }
 
-QVector<boost::shared_ptr<KORV_Layer const>>
-ShapeExportHelper::getLayersToExport(KORV_ProjectManager const& project, ZN::LayerExportMode mode,
-                                     QList<unsigned int> const& layerIds)
+QVector<boost::shared_ptr<KORV_Layer const>> ShapeExportHelper::getLayersToExport(KORV_ProjectManager const& project,
+                                                                                  ZN::LayerExportMode mode,
+                                                                                  QList<unsigned int> const& layerIds)
 {
     QVector<boost::shared_ptr<KORV_Layer const>> chosen;
     QVector<boost::shared_ptr<KORV_Layer const>> const all = project.sm()->layers({});

@@ -113,8 +113,8 @@ int ExporterHelperBase::framesToExport(boost::optional<ZN_TRACKING_OPTION>)
     return 2147483647;
 }
 
-bool ExporterHelperBase::layerIsWithinProject(KORV_ProjectManager const& project, unsigned int layerId,
-                                              Anm::Time first, Anm::Time last, bool)
+bool ExporterHelperBase::layerIsWithinProject(KORV_ProjectManager const& project, unsigned int layerId, Anm::Time first,
+                                              Anm::Time last, bool)
 {
     KORV_Layer const* const layer = project.sm()->layerFromNumericID(layerId, false);
     return layer && !cut(rangeOfLayer(*layer), first, last).isEmpty();

@@ -53,9 +53,9 @@ TXI::Pos2 Homography::apply(TXI::Pos2 const& p) const
 
 Homography Homography::inverse() const
 {
-    return {{m[4] * m[8] - m[5] * m[7], m[2] * m[7] - m[1] * m[8], m[1] * m[5] - m[2] * m[4],
-             m[5] * m[6] - m[3] * m[8], m[0] * m[8] - m[2] * m[6], m[2] * m[3] - m[0] * m[5],
-             m[3] * m[7] - m[4] * m[6], m[1] * m[6] - m[0] * m[7], m[0] * m[4] - m[1] * m[3]}};
+    return {{m[4] * m[8] - m[5] * m[7], m[2] * m[7] - m[1] * m[8], m[1] * m[5] - m[2] * m[4], m[5] * m[6] - m[3] * m[8],
+             m[0] * m[8] - m[2] * m[6], m[2] * m[3] - m[0] * m[5], m[3] * m[7] - m[4] * m[6], m[1] * m[6] - m[0] * m[7],
+             m[0] * m[4] - m[1] * m[3]}};
 }
 
 Homography Homography::betweenQuads(Quad const& from, Quad const& to)
@@ -70,8 +70,8 @@ Homography operator*(Homography const& a, Homography const& b)
     {
         for (std::size_t column = 0; column < 3; ++column)
         {
-            product.m[row * 3 + column] = a.m[row * 3] * b.m[column] + a.m[row * 3 + 1] * b.m[3 + column] +
-                                          a.m[row * 3 + 2] * b.m[6 + column];
+            product.m[row * 3 + column] =
+                a.m[row * 3] * b.m[column] + a.m[row * 3 + 1] * b.m[3 + column] + a.m[row * 3 + 2] * b.m[6 + column];
         }
     }
     return product;
@@ -93,8 +93,8 @@ bool isRegular(Homography const& h, double width, double height)
     {
         entry /= largest;
     }
-    double const det = m[0] * (m[4] * m[8] - m[5] * m[7]) - m[1] * (m[3] * m[8] - m[5] * m[6]) +
-                       m[2] * (m[3] * m[7] - m[4] * m[6]);
+    double const det =
+        m[0] * (m[4] * m[8] - m[5] * m[7]) - m[1] * (m[3] * m[8] - m[5] * m[6]) + m[2] * (m[3] * m[7] - m[4] * m[6]);
     // A NaN, too, is not regular.
     return std::fabs(det) > 1e-12;
 }

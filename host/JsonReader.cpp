@@ -16,7 +16,8 @@ JsonCursor::JsonCursor(JsonValue const& value, QString const& fileName)
 }
 
 JsonCursor::JsonCursor(JsonValue const& value, JsonCursor const& parent, std::string const* key, std::size_t index)
-    : m_value(&value), m_fileName(parent.m_fileName),
+    : m_value(&value),
+      m_fileName(parent.m_fileName),
       m_path(key ? jsonPathKey(parent.m_path, *key) : jsonPathIndex(parent.m_path, index))
 {
 }
@@ -139,9 +140,9 @@ std::vector<int> JsonCursor::ascendingIntegers(int least, int most) const
         bool const ascends = integers.empty() || found[i] > integers.back();
         if (!ascends || found[i] != std::floor(found[i]) || found[i] < least || found[i] > most)
         {
-            fail(QStringLiteral("element %1 is %2; expected whole numbers from %3 to %4 that ascend")
-                     .arg(QString::number(i), QString::number(found[i]), QString::number(least),
-                          QString::number(most)));
+            fail(
+                QStringLiteral("element %1 is %2; expected whole numbers from %3 to %4 that ascend")
+                    .arg(QString::number(i), QString::number(found[i]), QString::number(least), QString::number(most)));
         }
         integers.push_back(static_cast<int>(found[i]));
     }

@@ -148,7 +148,8 @@ public:
         int const column = before.size() - before.lastIndexOf('\n');
         QString shown = QString::fromStdString(cause);
         shown = shown.size() > 200 ? shown.left(200) + QStringLiteral("...") : shown;
-        fail(path(true), QStringLiteral("line %1, column %2: %3").arg(QString::number(line), QString::number(column), shown));
+        fail(path(true),
+             QStringLiteral("line %1, column %2: %3").arg(QString::number(line), QString::number(column), shown));
     }
 
 private:
@@ -271,8 +272,8 @@ JsonValue parseJson(QByteArray const& text, QString const& fileName)
 
 QString jsonPathKey(QString const& path, std::string const& key)
 {
-    bool const plain = !key.empty() && std::all_of(key.begin(), key.end(),
-                                                   [](unsigned char c) { return std::isalnum(c) || c == '_'; });
+    bool const plain = !key.empty() &&
+                       std::all_of(key.begin(), key.end(), [](unsigned char c) { return std::isalnum(c) || c == '_'; });
     return plain ? path + QLatin1Char('.') + QString::fromStdString(key)
                  : path + QLatin1Char('[') + quoted(key) + QLatin1Char(']');
 }

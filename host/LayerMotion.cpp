@@ -56,14 +56,17 @@ std::size_t nearestFrameIndex(std::vector<int> const& frames, int frame)
         return 0;
     }
     auto const before = after - 1;
-    bool const takeAfter = after != frames.end() && static_cast<long long>(*after) - frame <
-                                                        static_cast<long long>(frame) - *before;
+    bool const takeAfter =
+        after != frames.end() && static_cast<long long>(*after) - frame < static_cast<long long>(frame) - *before;
     return static_cast<std::size_t>((takeAfter ? after : before) - frames.begin());
 }
 
 LayerMotion::LayerMotion(LayerModel const& layer, TrackModel const& track, MotionChoice const& choice)
-    : m_layer(layer), m_track(track), m_choice(choice),
-      m_ontoFootage(choice.invert || choice.option == ZN_TRACKING_OPTION_STABILIZED), m_corners(quadOf(layer.corners)),
+    : m_layer(layer),
+      m_track(track),
+      m_choice(choice),
+      m_ontoFootage(choice.invert || choice.option == ZN_TRACKING_OPTION_STABILIZED),
+      m_corners(quadOf(layer.corners)),
       m_base(m_ontoFootage ? pictureQuad(choice.pictureWidth, choice.pictureHeight) : m_corners),
       m_centre(crossingOfDiagonals(m_base))
 {

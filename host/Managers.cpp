@@ -207,8 +207,7 @@ QVector<boost::shared_ptr<Korvane::LayerBase>> KORV_SelectionManager::findLayers
     return found;
 }
 
-QVector<boost::shared_ptr<KORV_Layer const>>
-KORV_SelectionManager::layers(QFlags<Korvane::ItemsQuery> query) const
+QVector<boost::shared_ptr<KORV_Layer const>> KORV_SelectionManager::layers(QFlags<Korvane::ItemsQuery> query) const
 {
     QVector<boost::shared_ptr<KORV_Layer const>> found;
     for (boost::shared_ptr<KORV_Layer> const& layer : m_data->stack)

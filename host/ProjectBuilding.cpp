@@ -145,20 +145,20 @@ private:
     std::unique_ptr<KORV_Layer::Data> layerData(LayerModel const& model, unsigned int id) const
     {
         unsigned int const clip = clipId(model.clip);
-        auto data = std::make_unique<KORV_Layer::Data>(KORV_Layer::Data{
-            &model,
-            id,
-            m_project.parameters->getClip(clip),
-            &m_model.clips[clip - 1],
-            model.insertClip.isEmpty() ? 0 : clipId(model.insertClip),
-            group(model.group),
-            nullptr,
-            model.inPoint.value_or(0),
-            model.outPoint.value_or(m_model.clips[clip - 1].frameCount - 1),
-            {Anm::Context(Anm::Time::fromInt(model.referenceFrame), Anm::View::defaultView())},
-            ZN_StabilizeParameterSet(fixedFrames(model.stabilize)),
-            model.contours,
-            std::vector<TrackModel const*>(m_project.views->viewCount(), nullptr)});
+        auto data = std::make_unique<KORV_Layer::Data>(
+            KORV_Layer::Data{&model,
+                             id,
+                             m_project.parameters->getClip(clip),
+                             &m_model.clips[clip - 1],
+                             model.insertClip.isEmpty() ? 0 : clipId(model.insertClip),
+                             group(model.group),
+                             nullptr,
+                             model.inPoint.value_or(0),
+                             model.outPoint.value_or(m_model.clips[clip - 1].frameCount - 1),
+                             {Anm::Context(Anm::Time::fromInt(model.referenceFrame), Anm::View::defaultView())},
+                             ZN_StabilizeParameterSet(fixedFrames(model.stabilize)),
+                             model.contours,
+                             std::vector<TrackModel const*>(m_project.views->viewCount(), nullptr)});
         for (TrackModel const& track : model.tracks)
         {
             data->tracks[static_cast<std::size_t>(viewIndex(track.view))] = &track;
@@ -205,8 +205,8 @@ private:
         m_project.frames = std::make_unique<KORV_FrameManager>(
             std::make_unique<KORV_FrameManager::Data>(KORV_FrameManager::Data{m_project.parameters.get()}));
         m_project.currentLayer = currentLayer();
-        m_project.tools = std::make_unique<KORV_ToolManager>(
-            m_project.currentLayer ? m_project.currentLayer->numericID() : 0);
+        m_project.tools =
+            std::make_unique<KORV_ToolManager>(m_project.currentLayer ? m_project.currentLayer->numericID() : 0);
         m_project.rendering = std::make_unique<KV::RenderingContext>(clipId(m_model.displayClip));
         m_project.currentView = m_project.views->view(static_cast<unsigned int>(viewIndex(m_model.currentView)));
         m_project.currentFrame = Anm::Context(Anm::Time::fromInt(m_model.currentFrame), m_project.currentView);
@@ -248,9 +248,25 @@ boost::shared_ptr<KORV_ProjectManager> makeProject(ProjectModel const& model, QS
     {
         throw KORV_BadArgument(__FILE__, __LINE__, QStringLiteral("A project needs a clip"), QString());
     }
-    auto data = std::make_unique<KORV_ProjectManager::Data>(KORV_ProjectManager::Data{
-        model, projectFilePath, services, {}, {}, {}, {}, {}, {}, {}, {}, {}, nullptr,
-        Anm::Context::invalid(), Anm::View::defaultView(), 0, false, 0, 0});
+    auto data = std::make_unique<KORV_ProjectManager::Data>(KORV_ProjectManager::Data{model,
+                                                                                      projectFilePath,
+                                                                                      services,
+                                                                                      {},
+                                                                                      {},
+                                                                                      {},
+                                                                                      {},
+                                                                                      {},
+                                                                                      {},
+                                                                                      {},
+                                                                                      {},
+                                                                                      {},
+                                                                                      nullptr,
+                                                                                      Anm::Context::invalid(),
+                                                                                      Anm::View::defaultView(),
+                                                                                      0,
+                                                                                      false,
+                                                                                      0,
+                                                                                      0});
     if (!data->services.callbacks)
     {
         data->services.callbacks = std::make_shared<StderrCallbacks>();

@@ -100,9 +100,8 @@ void checkLens(JsonCursor const& cursor, ClipModel const& clip)
 {
     LensModel const& lens = *clip.lens;
     std::set<int> frames{0};
-    for (KeyedNumber const* number :
-         {&lens.focalLength, &lens.centreX, &lens.centreY, &lens.radial[0], &lens.radial[1], &lens.radial[2],
-          &lens.tangential[0], &lens.tangential[1], &lens.squeeze})
+    for (KeyedNumber const* number : {&lens.focalLength, &lens.centreX, &lens.centreY, &lens.radial[0], &lens.radial[1],
+                                      &lens.radial[2], &lens.tangential[0], &lens.tangential[1], &lens.squeeze})
     {
         frames.insert(number->frames.begin(), number->frames.end());
     }
@@ -134,8 +133,7 @@ QString nonEmpty(JsonCursor const& cursor)
 
 FootageModel readFootage(JsonCursor const& cursor)
 {
-    JsonObject const object(
-        cursor, {"kind", "directory", "prefix", "suffix", "indexWidth", "firstIndex", "file"});
+    JsonObject const object(cursor, {"kind", "directory", "prefix", "suffix", "indexWidth", "firstIndex", "file"});
     FootageModel footage;
     JsonCursor const kind = object.required("kind");
     QString const word = kind.string();
@@ -176,9 +174,8 @@ FootageModel readFootage(JsonCursor const& cursor)
 
 ClipModel readClip(JsonCursor const& cursor, QSet<QString>& names)
 {
-    JsonObject const object(cursor,
-                            {"name", "width", "height", "pixelAspect", "frameCount", "frameOffset", "interlaced",
-                             "lowerFieldFirst", "pulldown", "footage", "filmBack", "lens"});
+    JsonObject const object(cursor, {"name", "width", "height", "pixelAspect", "frameCount", "frameOffset",
+                                     "interlaced", "lowerFieldFirst", "pulldown", "footage", "filmBack", "lens"});
     ClipModel clip;
     clip.name = uniqueName(object, names);
     clip.width = object.required("width").integer(1, MAX_RASTER);
@@ -354,8 +351,9 @@ class ProjectReader
 public:
     ProjectModel read(JsonCursor const& root)
     {
-        JsonObject const object(root, {"marloProject", "frameRate", "clips", "views", "groups", "layers", "currentFrame",
-                                       "currentLayer", "currentView", "displayClip", "playback", "trim"});
+        JsonObject const object(root,
+                                {"marloProject", "frameRate", "clips", "views", "groups", "layers", "currentFrame",
+                                 "currentLayer", "currentView", "displayClip", "playback", "trim"});
         JsonCursor const version = object.required("marloProject");
         if (version.number(0, std::numeric_limits<double>::max()) != VERSION)
         {
@@ -459,8 +457,8 @@ private:
 
     LayerModel readLayer(JsonCursor const& cursor)
     {
-        JsonObject const object(cursor, {"name", "clip", "insertClip", "group", "in", "out", "hidden", "selected", "moving", "surface",
-                                         "tracking", "adjust", "stabilize"});
+        JsonObject const object(cursor, {"name", "clip", "insertClip", "group", "in", "out", "hidden", "selected",
+                                         "moving", "surface", "tracking", "adjust", "stabilize"});
         LayerModel layer;
         JsonCursor const name = object.required("name");
         layer.name = name.string();
@@ -545,8 +543,8 @@ private:
                                           });
         m_project.currentView = readName(object, "currentView", "view",
                                          [&](QString const& name) { return m_project.views.contains(name); });
-        m_project.displayClip = readName(object, "displayClip", "clip",
-                                         [&](QString const& name) { return m_clipNames.contains(name); });
+        m_project.displayClip =
+            readName(object, "displayClip", "clip", [&](QString const& name) { return m_clipNames.contains(name); });
         readRange(object, "playback", lastFrame, m_project.playbackIn, m_project.playbackOut);
         readRange(object, "trim", lastFrame, m_project.trimIn, m_project.trimOut);
     }
@@ -580,7 +578,8 @@ private:
         {
             if (number < 0 || number > lastFrame || number != static_cast<int>(number))
             {
-                cursor->fail(QStringLiteral("%1 is not a frame of the first clip (0 to %2)").arg(number).arg(lastFrame));
+                cursor->fail(
+                    QStringLiteral("%1 is not a frame of the first clip (0 to %2)").arg(number).arg(lastFrame));
             }
         }
         if (numbers[0] > numbers[1])

@@ -287,9 +287,8 @@ void writeTrack(JsonText& json, TrackModel const& track)
 {
     json.open(nullptr, '{');
     writeName(json, "view", track.view);
-    bool const consecutive =
-        !track.frames.empty() &&
-        track.frames.back() - track.frames.front() == static_cast<int>(track.frames.size()) - 1;
+    bool const consecutive = !track.frames.empty() &&
+                             track.frames.back() - track.frames.front() == static_cast<int>(track.frames.size()) - 1;
     if (consecutive)
     {
         json.number("firstFrame", track.frames.front());
@@ -345,10 +344,9 @@ void writeLayer(JsonText& json, LayerModel const& layer)
 {
     if (!layer.contours.isEmpty())
     {
-        throw KORV_BadArgument(__FILE__, __LINE__,
-                               QStringLiteral("Layer \"%1\" has contours, which project files don't hold")
-                                   .arg(layer.name),
-                               QString());
+        throw KORV_BadArgument(
+            __FILE__, __LINE__,
+            QStringLiteral("Layer \"%1\" has contours, which project files don't hold").arg(layer.name), QString());
     }
     json.open(nullptr, '{');
     json.string("name", layer.name);

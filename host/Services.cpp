@@ -44,9 +44,9 @@ bool isPlugin()
 
 QSet<QString> trackExportOptions()
 {
-    return {"aftereffects-cs3", "aftereffects", "alembic", "finalcut", "ifffse",     "shake",   "avid",    "nuke",
-            "generic",          "quantel",      "hitfilm", "fusion",   "vegas",      "dorin",   "motion",  "marloblend",
-            "scratch",          "flowbox",      "glimmerset",          "kestrelia"};
+    return {"aftereffects-cs3", "aftereffects", "alembic",    "finalcut", "ifffse", "shake", "avid",   "nuke",
+            "generic",          "quantel",      "hitfilm",    "fusion",   "vegas",  "dorin", "motion", "marloblend",
+            "scratch",          "flowbox",      "glimmerset", "kestrelia"};
 }
 
 QSet<QString> trackExportOptionsExtra()

@@ -215,8 +215,7 @@ void TrackingExporterHelper::initialiseWithPMAndRange(KORV_ProjectManager const&
 
 bool TrackingExporterHelper::updateSurfacePoints(KORV_ProjectManager const& project, unsigned int layerId,
                                                  Anm::Context::Explicit const& referenceFrame,
-                                                 TrackingExporter::Options const& options,
-                                                 ZN::ProgressRange* progress)
+                                                 TrackingExporter::Options const& options, ZN::ProgressRange* progress)
 {
     KORV_Layer const* const layer = project.sm()->layerFromNumericID(layerId, false);
     TrackModel const* const track = layer ? trackOf(*layer, project, view()) : nullptr;
@@ -251,7 +250,7 @@ void TrackingExporterHelper::Data::fillRow(int frame, TXI::Pos2 (&row)[5], Track
 {
     auto const holds = [frame](std::vector<int> const& frames)
     { return std::binary_search(frames.begin(), frames.end(), frame); };
-    QString const cause = !holds(track.frames)      ? QStringLiteral("no tracking data")
+    QString const cause = !holds(track.frames)        ? QStringLiteral("no tracking data")
                           : holds(usable.outsideLens) ? QStringLiteral("the surface leaves what the lens shows")
                                                       : QStringLiteral("the surface goes past infinity");
     if (usable.frames.empty())

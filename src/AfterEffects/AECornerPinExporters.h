@@ -38,8 +38,7 @@ protected:
     /// @param padFromZero whether the first row is repeated from frame 0 on
     /// @param wholeFramesOnly whether every other field of interlaced material is
     ///        left out
-    void writeCornerPin(AEExportBuilder& builder, bool padFromZero, bool wholeFramesOnly,
-                        Options const& options) const;
+    void writeCornerPin(AEExportBuilder& builder, bool padFromZero, bool wholeFramesOnly, Options const& options) const;
 
 private:
     float flippedY(int frame, SurfaceCorner corner) const;

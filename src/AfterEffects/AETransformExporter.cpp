@@ -57,8 +57,7 @@ void AETransformExporter::prepareToExport(KORV_ProjectManager& project, unsigned
                                           Anm::Context::Explicit const& referenceFrame, Options const& options) const
 {
     m_helper.updateSurfacePoints(project, layerId, referenceFrame, options, nullptr);
-    m_helper.buildTransformDataFromSurfaceMotion(false, true,
-                                                 static_cast<unsigned int>(referenceFrame.time().value()));
+    m_helper.buildTransformDataFromSurfaceMotion(false, true, static_cast<unsigned int>(referenceFrame.time().value()));
 }
 
 void AETransformExporter::writeHeader(AEExportBuilder& builder, bool doubleInterlacedHeight) const

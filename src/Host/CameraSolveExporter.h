@@ -64,8 +64,7 @@ struct ExportSpec
 class MARLO_HOST_API ExportOptionsReceiver
 {
 public:
-    virtual void addBoolOption(QString const& key, QString const& label, QString const& toolTip,
-                               bool defaultValue) = 0;
+    virtual void addBoolOption(QString const& key, QString const& label, QString const& toolTip, bool defaultValue) = 0;
     /// The first choice is the default.
     virtual void addChoiceOption(QString const& key, QString const& label, QString const& toolTip,
                                  QStringList const& choices) = 0;

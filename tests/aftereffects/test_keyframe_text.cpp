@@ -112,8 +112,9 @@ ProjectBuilder turning()
 {
     ProjectBuilder builder(3);
     builder.addLayer("A");
-    builder.track([](int frame)
-                  { return ProjectBuilder::similarity(960, 540, -2.0 * frame, 1 + 0.25 * frame, 3 * frame, -4 * frame); });
+    builder.track(
+        [](int frame)
+        { return ProjectBuilder::similarity(960, 540, -2.0 * frame, 1 + 0.25 * frame, 3 * frame, -4 * frame); });
     return builder;
 }
 
@@ -167,9 +168,9 @@ TEST(CornerPins, EachTargetHasItsBlocksInItsOrder)
     {
         QString const document = text(*one.exporter, turning());
         EXPECT_EQ(titles(document), one.titles) << one.name;
-        EXPECT_EQ(document.section('\n', 0, 0),
-                  QLatin1String(one.name) == QLatin1String("scratch") ? "Assimilate SCRATCH Keyframe Data"
-                                                                      : "Adobe After Effects 6.0 Keyframe Data");
+        EXPECT_EQ(document.section('\n', 0, 0), QLatin1String(one.name) == QLatin1String("scratch")
+                                                    ? "Assimilate SCRATCH Keyframe Data"
+                                                    : "Adobe After Effects 6.0 Keyframe Data");
         EXPECT_TRUE(document.endsWith("\n\nEnd of Keyframe Data\n")) << one.name;
     }
 }
@@ -180,7 +181,8 @@ TEST(CornerPins, YGoesThroughAFloatAndXDoesNot)
     ProjectBuilder builder(1, 4000, 2000);
     builder.addLayer("A", {1234.565, 765.435, 2000, 765.435, 1234.565, 1900, 2000, 1900});
     QString const document = text(AESimpleCornerPinExporter(false, false), builder);
-    EXPECT_EQ(rows(document, "Effects\tADBE Corner Pin #1\tADBE Corner Pin-0003"), QStringList("\t0\t1234.57\t1234.56"));
+    EXPECT_EQ(rows(document, "Effects\tADBE Corner Pin #1\tADBE Corner Pin-0003"),
+              QStringList("\t0\t1234.57\t1234.56"));
 }
 
 TEST(CornerPins, PaddingHoldsTheFirstValueFromFrameZero)

@@ -125,8 +125,9 @@ TEST(Motion, OffsetSticksToThePlane)
 {
     ProjectBuilder builder = slider();
     builder.layer().adjust = {{0, {1, 2, 0, 0, 0, 0, 0, 0}}, {2, {50, 50, 50, 50, 50, 50, 50, 50}}};
-    builder.track([](int frame) { return frame < 2 ? ProjectBuilder::identity()
-                                                   : ProjectBuilder::Matrix{2, 0, 0, 0, 2, 0, 0, 0, 1}; });
+    builder.track(
+        [](int frame)
+        { return frame < 2 ? ProjectBuilder::identity() : ProjectBuilder::Matrix{2, 0, 0, 0, 2, 0, 0, 0, 1}; });
     Exported const exported = run(builder, withOption(ZN_TRACKING_OPTION_OFFSET));
     expectPoint(exported.helper, 2, 0, 2 * 101, 2 * 302);
     expectPoint(exported.helper, 2, 3, 400, 800);
@@ -160,9 +161,12 @@ TEST(Motion, InverseAfterForwardIsTheIdentity)
 {
     ProjectBuilder builder(2);
     builder.addLayer("A");
-    builder.track([](int frame)
-                  { return frame == 0 ? ProjectBuilder::identity()
-                                      : ProjectBuilder::Matrix{0.9, 0.1, 12, -0.2, 1.1, 30, 1e-5, -2e-5, 1}; });
+    builder.track(
+        [](int frame)
+        {
+            return frame == 0 ? ProjectBuilder::identity()
+                              : ProjectBuilder::Matrix{0.9, 0.1, 12, -0.2, 1.1, 30, 1e-5, -2e-5, 1};
+        });
     builder.layer().adjust = {{0, {0, 0, 0, 0, 0, 0, 0, 0}}, {1, {3, 1, -2, 5, 4, 4, 0, -6}}};
     Exported const forward = run(builder, withOption(ZN_TRACKING_OPTION_ADJUSTED));
     Exported const inverse = run(builder, withOption(ZN_TRACKING_OPTION_ADJUSTED, true));
@@ -204,9 +208,7 @@ TEST(Motion, ACornerPastInfinityIsAFailureOfItsFrame)
 {
     // At frame 1 the line x = 150 goes to infinity, between the corners.
     auto const homography = [](int frame)
-    {
-        return frame == 1 ? ProjectBuilder::Matrix{1, 0, 0, 0, 1, 0, -1.0 / 150, 0, 1} : ProjectBuilder::identity();
-    };
+    { return frame == 1 ? ProjectBuilder::Matrix{1, 0, 0, 0, 1, 0, -1.0 / 150, 0, 1} : ProjectBuilder::identity(); };
     for (bool const adjusted : {false, true})
     {
         ProjectBuilder builder = slider();
@@ -253,8 +255,12 @@ TEST(Motion, RangesAreCutToTheLayerAndBothWordsForTheWholeAreTaken)
         int first;
         int count;
     };
-    Case const cases[] = {{UNLIMITED, -UNLIMITED, 5, 5}, {-UNLIMITED, UNLIMITED, 5, 5}, {0, 6, 5, 2},
-                          {7, 100, 7, 3},                {9, 9, 9, 1},                  {10, 19, -1, 0},
+    Case const cases[] = {{UNLIMITED, -UNLIMITED, 5, 5},
+                          {-UNLIMITED, UNLIMITED, 5, 5},
+                          {0, 6, 5, 2},
+                          {7, 100, 7, 3},
+                          {9, 9, 9, 1},
+                          {10, 19, -1, 0},
                           {8, 6, -1, 0}};
     for (Case const& wanted : cases)
     {
@@ -279,8 +285,8 @@ TEST(Motion, SimilarityIsFittedInSquarePixelsFromTheReferenceFrame)
     builder.track(
         [&](int frame)
         {
-            ProjectBuilder::Matrix h =
-                ProjectBuilder::similarity(1700, 500, 30 * DEGREE * frame, std::pow(1.5, frame), 6.0 * frame, 7.0 * frame);
+            ProjectBuilder::Matrix h = ProjectBuilder::similarity(1700, 500, 30 * DEGREE * frame, std::pow(1.5, frame),
+                                                                  6.0 * frame, 7.0 * frame);
             h[1] /= 2;
             h[2] /= 2;
             h[3] *= 2;
@@ -306,7 +312,8 @@ TEST(Motion, RelativePinAndTransformTogetherGiveTheCornersBack)
     builder.track(
         [](int frame)
         {
-            ProjectBuilder::Matrix h = ProjectBuilder::similarity(100, 100, 0.4 * frame, 1 + 0.1 * frame, 40 * frame, 9);
+            ProjectBuilder::Matrix h =
+                ProjectBuilder::similarity(100, 100, 0.4 * frame, 1 + 0.1 * frame, 40 * frame, 9);
             h[6] = 3e-4 * frame;
             return h;
         });

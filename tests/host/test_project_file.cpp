@@ -158,7 +158,8 @@ TEST(ProjectFile, AFactorOnAHomographyMeansNothing)
     for (double const factor : {1.0, -2.5, 1e-120, 1e110})
     {
         ProjectBuilder builder(1);
-        builder.addLayer("A").track([&](int) { return ProjectBuilder::Matrix{factor, 0, 5, 0, factor, 7, 0, 0, factor}; });
+        builder.addLayer("A").track([&](int)
+                                    { return ProjectBuilder::Matrix{factor, 0, 5, 0, factor, 7, 0, 0, factor}; });
         builder.layer().tracks[0].homographies[2] *= factor;
         builder.layer().tracks[0].homographies[5] *= factor;
         EXPECT_NO_THROW(readProject(writeProject(builder.model), "scaled.json")) << factor;
@@ -216,8 +217,7 @@ INSTANTIATE_TEST_SUITE_P(
         Refusal{"\"marloProject\": 1", "\"marloProject\": 2", "$.marloProject", "version 1"},
         Refusal{"\"marloProject\": 1,", "", "$", "\"marloProject\" is missing"},
         Refusal{"23.976", "\"24\"", "$.frameRate", "expected a number, found a string"},
-        Refusal{"23.976", "0", "$.frameRate", "out of range"},
-        Refusal{"23.976", "1e999", "$.frameRate", "line 3"},
+        Refusal{"23.976", "0", "$.frameRate", "out of range"}, Refusal{"23.976", "1e999", "$.frameRate", "line 3"},
         Refusal{"23.976", "NaN", "$.frameRate", "line 3"},
         Refusal{"\"height\": 576", "\"height\": 575", "$.clips[0]", "even height"},
         Refusal{"\"width\": 720", "\"width\": 720.5", "$.clips[0].width", "whole number"},

@@ -41,8 +41,9 @@ std::vector<Format> offeredFormats()
     std::vector<Format> formats;
     auto const add = [&](Preset::ExportInfo::Type type)
     {
-        return [&formats, type](DataFormatBase const& format)
-        { formats.push_back({type, format.internalName(), format.extension()}); };
+        return [&formats, type](DataFormatBase const& format) {
+            formats.push_back({type, format.internalName(), format.extension()});
+        };
     };
     TrackingExporterFactory::forEachFormat(add(Preset::ExportInfo::Tracking), nullptr);
     ShapeExporterFactory::forEachFormat(add(Preset::ExportInfo::Shape), nullptr);
@@ -386,20 +387,22 @@ TEST(Printed, TransformAndCornerPinDocuments)
 {
     ProjectBuilder transform(2);
     transform.addLayer("A");
-    transform.track([](int frame)
-                    { return frame == 0 ? ProjectBuilder::identity()
-                                        : ProjectBuilder::similarity(960, 540, -1.5 * 3.141592653589793 / 180, 1.005,
-                                                                     1.5, -0.25); });
-    EXPECT_TRUE(sameBytes(fileContent(MARLO_SOURCE_DIR "/tests/golden/printed/after_effects_transform.txt"),
-                          exported({Preset::ExportInfo::Tracking, "after_effects_transform", ".txt"}, transform, "p")
-                              .files.value("p")));
+    transform.track(
+        [](int frame)
+        {
+            return frame == 0 ? ProjectBuilder::identity()
+                              : ProjectBuilder::similarity(960, 540, -1.5 * 3.141592653589793 / 180, 1.005, 1.5, -0.25);
+        });
+    EXPECT_TRUE(sameBytes(
+        fileContent(MARLO_SOURCE_DIR "/tests/golden/printed/after_effects_transform.txt"),
+        exported({Preset::ExportInfo::Tracking, "after_effects_transform", ".txt"}, transform, "p").files.value("p")));
 
     ProjectBuilder pin(2);
     pin.addLayer("A", {100, 50, 200, 50, 100, 100, 200, 100});
     pin.track([](int frame) { return ProjectBuilder::translation(frame, -0.5 * frame); });
-    EXPECT_TRUE(sameBytes(fileContent(MARLO_SOURCE_DIR "/tests/golden/printed/after_effects_corner_pin.txt"),
-                          exported({Preset::ExportInfo::Tracking, "after_effects_corner_pin", ".txt"}, pin, "p")
-                              .files.value("p")));
+    EXPECT_TRUE(sameBytes(
+        fileContent(MARLO_SOURCE_DIR "/tests/golden/printed/after_effects_corner_pin.txt"),
+        exported({Preset::ExportInfo::Tracking, "after_effects_corner_pin", ".txt"}, pin, "p").files.value("p")));
 }
 
 }

@@ -39,8 +39,8 @@ public:
 
     /// A layer with a still surface over the whole of its range, which becomes the
     /// current one. Corners: lower left, lower right, upper left, upper right, y up.
-    ProjectBuilder& addLayer(QString const& name, std::array<double, 8> const& corners = {860, 490, 1060, 490, 860,
-                                                                                           590, 1060, 590})
+    ProjectBuilder& addLayer(QString const& name,
+                             std::array<double, 8> const& corners = {860, 490, 1060, 490, 860, 590, 1060, 590})
     {
         MarloHost::LayerModel layer;
         layer.name = name;
@@ -102,7 +102,8 @@ public:
     {
         double const c = scale * std::cos(radians);
         double const s = scale * std::sin(radians);
-        return {c, -s, centreX + moveX - c * centreX + s * centreY, s, c, centreY + moveY - s * centreX - c * centreY,
+        return {c, -s, centreX + moveX - c * centreX + s * centreY,
+                s, c,  centreY + moveY - s * centreX - c * centreY,
                 0, 0,  1};
     }
 
