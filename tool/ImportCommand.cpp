@@ -41,10 +41,10 @@ QString orientationWarning(CornerTable const& table, CornerImport const& import)
 {
     MarloHost::CornerOrientations const found = MarloHost::cornerOrientations(table, import);
     int const total = static_cast<int>(table.rows.size());
-    if (2 * found.notConvex > total)
+    if (found.notConvex > 0)
     {
-        return QStringLiteral("in %1 of %2 frames the outline of the corners crosses itself or caves in; "
-                              "is the order of the corners another one (--order)?")
+        return QStringLiteral("in %1 of %2 frames the outline of the corners crosses itself or bends inward, which a "
+                              "plane that is seen never does")
             .arg(found.notConvex)
             .arg(total);
     }

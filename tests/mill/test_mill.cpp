@@ -89,23 +89,12 @@ Korvane::ExportedFiles exported(Format const& format, ProjectBuilder const& buil
 }
 
 // Perspective, an offset layer range, an adjust key, values on a sixteenth grid: a
-// little of everything that a format may have to say.
+// little of everything that a format may have to say. Readers judge the goldens with
+// the same file.
 ProjectBuilder smallProject()
 {
-    ProjectBuilder builder(6);
-    builder.clip().frameOffset = 1001;
-    builder.addLayer("Poster", {600.0625, 300.125, 900, 310, 590, 700, 910, 690.5}).range(2, 5);
-    builder.track(
-        [](int frame)
-        {
-            ProjectBuilder::Matrix h =
-                ProjectBuilder::similarity(750, 500, 0.125 * (frame - 2), 1 + 0.0625 * (frame - 2), 16.25 * (frame - 2), -5);
-            h[5] += 5;
-            h[6] = 2e-5 * (frame - 2);
-            h[7] = -1e-5 * (frame - 2);
-            return h;
-        });
-    builder.layer().adjust = {{2, {0, 0, 0, 0, 0, 0, 0, 0}}, {4, {0.5, -0.25, 0, 0, 1, 2, -3, 0}}};
+    ProjectBuilder builder;
+    builder.model = MarloHost::readProjectFile(MARLO_SOURCE_DIR "/tests/golden/project.json");
     return builder;
 }
 

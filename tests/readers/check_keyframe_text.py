@@ -119,6 +119,14 @@ class Check:
             self.formats(self.scratch / f"{case.project}.json", shot, case.arguments())
         self.adjusted_is_default(projects)
 
+    def goldens(self, folder: Path) -> None:
+        """Judges the checked-in exports as they stand."""
+        shot = PlanarProject(json.loads((folder / "project.json").read_text(encoding="utf-8"))).shot("golden", "adjusted")
+        for form in FORMATS:
+            verdict = judge((folder / form.key / "out.txt").read_bytes(), form, shot)
+            for fault in verdict.faults():
+                self.fail(f"golden, {form.key}: {fault}")
+
     def adjusted_is_default(self, projects: Dict[str, dict]) -> None:
         shot = PlanarProject(projects["strong"]).shot("strong default", "adjusted")
         self.formats(self.scratch / "strong.json", shot, [])
@@ -192,6 +200,7 @@ def main() -> int:
     check_parser(check)
     check.paper(source / "tests" / "data" / "paper004_corners.txt")
     check.made_here()
+    check.goldens(source / "tests" / "golden")
     check_faults_are_noticed(check)
     print(f"{len(check.texts)} texts are good, {len(check.failures)} failures")
     return 1 if check.failures else 0
