@@ -46,6 +46,22 @@ QString textOf(Token token)
     return QString::fromUtf8(token.data(), static_cast<int>(token.size()));
 }
 
+/// The token in an error text, which stays one readable line whatever the file holds.
+QString quoted(Token token)
+{
+    constexpr int MOST_CHARACTERS = 40;
+    QString text = textOf(token);
+    if (text.size() > MOST_CHARACTERS)
+    {
+        text = text.left(MOST_CHARACTERS) + QStringLiteral("...");
+    }
+    for (QChar& c : text)
+    {
+        c = c.isPrint() ? c : QChar(QChar::ReplacementCharacter);
+    }
+    return QLatin1Char('"') + text + QLatin1Char('"');
+}
+
 Token withoutSign(Token token)
 {
     return !token.empty() && (token.front() == '+' || token.front() == '-') ? token.substr(1) : token;
@@ -138,7 +154,7 @@ private:
 
     [[noreturn]] void failAt(Token token, char const* cause) const
     {
-        fail(QLatin1Char('"') + textOf(token) + QStringLiteral("\" ") + QLatin1String(cause));
+        fail(quoted(token) + QLatin1Char(' ') + QLatin1String(cause));
     }
 
     void skipByteOrderMark()

@@ -61,8 +61,13 @@ Failure currentFailure()
 
 QString oneLine(QString const& text)
 {
-    static QRegularExpression const lineEnds(QStringLiteral("\\s*[\\r\\n]+\\s*"));
-    return QString(text).replace(lineEnds, QStringLiteral(" ")).trimmed();
+    static QRegularExpression const lineEnds(QStringLiteral("\\s*[\\r\\n\\x{2028}\\x{2029}]+\\s*"));
+    QString line = QString(text).replace(lineEnds, QStringLiteral(" ")).trimmed();
+    for (QChar& c : line)
+    {
+        c = c.category() == QChar::Other_Control ? QChar(QChar::ReplacementCharacter) : c;
+    }
+    return line;
 }
 
 QString quotedList(QStringList const& names)

@@ -48,6 +48,7 @@ Failure usageError(QString const& text);
 Failure currentFailure();
 
 /// The text in one line: runs of line ends and blanks around them become one blank.
+/// Other control characters, which a terminal would obey, are replaced.
 QString oneLine(QString const& text);
 
 /// Names in double quotes with commas between, for a message.

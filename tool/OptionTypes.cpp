@@ -25,18 +25,11 @@ CLI::Option* addText(CLI::App* app, std::string const& name, std::string const& 
         name, [take](std::string const& argument) { take(fromArgument(argument)); }, help);
 }
 
+// Not CLI11's option with a list: that takes the words behind its value as well, and
+// the brackets off a value.
 CLI::Option* addTexts(CLI::App* app, std::string const& name, std::string const& help, QStringList& target)
 {
-    auto const take = [&target](std::vector<std::string> const& arguments)
-    {
-        for (std::string const& argument : arguments)
-        {
-            target += fromArgument(argument);
-        }
-    };
-    return app->add_option_function<std::vector<std::string>>(name, take, help)
-        ->expected(1)
-        ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
+    return addText(app, name, help, [&target](QString const& text) { target += text; })->trigger_on_parse();
 }
 
 int wholeNumber(std::string const& option, QString const& text)

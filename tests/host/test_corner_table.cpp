@@ -132,6 +132,7 @@ TEST(CornerTable, RefusesWhatItWouldHaveToGuess)
         {"1 2 3 4 5px 6 7 8", "\"5px\" isn't a number"},
         {"1 2 3 4 1e999 6 7 8", "\"1e999\" isn't a number"},
         {"1 2 3 4 --5 6 7 8", "\"--5\" isn't a number"},
+        {"1 2 3 4 " + QByteArray(5000, 'x') + "\x1b[2J 6 7 8", "\"xxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxx...\" isn't"},
         {"1,2,3,,5,6,7,8", "t.txt: line 1: an empty cell"},
         {"1,2,3,4,5,6,7,8,", "t.txt: line 1: an empty cell"},
         {"1e7 0 0 1 1 1 1 0", "\"1e7\" is too far away"},

@@ -305,6 +305,13 @@ TEST_F(ExportCommand, ChosenViewIsExported)
     QStringList const command{"export", "shot.json", PIN, "-o", "-"};
     EXPECT_EQ(rowsOf(folder.run(command).out).value(0), "0\t860\t490");
     EXPECT_EQ(rowsOf(folder.run(command + QStringList{"--view", "right"}).out).value(0), "0\t960\t490");
+    // In front of the words that are no options, several times, and with a name that
+    // could be taken for a list.
+    EXPECT_EQ(
+        rowsOf(folder.run({"export", "--view", "right", "--view", "left", "shot.json", PIN, "-o", "-"}).out).value(0),
+        "0\t860\t490");
+    ToolResult const brackets = folder.run(command + QStringList{"--view", "[right]"});
+    EXPECT_TRUE(brackets.err.contains("no view \"[right]\"")) << brackets.err.toStdString();
     project.model.currentView = "right";
     folder.write("shot.json", project);
     EXPECT_EQ(rowsOf(folder.run(command).out).value(0), "0\t960\t490");
