@@ -200,6 +200,7 @@ TEST(Presets, ReferenceFrames)
     { return read<UserTrackingOptions>("tracking", R"({"referenceFrame": )" + number + "}").referenceFrame; };
     EXPECT_EQ(reference("0"), frame(0));
     EXPECT_EQ(reference("12.9"), frame(12));
+    EXPECT_EQ(reference("-0.9"), frame(0));
     EXPECT_EQ(reference("-2147483648"), frame(-2147483647 - 1));
     EXPECT_EQ(reference("2.147483647e9"), frame(2147483647));
 
