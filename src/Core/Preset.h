@@ -1,12 +1,16 @@
 #pragma once
-// Stored export requests.
+// Stored export requests, and the JSON text that keeps them. docs/presets.md has its
+// keys.
 
 #include "Core/ExportApi.h"
 #include "Core/UserOptions.h"
 
+#include <QHash>
 #include <QString>
 
+#include <iosfwd>
 #include <optional>
+#include <string>
 #include <variant>
 #include <vector>
 
@@ -42,5 +46,35 @@ struct MARLO_EXPORT_API Preset
 
     std::vector<ExportInfo> exports;
 };
+
+/// The text of a preset file: the same presets give the same bytes. Presets are
+/// ordered by name, keys by their bytes; text stands as UTF-8, without escapes.
+/// @param pretty indented by two blanks, else on one line
+/// @throws std::bad_variant_access when the options of an export aren't those of its
+///         type
+/// @throws CustomJsonException (Core/PresetJsonException.h) for an enumerator that has
+///         no word, and for custom data that is neither bool nor text
+MARLO_EXPORT_API std::string serialisePresets(QHash<QString, Preset> const& presets, bool pretty);
+
+/// Reads the stream to its end. The later of two presets of one name wins.
+///
+/// Types are strict: true is no number, 1 is no bool. At most 16 MiB of text, nested
+/// no deeper than 32 levels, are taken.
+/// @throws nlohmann::json::exception, or CustomJsonException that derives from it, for
+///         anything that is no JSON or no presets
+/// @throws KORV_BadFile for another version than 1
+/// @throws std::ios_base::failure when the stream can't be read
+MARLO_EXPORT_API QHash<QString, Preset> deserialisePresets(std::istream& stream);
+
+/// @throws KORV_BadFile when the file can't be read or has another version than 1
+/// @throws KORV_ExternalException with the parser's words for all else that
+///         deserialisePresets refuses
+MARLO_EXPORT_API QHash<QString, Preset> loadPresetsFromFile(QString const& path);
+
+/// Writes the indented text, whole or not at all: whatever goes wrong, a file that was
+/// there stays as it was. What couldn't be read back isn't written.
+/// @throws KORV_ExternalException when the presets have no text, or the file can't be
+///         written
+MARLO_EXPORT_API void writePresetsToFile(QHash<QString, Preset> const& presets, QString const& path);
 
 }
