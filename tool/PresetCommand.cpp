@@ -105,8 +105,9 @@ QString targetText(Json const& stored)
 /// The presets as the file holds them, sorted.
 Json listOf(Presets const& presets)
 {
+    Json const file = Json::parse(Export::serialisePresets(presets, false));
     Json list = Json::array();
-    for (Json const& preset : Json::parse(Export::serialisePresets(presets, false)).at("presets"))
+    for (Json const& preset : file.at("presets"))
     {
         Json exports = Json::array();
         for (Json const& stored : preset.at("exports"))
