@@ -2,6 +2,8 @@
 
 #include "ToolRun.h"
 
+#include <QSet>
+
 #include <gtest/gtest.h>
 
 namespace
@@ -28,11 +30,9 @@ ProjectBuilder twoLayers()
     ProjectBuilder project = movingProject(QStringLiteral("Wall"));
     project.layer().selected = false;
     project.model.views = QStringList{"left", "right"};
-    project.track([](int frame) { return ProjectBuilder::translation(3 * frame, frame); }, QStringLiteral("left"));
     project.track([](int frame) { return ProjectBuilder::translation(7 * frame, frame); }, QStringLiteral("right"));
     project.addLayer(QStringLiteral("Floor"));
-    project.layer().tracks.clear();
-    project.track([](int frame) { return ProjectBuilder::translation(-frame, 2 * frame); }, QStringLiteral("left"));
+    project.track([](int frame) { return ProjectBuilder::translation(-frame, 2 * frame); });
     project.layer().selected = true;
     project.addLayer(QStringLiteral("Blank"));
     project.layer().tracks.clear();
