@@ -156,6 +156,48 @@ TEST_F(Batch, BytesAreThoseOfExport)
     EXPECT_GE(different.size(), 8) << "the cases hardly differ";
 }
 
+TEST_F(Batch, APresetOfAllFormatsDoesWhatAllDoes)
+{
+    folder.environment.insert("SOURCE_DATE_EPOCH", "1700000000");
+    Json expected = folder.run({"all", "shot.json", "-o", "show", "--dry-run", "--json"}).json();
+    Json presentable = Json::array();
+    int index = 0;
+    for (Json const& format : folder.run({"formats", "--json"}).json())
+    {
+        QString const key = QString::fromStdString(format.at("key").get<std::string>());
+        ToolResult const added = folder.run({"preset", "add", "show/p.json", "every", key, "-o", key + "/"});
+        bool const isLens = format.at("kind") == "lens";
+        EXPECT_EQ(added.status, isLens ? 2 : 0) << added.err.toStdString();
+        EXPECT_EQ(added.err.contains("can't be presets"), isLens);
+        if (!isLens)
+        {
+            presentable.push_back(expected.at(static_cast<std::size_t>(index)));
+        }
+        ++index;
+    }
+    EXPECT_GT(presentable.size(), 5u);
+    EXPECT_EQ(run({"--dry-run", "--json"}).json(), presentable);
+}
+
+TEST_F(Batch, FailedFramesAreToldOrWithStrictStopTheirExportAlone)
+{
+    ProjectBuilder project = twoLayers();
+    auto& wall = project.model.layers[0].tracks[0];
+    wall.frames.resize(1);
+    wall.homographies.resize(9);
+    folder.write("shot.json", project);
+    Json const onWall{{"layerExportMode", "specified"}, {"layer", "Wall"}};
+    writePresets({{"a", {tracking(PIN, "wall", onWall), tracking(PIN, "floor")}}});
+    ToolResult const strict = run({"--strict"});
+    EXPECT_EQ(strict.status, 1);
+    EXPECT_TRUE(strict.err.contains("1 written, 0 skipped, 1 failed")) << strict.err.toStdString();
+    EXPECT_EQ(written(), QStringList("show/floor.txt"));
+    ToolResult const lax = run({"--overwrite"});
+    EXPECT_EQ(lax.status, 4);
+    EXPECT_TRUE(lax.err.contains("2 written, 0 skipped, 0 failed")) << lax.err.toStdString();
+    EXPECT_EQ(lax.out, "show/wall.txt\nshow/floor.txt\n");
+}
+
 TEST_F(Batch, PresetsRunByNameOrAsGiven)
 {
     writePresets({{"b", {tracking(PIN, "b")}}, {"a", {tracking(TRANSFORM, "a2"), tracking(PIN, "a1")}}, {"c", {}}});
