@@ -32,6 +32,36 @@ QString summaryOf(std::vector<ExportRecord> const& records, bool isDryRun)
         .arg(failed);
 }
 
+/// A line for an export: format, what came of it, how many files and bytes.
+QString rowOf(ExportRecord const& record, int width, bool isDryRun)
+{
+    qint64 bytes = 0;
+    for (ExportRecord::File const& file : record.files)
+    {
+        bytes += file.bytes;
+    }
+    static char const* const words[] = {"written", "skipped", "failed"};
+    QString const word =
+        isRehearsed(record) && isDryRun ? QStringLiteral("would be") : QLatin1String(words[record.status]);
+    QString const row = record.format.leftJustified(width) + QStringLiteral("  ") + word.leftJustified(8);
+    return record.files.empty() ? row.trimmed()
+                                : row + QStringLiteral("%1 files%2 bytes").arg(record.files.size(), 5).arg(bytes, 12);
+}
+
+void summarize(std::vector<ExportRecord> const& records, bool isDryRun, Console& console)
+{
+    int width = 0;
+    for (ExportRecord const& record : records)
+    {
+        width = qMax(width, record.format.size());
+    }
+    for (std::size_t i = 0; records.size() > 1 && i < records.size(); ++i)
+    {
+        console.note(rowOf(records[i], width, isDryRun));
+    }
+    console.note(summaryOf(records, isDryRun));
+}
+
 ExitStatus worstOf(std::vector<ExportRecord> const& records)
 {
     ExitStatus worst = Success;
@@ -70,7 +100,7 @@ ExitStatus concludeMany(std::vector<ExportRecord> const& records, Options const&
     }
     else
     {
-        console.note(summaryOf(records, options.writing.dryRun));
+        summarize(records, options.writing.dryRun, console);
     }
     return worstOf(records);
 }

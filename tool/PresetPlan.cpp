@@ -113,12 +113,12 @@ ExportPlan PresetPlanner::makePlan(FormatEntry const& format, ExportInfo info, Q
         tracking->referenceFrame = referenceFrameOf(*tracking, views.front());
     }
 
-    ExportPlan plan;
+    // A layer that was renamed or mistyped is no reason to pass over what was asked for.
     if (layers.selection.mode == ZN::SpecifiedLayer && !layers.current)
     {
-        plan.obstacle = QStringLiteral("there is no layer \"") + layers.selection.layerName + QLatin1Char('"');
-        return plan;
+        throw Failure(Refused, QStringLiteral("there is no layer \"") + layers.selection.layerName + QLatin1Char('"'));
     }
+    ExportPlan plan;
     auto const exporter = Export::createExporter(info, project);
     plan.obstacle = obstacleOf(m_session, format, *exporter, layers, views);
     if (plan.obstacle.isEmpty())

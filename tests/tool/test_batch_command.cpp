@@ -225,7 +225,7 @@ TEST_F(Batch, SkipsAndFailuresDontStopTheRest)
         char const* state;
         char const* reason;
     } const cases[] = {
-        {tracking(PIN, "x", nowhere), 0, "skipped", "there is no layer \"Ceiling\""},
+        {tracking(PIN, "x", nowhere), 1, "failed", "there is no layer \"Ceiling\""},
         {tracking(PIN, "x", blank), 0, "skipped", "Layer \"Blank\" has no tracking data"},
         {tracking("nope", "x"), 1, "failed", "Invalid export format name"},
         {tracking(PIN, "x", {{"viewsToExport", {2}}}), 1, "failed", "the project has no view 2; its views are 0 to 1"},
