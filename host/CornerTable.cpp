@@ -377,7 +377,8 @@ CornerTable readCornerTableFile(QString const& path)
         throw refuse(QStringLiteral("can't be opened (%1)").arg(file.errorString()));
     }
     QByteArray const bytes = file.read(MAX_FILE_BYTES + 1);
-    if (file.error() != QFileDevice::NoError)
+    // An error behind the first bytes shows as missing ones only.
+    if (file.error() != QFileDevice::NoError || bytes.size() < qMin(file.size(), MAX_FILE_BYTES))
     {
         throw refuse(QStringLiteral("can't be read (%1)").arg(file.errorString()));
     }

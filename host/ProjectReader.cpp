@@ -618,7 +618,8 @@ ProjectModel readProjectFile(QString const& path)
         throw refuse(QStringLiteral("larger than %1 bytes").arg(MAX_FILE_BYTES));
     }
     QByteArray const bytes = file.readAll();
-    if (file.error() != QFileDevice::NoError)
+    // An error behind the first bytes shows as missing ones only.
+    if (file.error() != QFileDevice::NoError || bytes.size() < file.size())
     {
         throw refuse(QStringLiteral("can't be read (%1)").arg(file.errorString()));
     }

@@ -4,6 +4,7 @@
 #include "Console.h"
 #include "ExportRun.h"
 #include "FormatOptions.h"
+#include "ListReport.h"
 #include "Selection.h"
 #include "Session.h"
 
@@ -40,30 +41,6 @@ void checkFormatOptions(std::vector<FormatEntry> const& formats, QStringList con
     }
 }
 
-void reportLine(ExportRecord const& record, Options const& options, Console& console)
-{
-    report(record, !options.json, console);
-    bool const isSkipped = record.status == ExportRecord::Skipped && record.files.empty();
-    if (isSkipped && !options.json && !options.quiet)
-    {
-        console.note(QStringLiteral("skipped ") + record.format + QStringLiteral(": ") + record.reason);
-    }
-}
-
-ExitStatus worstOf(std::vector<ExportRecord> const& records)
-{
-    ExitStatus worst = Success;
-    for (ExportRecord const& record : records)
-    {
-        if (record.status == ExportRecord::Failed)
-        {
-            return Refused;
-        }
-        worst = record.exitStatus == SomeFramesFailed ? SomeFramesFailed : worst;
-    }
-    return worst;
-}
-
 std::vector<ExportRecord> exportAll(Options const& options, Console& console)
 {
     if (options.writing.output == QStringLiteral("-"))
@@ -91,7 +68,7 @@ std::vector<ExportRecord> exportAll(Options const& options, Console& console)
         console.progress(static_cast<int>(records.size()), total, format.key());
         WritingChoices const writing = writingTo(format.key(), options.writing);
         records.push_back(runExport(session, format, choicesFor(format, options.choices), writing, console));
-        reportLine(records.back(), options, console);
+        reportOneOfMany(records.back(), QString(), options, console);
     }
     console.clearProgress();
     return records;
@@ -101,10 +78,5 @@ std::vector<ExportRecord> exportAll(Options const& options, Console& console)
 
 ExitStatus runAll(Options const& options, Console& console)
 {
-    std::vector<ExportRecord> const records = exportAll(options, console);
-    if (options.json)
-    {
-        console.result(jsonBytes(toJson(records)));
-    }
-    return worstOf(records);
+    return concludeMany(exportAll(options, console), options, console);
 }

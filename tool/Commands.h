@@ -11,4 +11,8 @@ ExitStatus runFormats(Options const& options, Console& console);
 ExitStatus runInfo(Options const& options, Console& console);
 ExitStatus runExportCommand(Options const& options, Console& console);
 ExitStatus runAll(Options const& options, Console& console);
+ExitStatus runBatch(Options const& options, Console& console);
+ExitStatus runPresetList(Options const& options, Console& console);
+ExitStatus runPresetAdd(Options const& options, Console& console);
+ExitStatus runPresetRemove(Options const& options, Console& console);
 ExitStatus runImportCorners(Options const& options, Console& console);

@@ -3,14 +3,12 @@
 #include "Core/LensExporter.h"
 #include "Failure.h"
 #include "FormatOptions.h"
-#include "Host/Fnd.h"
 #include "Host/KORV_Layer.h"
 #include "Host/KORV_ProjectManager.h"
-#include "Host/ShapeExporter.h"
+#include "PlacedExporter.h"
 #include "Selection.h"
 #include "Session.h"
 #include "TargetPath.h"
-#include "marlohost/ProjectFile.h"
 
 #include <QMap>
 #include <QSet>
@@ -19,70 +17,6 @@
 
 namespace
 {
-
-/// Makes a layer, unless it is null, and a view the current ones.
-void takePlace(KORV_ProjectManager& project, KORV_Layer const* layer, Anm::View const& view)
-{
-    if (layer)
-    {
-        MarloHost::setCurrentLayer(project, layer->numericID());
-    }
-    MarloHost::setCurrentView(project, view);
-}
-
-/// Makes a layer and a view the current ones, then leaves the work to another exporter.
-class ExporterInPlace : public Export::ExporterWrapper
-{
-public:
-    /// @param taken paths that other exporters of the plan gave files for
-    ExporterInPlace(std::shared_ptr<Export::ExporterWrapper> inner, KORV_Layer const* layer, Anm::View const& view,
-                    std::shared_ptr<QSet<QString>> taken)
-        : m_inner(std::move(inner)), m_layer(layer), m_view(view), m_taken(std::move(taken))
-    {
-    }
-
-    std::pair<bool, std::optional<char const*>> isExportPossible(KORV_ProjectManager& project) const override
-    {
-        takePlace(project, m_layer, m_view);
-        return m_inner->isExportPossible(project);
-    }
-
-    Korvane::ExportedFiles getExportResult(KORV_ProjectManager& project, QString const& path) const override
-    {
-        takePlace(project, m_layer, m_view);
-        Korvane::ExportedFiles result = m_inner->getExportResult(project, path);
-        for (QString const& file : result.files.keys())
-        {
-            if (m_taken->contains(file))
-            {
-                throw Failure(Refused, QStringLiteral("two layers would be written to ") + file);
-            }
-            m_taken->insert(file);
-        }
-        return result;
-    }
-
-    void setClipboardText(Fnd::IClipboard& clipboard, QString const& text) const override
-    {
-        m_inner->setClipboardText(clipboard, text);
-    }
-
-    QString const& formatDisplayName() const override
-    {
-        return m_inner->formatDisplayName();
-    }
-
-    QString filenameSuggestion(KORV_ProjectManager const& project) const override
-    {
-        return m_inner->filenameSuggestion(project);
-    }
-
-private:
-    std::shared_ptr<Export::ExporterWrapper> m_inner;
-    KORV_Layer const* m_layer;
-    Anm::View m_view;
-    std::shared_ptr<QSet<QString>> m_taken;
-};
 
 Export::Preset::ExportInfo layerExport(Session& session, FormatEntry const& format, ExportChoices const& choices,
                                        LayerChoice const& layers, ViewChoice const& views)
@@ -165,36 +99,6 @@ void checkPaths(std::vector<Export::BatchItem> const& items)
     }
 }
 
-/// Why a choice has nothing for the format; empty when it has. What the library
-/// itself looks at comes first and in its words.
-QString obstacleOf(Session& session, FormatEntry const& format, Export::ExporterWrapper const& exporter,
-                   LayerChoice const& layers, ViewChoice const& views)
-{
-    KORV_ProjectManager& project = session.project();
-    auto const [isPossible, reason] = exporter.isExportPossible(project);
-    if (!isPossible)
-    {
-        return QString::fromUtf8(reason.value_or("Nothing to export"));
-    }
-    if (format.kind() == Kind::Tracking && layers.current && !session.isTracked(*layers.current, views.views))
-    {
-        return QStringLiteral("Layer \"") + layers.current->name() + QStringLiteral("\" has no tracking data");
-    }
-    QList<unsigned int> const ids{project.toolManager()->currentLayerID()};
-    if (format.kind() == Kind::Shape &&
-        Korvane::ShapeExportHelper::getContoursToExport(project, layers.selection.mode, ids).isEmpty())
-    {
-        return QStringLiteral("No contours to export");
-    }
-    return QString();
-}
-
-void log(FormatEntry const& format, KORV_Layer const* layer, QString const& path)
-{
-    QString const what = layer ? QStringLiteral(", layer \"") + layer->name() + QLatin1Char('"') : QString();
-    Fnd::Logger::logger().log(Core::LoggerBase::Info, format.key() + what + QStringLiteral(" to ") + path);
-}
-
 }
 
 ExportPlan planExports(Session& session, FormatEntry const& format, ExportChoices const& choices,
@@ -205,14 +109,14 @@ ExportPlan planExports(Session& session, FormatEntry const& format, ExportChoice
     std::vector<LayerChoice> const layerChoices =
         format.isOfLayers() ? chooseLayers(session, choices, warnings) : std::vector<LayerChoice>(1);
     std::optional<QString> const place = output == QStringLiteral("-") ? std::nullopt : output;
-    auto const taken = std::make_shared<QSet<QString>>();
+    auto const taken = std::make_shared<TakenPaths>(QStringLiteral("layers"));
     ExportPlan plan;
     for (LayerChoice const& layers : layerChoices)
     {
         // Reference frame and suggested name are those of the current layer.
         takePlace(project, layers.current, views.view);
         auto const exporter = makeExporter(session, format, choices, layers, views);
-        QString const obstacle = obstacleOf(session, format, *exporter, layers, views);
+        QString const obstacle = obstacleOf(session, format, *exporter, layers, views.views);
         if (!obstacle.isEmpty())
         {
             warnings += choices.eachLayer ? QStringList(obstacle) : QStringList();
@@ -221,8 +125,8 @@ ExportPlan planExports(Session& session, FormatEntry const& format, ExportChoice
         }
         QString const path =
             pathOf(place, choices, exporter->filenameSuggestion(project), layers, format.format().extension());
-        log(format, layers.current, path);
-        plan.items.push_back({std::make_shared<ExporterInPlace>(exporter, layers.current, views.view, taken),
+        logExport(format, layers.current, path);
+        plan.items.push_back({std::make_shared<PlacedExporter>(exporter, layers.current, views.view, taken),
                               Export::ExportFileInfo(), path});
     }
     checkPaths(plan.items);

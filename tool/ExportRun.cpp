@@ -106,18 +106,11 @@ void run(Session& session, FormatEntry const& format, ExportPlan const& plan, Wr
 
 }
 
-ExportRecord runExport(Session& session, FormatEntry const& format, ExportChoices const& choices,
-                       WritingChoices const& writing, Console& console)
+void runPlan(Session& session, FormatEntry const& format, ExportPlan const& plan, WritingChoices const& writing,
+             ExportRecord& record, Console& console)
 {
-    ExportRecord record;
-    record.format = format.key();
     try
     {
-        if (writing.output == QStringLiteral("-"))
-        {
-            checkStdout(format, choices);
-        }
-        ExportPlan const plan = planExports(session, format, choices, writing.output, record.warnings);
         if (plan.obstacle.isEmpty())
         {
             run(session, format, plan, writing, record, console);
@@ -133,6 +126,27 @@ ExportRecord runExport(Session& session, FormatEntry const& format, ExportChoice
         record.fail(currentFailure());
     }
     record.warnings += session.takeWarnings();
+}
+
+ExportRecord runExport(Session& session, FormatEntry const& format, ExportChoices const& choices,
+                       WritingChoices const& writing, Console& console)
+{
+    ExportRecord record;
+    record.format = format.key();
+    try
+    {
+        if (writing.output == QStringLiteral("-"))
+        {
+            checkStdout(format, choices);
+        }
+        ExportPlan const plan = planExports(session, format, choices, writing.output, record.warnings);
+        runPlan(session, format, plan, writing, record, console);
+    }
+    catch (...)
+    {
+        record.fail(currentFailure());
+        record.warnings += session.takeWarnings();
+    }
     return record;
 }
 

@@ -1,6 +1,7 @@
 #include "Options.h"
 
 #include "Failure.h"
+#include "ImportOptions.h"
 #include "OptionTypes.h"
 
 namespace
@@ -20,6 +21,8 @@ public:
         addInfo();
         addExport();
         addAll();
+        addBatch();
+        addPreset();
         addImport();
     }
 
@@ -29,7 +32,7 @@ public:
         try
         {
             m_app.parse(argc, argv);
-            noteGiven();
+            noteGiven(m_app);
             return QString();
         }
         catch (CLI::CallForHelp const&)
@@ -71,10 +74,11 @@ private:
                          QStringLiteral("\"; there are ") + commands.join(QStringLiteral(", ")));
     }
 
-    void noteGiven()
+    void noteGiven(CLI::App const& parent)
     {
-        for (CLI::App const* app : m_app.get_subcommands())
+        for (CLI::App const* app : parent.get_subcommands())
         {
+            noteGiven(*app);
             for (CLI::Option const* option : app->get_options())
             {
                 if (option->count() > 0 && !option->get_lnames().empty())
@@ -135,9 +139,7 @@ private:
     {
         CLI::App* const app = addCommand(&m_app, "export", "Export to one format", Options::Export);
         addProject(app);
-        addText(app, "FORMAT", "Key of the format; `formats` lists them",
-                [this](QString const& key) { m_options.format = key; })
-            ->required();
+        addFormat(app);
         addText(app, "-o,--output", "File or folder to write, or - for stdout; default: a name from the project",
                 [this](QString const& path) { m_options.writing.output = notEmpty("-o", path); })
             ->type_name("PATH");
@@ -157,17 +159,96 @@ private:
         addExportOptions(app);
     }
 
+    void addBatch()
+    {
+        CLI::App* const app = addCommand(&m_app, "batch", "Run the exports of a presets file", Options::Batch);
+        addProject(app);
+        addPresetsFile(app);
+        addTexts(app, "--preset", "Only the preset of this name; may stand several times; default: all by name",
+                 m_options.presets.names)
+            ->type_name("NAME");
+        addText(app, "-o,--output", "Folder for the files; default: where each export says",
+                [this](QString const& path) { m_options.writing.output = notEmpty("-o", path); })
+            ->type_name("DIR");
+        addRunOptions(app);
+    }
+
+    void addPreset()
+    {
+        CLI::App* const preset = m_app.add_subcommand("preset", "List and change the exports of a presets file");
+        preset->require_subcommand(1);
+        addLanguage(preset);
+        CLI::App* const list = addCommand(preset, "list", "List the presets of a file", Options::PresetList);
+        addPresetsFile(list);
+        addJson(list);
+        addPresetAdd(preset);
+        CLI::App* const remove =
+            addCommand(preset, "remove", "Remove a preset with all of its exports", Options::PresetRemove);
+        addPresetsFile(remove);
+        addPresetName(remove);
+    }
+
+    void addPresetAdd(CLI::App* preset)
+    {
+        CLI::App* const app =
+            addCommand(preset, "add", "Add an export to a preset; file and preset are made", Options::PresetAdd);
+        addPresetsFile(app);
+        addPresetName(app);
+        addFormat(app);
+        addText(app, "-o,--output",
+                "File to write, relative to the folder of the presets file; default: a name from the project",
+                [this](QString const& path) { m_options.writing.output = notEmpty("-o", path); })
+            ->type_name("PATH");
+        addLayerOptions(app);
+        addTexts(app, "--view", "Number of a view, from 0; may stand several times; default: the current one",
+                 m_options.choices.views)
+            ->type_name("ID");
+        addTrackingOptions(app, "Host frame, from 0 and not as shown, from which relative data start");
+        addObjects(app);
+        addFormatOption(app);
+    }
+
+    void addPresetsFile(CLI::App* app)
+    {
+        addText(app, "PRESETS", "Presets file", [this](QString const& path) { m_options.presets.file = path; })
+            ->required();
+    }
+
+    void addPresetName(CLI::App* app)
+    {
+        addText(app, "NAME", "Name of the preset",
+                [this](QString const& name) { m_options.presets.name = notEmpty("NAME", name); })
+            ->required();
+    }
+
+    void addFormat(CLI::App* app)
+    {
+        addText(app, "FORMAT", "Key of the format; `formats` lists them",
+                [this](QString const& key) { m_options.format = key; })
+            ->required();
+    }
+
     void addExportOptions(CLI::App* app)
     {
-        addLayerOptions(app);
-        addDataOptions(app);
+        CLI::Option* const layer = addLayerOptions(app);
+        addEachLayer(app, layer);
+        addTrackingOptions(app, "Frame, as shown, from which relative data start");
+        addObjects(app);
+        addClip(app);
+        addFormatOption(app);
+        addRunOptions(app);
+    }
+
+    /// How a run writes and what it tells.
+    void addRunOptions(CLI::App* app)
+    {
         addWritingOptions(app);
         addJson(app);
         CLI::Option* const quiet = app->add_flag("--quiet", m_options.quiet, "Print nothing but warnings and errors");
         app->add_flag("--verbose", m_options.verbose, "Print what is being done")->excludes(quiet);
     }
 
-    void addLayerOptions(CLI::App* app)
+    CLI::Option* addLayerOptions(CLI::App* app)
     {
         ExportChoices& choices = m_options.choices;
         CLI::Option* const layer = addText(app, "--layer", "The layer of this name; default: the current one",
@@ -176,6 +257,12 @@ private:
         Words<ZN::LayerExportMode> const modes{
             {"selected", ZN::SelectedLayer}, {"visible", ZN::VisibleLayers}, {"all", ZN::AllLayers}};
         addChoice(app, "--layers", "Several layers", modes, choices.layers)->excludes(layer);
+        return layer;
+    }
+
+    void addEachLayer(CLI::App* app, CLI::Option* layer)
+    {
+        ExportChoices& choices = m_options.choices;
         app->add_flag("--each-layer", choices.eachLayer,
                       "A file for each layer that --layers reaches (default all); {layer} in -o is its name")
             ->excludes(layer);
@@ -183,7 +270,7 @@ private:
             ->type_name("NAME");
     }
 
-    void addDataOptions(CLI::App* app)
+    void addTrackingOptions(CLI::App* app, std::string const& referenceFrameHelp)
     {
         ExportChoices& choices = m_options.choices;
         Words<ZN_TRACKING_OPTION> const motions{{"basic", ZN_TRACKING_OPTION_BASIC},
@@ -193,18 +280,31 @@ private:
         addChoice(app, "--track", "Motion to export; default: adjusted", motions, choices.track);
         app->add_flag("--invert", choices.invert, "Export the inverse motion");
         app->add_flag("--undistort", choices.undistort, "Take the lens distortion out");
-        addText(app, "--reference-frame", "Frame, as shown, from which relative data start",
+        addText(app, "--reference-frame", referenceFrameHelp,
                 [&choices](QString const& text) { choices.referenceFrame = wholeNumber("--reference-frame", text); })
             ->type_name("N");
+    }
+
+    void addObjects(CLI::App* app)
+    {
         Words<KV::CameraSolveExporter::ObjectsToExport> const objects{
             {"selected", KV::CameraSolveExporter::SelectedObjects},
             {"visible", KV::CameraSolveExporter::VisibleObjects},
             {"all", KV::CameraSolveExporter::AllObjects}};
-        addChoice(app, "--objects", "Solve objects of camera formats; default: all", objects, choices.objects);
+        addChoice(app, "--objects", "Solve objects of camera formats; default: all", objects,
+                  m_options.choices.objects);
+    }
+
+    void addClip(CLI::App* app)
+    {
         addText(app, "--clip", "Clip of lens formats; default: the displayed one",
-                [&choices](QString const& name) { choices.clip = name; })
+                [this](QString const& name) { m_options.choices.clip = name; })
             ->type_name("NAME");
-        addTexts(app, "--option", "An option of the format; may stand several times", choices.formatOptions)
+    }
+
+    void addFormatOption(CLI::App* app)
+    {
+        addTexts(app, "--option", "An option of the format; may stand several times", m_options.choices.formatOptions)
             ->type_name("KEY=VALUE");
     }
 
@@ -223,32 +323,7 @@ private:
         addLanguage(import);
         CLI::App* const app =
             addCommand(import, "corners", "Make a project of a table of corners", Options::ImportCorners);
-        CornerImportChoices& corners = m_options.corners;
-        addText(app, "TABLE", "Text file: a frame number or a file name and eight numbers in each line",
-                [&corners](QString const& path) { corners.table = path; })
-            ->required();
-        addText(app, "-o,--output", "Project file to write",
-                [&corners](QString const& path) { corners.project = notEmpty("-o", path); })
-            ->type_name("PROJECT")
-            ->required();
-        auto const takeSize = [&corners](QString const& text)
-        {
-            QSize const size = rasterSize(text);
-            corners.import.width = size.width();
-            corners.import.height = size.height();
-        };
-        addText(app, "--size", "Size of the footage in pixels", takeSize)->type_name("WxH")->required();
-        addText(app, "--fps", "Frames per second; default: 24",
-                [&corners](QString const& text) { corners.import.frameRate = frameRate(text); })
-            ->type_name("R");
-        addText(app, "--name", "Name of the layer; default: Layer 1",
-                [&corners](QString const& name) { corners.import.layerName = notEmpty("--name", name); })
-            ->type_name("LAYER");
-        app->add_flag("--y-up", corners.import.yUp, "The table's y runs up from the bottom edge");
-        addText(app, "--order", "Corners of a row: upper and lower, left and right; default: ul,ur,lr,ll",
-                [&corners](QString const& text) { corners.import.order = cornerOrder(text); })
-            ->type_name("ul,ur,lr,ll");
-        app->add_flag("--overwrite", corners.overwrite, "Replace an existing project file");
+        addCornerOptions(app, m_options.corners);
         addJson(app);
         app->add_flag("--quiet", m_options.quiet, "Print nothing but warnings and errors");
     }

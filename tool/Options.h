@@ -59,6 +59,20 @@ struct CornerImportChoices
     bool overwrite = false;
 };
 
+/// What `batch` and `preset` say about the presets file. What a stored export holds is
+/// in ExportChoices, with two differences: the reference frame is a host frame, and
+/// views are ids.
+struct PresetChoices
+{
+    QString file;
+
+    /// Of the preset to change.
+    QString name;
+
+    /// Of the presets to run; empty means all.
+    QStringList names;
+};
+
 struct Options
 {
     enum Command
@@ -67,6 +81,10 @@ struct Options
         Info,
         Export,
         All,
+        Batch,
+        PresetList,
+        PresetAdd,
+        PresetRemove,
         ImportCorners
     };
 
@@ -82,6 +100,7 @@ struct Options
     QString format;
     ExportChoices choices;
     WritingChoices writing;
+    PresetChoices presets;
     CornerImportChoices corners;
 };
 

@@ -90,6 +90,21 @@ std::vector<LayerChoice> chooseLayers(Session& session, ExportChoices const& cho
     return each;
 }
 
+LayerChoice storedLayers(Session& session, Export::LayerSelection const& selection, QStringList& warnings)
+{
+    std::vector<KORV_Layer const*> const all = session.layers();
+    if (std::optional<QString> const name = selection.specifiedLayer())
+    {
+        return namesOf(all).contains(*name) ? layerByName(session, *name, warnings) : LayerChoice{nullptr, selection};
+    }
+    LayerChoice choice = layersByMode(session, selection.mode);
+    if (!choice.current && all.size() == 1)
+    {
+        choice.current = all.front();
+    }
+    return choice;
+}
+
 ViewChoice chooseViews(Session& session, FormatEntry const& format, QStringList const& names, QStringList& warnings)
 {
     Anm::View const current = session.project().currentView();

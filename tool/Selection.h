@@ -27,6 +27,10 @@ struct LayerChoice
 ///         several layers is meant
 std::vector<LayerChoice> chooseLayers(Session& session, ExportChoices const& choices, QStringList& warnings);
 
+/// The layers that a stored selection reaches; no current layer when it names one that
+/// the project lacks.
+LayerChoice storedLayers(Session& session, Export::LayerSelection const& selection, QStringList& warnings);
+
 struct ViewChoice
 {
     /// The views to write; never empty.

@@ -174,6 +174,11 @@ int Session::hostFrame(int shownFrame) const
     return static_cast<int>(frame);
 }
 
+int Session::lastFrame() const
+{
+    return m_frameCount - 1;
+}
+
 unsigned int Session::clipId(std::optional<QString> const& name) const
 {
     if (!name)

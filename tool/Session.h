@@ -67,6 +67,9 @@ public:
     /// @throws Failure as wrong usage that says the range of the project
     int hostFrame(int shownFrame) const;
 
+    /// The last host frame of the project; the first is 0.
+    int lastFrame() const;
+
     /// The id of the clip of that name, or of the displayed one.
     /// @throws Failure as wrong usage that lists the clips
     unsigned int clipId(std::optional<QString> const& name) const;

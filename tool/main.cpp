@@ -43,6 +43,14 @@ ExitStatus runCommand(Options const& options, Console& console)
         return runExportCommand(options, console);
     case Options::All:
         return runAll(options, console);
+    case Options::Batch:
+        return runBatch(options, console);
+    case Options::PresetList:
+        return runPresetList(options, console);
+    case Options::PresetAdd:
+        return runPresetAdd(options, console);
+    case Options::PresetRemove:
+        return runPresetRemove(options, console);
     case Options::ImportCorners:
         return runImportCorners(options, console);
     }
@@ -60,6 +68,7 @@ nlohmann::ordered_json toJson(Failure const& failure, Options const& options)
     case Options::Export:
         return record.toJson();
     case Options::All:
+    case Options::Batch:
         return ::toJson(std::vector<ExportRecord>{record});
     default:
         return {{"status", "failed"}, {"reason", jsonText(failure.text())}};
