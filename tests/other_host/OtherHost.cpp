@@ -550,6 +550,26 @@ boost::shared_ptr<KORV_ProjectManager> slidingProject()
                                       KORV_ParameterManager(std::move(parameters))}));
 }
 
+// What this host never makes itself, but other code may hand to the library
+
+TXIHost::~TXIHost() = default;
+Korvane::PluginHost::~PluginHost() = default;
+Korvane::Contour::~Contour() = default;
+ApplicationContext::~ApplicationContext() = default;
+Fnd::UsageLogger::~UsageLogger() = default;
+Korvane::ShapeExporter::~ShapeExporter() = default;
+void Korvane::ShapeExporter::copyToClipboard(Fnd::IClipboard&, QString const&, bool) const
+{
+}
+KV::CameraSolveExporter::CameraSolveExporter() = default;
+KV::CameraSolveExporter::~CameraSolveExporter() = default;
+void KV::CameraSolveExporter::setUserOptions(ExportOptionsReceiver&) const
+{
+}
+void KV::CameraSolveExporter::copyToClipboard(Fnd::IClipboard&, QString const&) const
+{
+}
+
 // Exporters and their helper
 
 namespace Korvane
