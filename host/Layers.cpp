@@ -1,14 +1,13 @@
 #include "Project.h"
+#include "marlohost/FrameNumbers.h"
 
 namespace
 {
 
-// "Shown" numbers are what a user reads in the host: the clip's offset added,
-// fields halved to frames.
 unsigned int shownNumber(int frame, ZN_BaseClipInfo const& clip)
 {
-    int const number = frame + clip.baseClipOffset();
-    return static_cast<unsigned int>(clip.bIsInterlaced() ? number / 2 : number);
+    MarloHost::FrameNumbers const numbers(clip.baseClipOffset(), clip.bIsInterlaced());
+    return static_cast<unsigned int>(numbers.shown(frame));
 }
 
 bool hiddenByGroup(Korvane::LayerGroup const* group)

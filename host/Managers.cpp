@@ -1,4 +1,5 @@
 #include "Project.h"
+#include "marlohost/FrameNumbers.h"
 
 KORV_ProjectManager::KORV_ProjectManager(std::unique_ptr<Data> data) : m_data(std::move(data))
 {
@@ -138,8 +139,8 @@ unsigned int KORV_ProjectManager::playbackOutPoint(bool shown) const
 
 unsigned int KORV_ProjectManager::shownFrame(unsigned int frame) const
 {
-    int const number = static_cast<int>(frame) + m_data->offset;
-    return static_cast<unsigned int>(m_data->interlaced ? number / 2 : number);
+    MarloHost::FrameNumbers const numbers(m_data->offset, m_data->interlaced);
+    return static_cast<unsigned int>(numbers.shown(static_cast<int>(frame)));
 }
 
 double KORV_ProjectManager::frameRate() const

@@ -4,6 +4,7 @@
 #include "Console.h"
 #include "Record.h"
 #include "Session.h"
+#include "marlohost/FrameNumbers.h"
 
 #include <QMap>
 
@@ -139,7 +140,7 @@ private:
 
     Json clipToJson(ClipModel const& clip) const
     {
-        FrameNumbers const numbers(clip.frameOffset, clip.interlaced);
+        MarloHost::FrameNumbers const numbers(clip.frameOffset, clip.interlaced);
         return {{"name", jsonText(clip.name)},    {"width", clip.width},
                 {"height", clip.height},          {"pixelAspect", clip.pixelAspect},
                 {"interlaced", clip.interlaced},  {"frameCount", clip.frameCount},
@@ -169,7 +170,7 @@ private:
 
     QString clipLine(ClipModel const& clip) const
     {
-        FrameNumbers const numbers(clip.frameOffset, clip.interlaced);
+        MarloHost::FrameNumbers const numbers(clip.frameOffset, clip.interlaced);
         QString line = QStringLiteral("clip   %1x%2, pixel aspect %3, %4 fps, %5 %6, shown as %7 to %8: ")
                            .arg(clip.width)
                            .arg(clip.height)
@@ -205,7 +206,7 @@ private:
     }
 
     ProjectModel const& m_model;
-    FrameNumbers m_numbers;
+    MarloHost::FrameNumbers m_numbers;
 };
 
 }

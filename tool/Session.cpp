@@ -7,25 +7,11 @@
 #include "Host/KORV_ProjectManager.h"
 #include "Host/MessageBox.h"
 #include "Host/ZN_ClipInfo.h"
+#include "marlohost/FrameNumbers.h"
 #include "marlohost/ProjectFile.h"
 
 #include <algorithm>
 #include <cmath>
-
-FrameNumbers::FrameNumbers(int offset, bool isInterlaced) : m_offset(offset), m_isInterlaced(isInterlaced)
-{
-}
-
-int FrameNumbers::shown(int hostFrame) const
-{
-    int const number = hostFrame + m_offset;
-    return m_isInterlaced ? static_cast<int>(std::floor(number * 0.5)) : number;
-}
-
-qint64 FrameNumbers::host(int shownFrame) const
-{
-    return (m_isInterlaced ? 2 : 1) * static_cast<qint64>(shownFrame) - m_offset;
-}
 
 MarloHost::ProjectModel readModel(QString const& path)
 {
@@ -159,7 +145,7 @@ std::vector<Anm::View> Session::views(QStringList const& names) const
 int Session::hostFrame(int shownFrame) const
 {
     bool const isInterlaced = m_project->parameterManager()->getBaseClipInfo(1)->bIsInterlaced();
-    FrameNumbers const numbers(m_project->frameOffset(), isInterlaced);
+    MarloHost::FrameNumbers const numbers(m_project->frameOffset(), isInterlaced);
     int const last = m_frameCount - 1;
     qint64 const frame = numbers.host(shownFrame);
     if (frame < 0 || frame > last)

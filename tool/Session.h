@@ -17,23 +17,6 @@
 class KORV_Layer;
 class KORV_ProjectManager;
 
-/// How host frames are shown: host frame plus offset, and two fields to a frame.
-class FrameNumbers
-{
-public:
-    FrameNumbers(int offset, bool isInterlaced);
-
-    /// The frame that a host frame is shown as, or lies in.
-    int shown(int hostFrame) const;
-
-    /// The host frame, or the first field, of a frame as shown.
-    qint64 host(int shownFrame) const;
-
-private:
-    int m_offset;
-    bool m_isInterlaced;
-};
-
 /// Reads a project file.
 /// @throws Failure as unreadable input
 MarloHost::ProjectModel readModel(QString const& path);

@@ -88,7 +88,6 @@ bool WriteProvider::confirmWrite(QString const& path)
     bool const isOld = QFileInfo::exists(path) && !QFileInfo(path).isDir();
     if (isOld && !m_writing.overwrite && !m_console.ask(path + QStringLiteral(" exists. Replace it?")))
     {
-        m_hasDeclined = true;
         return false;
     }
     m_pending = path;
@@ -107,11 +106,6 @@ void WriteProvider::finish()
 QMap<QString, QByteArray> const& WriteProvider::files() const
 {
     return m_files;
-}
-
-bool WriteProvider::hasDeclined() const
-{
-    return m_hasDeclined;
 }
 
 bool WriteProvider::hasAbandoned() const

@@ -30,9 +30,6 @@ public:
     /// What the export gave, before anything was written.
     QMap<QString, QByteArray> const& files() const;
 
-    /// Whether the user kept an old file.
-    bool hasDeclined() const;
-
     /// Whether --strict ended the export.
     bool hasAbandoned() const;
 
@@ -44,7 +41,6 @@ private:
 
     /// A file that the library is about to write; written once it asks for the next.
     QString m_pending;
-    bool m_hasDeclined = false;
     bool m_hasAbandoned = false;
 };
 
