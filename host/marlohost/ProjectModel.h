@@ -3,20 +3,12 @@
 // docs/project-file.md explains every field with its unit. Frames are host
 // frames (fields in interlaced material), points are pixels with y up.
 
-#include <QList>
 #include <QString>
 #include <QStringList>
 
 #include <array>
 #include <optional>
 #include <vector>
-
-#include <boost/shared_ptr.hpp>
-
-namespace Korvane
-{
-class Contour;
-}
 
 namespace MarloHost
 {
@@ -106,6 +98,171 @@ struct ClipModel
     std::optional<LensModel> lens;
 };
 
+/// A place in the scene, at rest or keyed over ascending host frames: positions and
+/// scales are linear between keys, rotations take the shortest way; held outside of them.
+struct PoseModel
+{
+    /// Empty for a pose at rest, which has one sample or none (the origin).
+    std::vector<int> frames;
+
+    /// x, y, z for each sample; in scene units, relative to what it hangs on.
+    std::vector<double> positions;
+
+    /// Three angles in degrees for each sample, static order XYZ; empty for none.
+    std::vector<double> rotations;
+
+    /// A factor for each sample; empty for 1.
+    std::vector<double> scales;
+};
+
+/// Solved points that move as one, and the mesh that they may form.
+struct PointCloudModel
+{
+    /// Host frames of points that move by themselves; empty for points at rest.
+    std::vector<int> frames;
+
+    /// x, y, z of each point, and that for each of `frames`.
+    std::vector<double> positions;
+
+    /// One for each point; empty for numbered names.
+    QStringList names;
+
+    /// Ascending indices of points that nothing should be pinned to.
+    std::vector<int> inaccurate;
+
+    /// Vertices per face, and the vertices of all faces one after another.
+    std::vector<int> faceCounts;
+    std::vector<int> faceIndices;
+
+    /// u and v of each point; empty for none.
+    std::vector<double> uvs;
+
+    int pointCount() const
+    {
+        std::size_t const samples = frames.empty() ? 1 : frames.size();
+        return static_cast<int>(positions.size() / 3 / samples);
+    }
+};
+
+struct FeatureSetModel
+{
+    QString name;
+
+    /// Name of the layer that the points move with; empty for none.
+    QString layer;
+    bool hidden = false;
+    bool selected = false;
+    PointCloudModel points;
+};
+
+struct FileAssetModel
+{
+    QString path;
+
+    /// Name of the layer that carries it; empty for none.
+    QString layer;
+
+    /// At rest.
+    PoseModel pose;
+};
+
+/// Numbers of a stereo rig, which moves as the camera says.
+struct StereoModel
+{
+    bool converged = false;
+    KeyedNumber separation;
+
+    /// Degrees.
+    KeyedNumber convergence;
+
+    /// Pixels to the right, of the left and the right eye's picture.
+    std::array<KeyedNumber, 2> shift;
+};
+
+struct CameraModel
+{
+    /// Without scales.
+    PoseModel pose;
+
+    /// Millimetres.
+    KeyedNumber focalLength{35.0, {}, {}};
+
+    /// Millimetres; unset means that of the first clip.
+    std::optional<double> filmBackWidth;
+};
+
+/// A camera solve. Right-handed, y up; a camera looks along -z with y up in its picture.
+struct SolveModel
+{
+    /// Solved by an old version, whose axes and units some formats keep.
+    bool legacy = false;
+    int referenceFrame = 0;
+
+    /// The pose that the user gave to the scene as a whole; at rest.
+    PoseModel scene;
+    CameraModel camera;
+
+    /// Set when the camera is the middle of a stereo rig; the project has two views then.
+    std::optional<StereoModel> stereo;
+    std::vector<FeatureSetModel> features;
+
+    /// What feature sets without a layer hang on; at rest.
+    QString featureRootName = QStringLiteral("Static_auto_features");
+    PoseModel featureRoot;
+    std::vector<FileAssetModel> assets;
+};
+
+/// A contour at one frame. Numbers are pixels of the clip's raster as the contour lies in
+/// the surface's reference frame: for each vertex of a Bezier curve x, y, the handle that
+/// arrives there and the handle that leaves (both relative to the vertex); for each point
+/// of an X-spline x, y, weight.
+struct ContourKeyModel
+{
+    int frame = 0;
+    std::vector<double> points;
+
+    /// The feather curve in the same form; empty where there is no feather.
+    std::vector<double> feather;
+};
+
+struct ContourModel
+{
+    QString name;
+    bool xspline = false;
+    bool closed = true;
+    bool active = true;
+
+    /// Names of the views in which the outline comes from a Veil ML model.
+    QStringList veilML;
+
+    /// At least one, ascending, with as many vertices each; linear between them.
+    std::vector<ContourKeyModel> keys;
+
+    /// Numbers that a vertex has in `points`.
+    std::size_t stride() const
+    {
+        return xspline ? 3 : 6;
+    }
+};
+
+/// Tracked positions of a mesh in one view: x and y in pixels of the clip's raster for each
+/// vertex, and that for each of `frames`.
+struct MeshTrackModel
+{
+    QString view;
+    std::vector<int> frames;
+    std::vector<double> positions;
+};
+
+/// A mesh that was tracked with a layer.
+struct MeshModel
+{
+    int vertexCount = 0;
+    std::vector<int> faceCounts;
+    std::vector<int> faceIndices;
+    std::vector<MeshTrackModel> tracks;
+};
+
 struct GroupModel
 {
     QString name;
@@ -115,6 +272,9 @@ struct GroupModel
     bool hidden = false;
     bool selected = false;
     bool moving = false;
+
+    /// As a moving object of the solve, relative to the group that holds it.
+    PoseModel pose;
 };
 
 /// Homographies of one view: `homographies` holds nine numbers, row by row, for
@@ -172,8 +332,29 @@ struct LayerModel
     std::vector<AdjustKeyModel> adjust;
     StabilizeModel stabilize;
 
-    /// Contours that a program brings along; project files don't hold them yet.
-    QList<boost::shared_ptr<Korvane::Contour const>> contours;
+    /// Whether what is outside of the contours belongs to the layer.
+    bool invert = false;
+
+    /// Whether the layer takes away from those below it.
+    bool subtract = false;
+
+    /// Red, green, blue, alpha, 0 to 255.
+    std::array<int, 4> colour{255, 255, 255, 255};
+
+    /// Of the outline; unset means `colour`.
+    std::optional<std::array<int, 4>> overlayColour;
+
+    /// In drawing order.
+    std::vector<ContourModel> contours;
+    std::optional<MeshModel> mesh;
+
+    /// As an object of the solve, relative to the group that holds it; keyed only when the
+    /// layer is moving, and relative to the scene when it isn't.
+    PoseModel pose;
+
+    /// Solved points on the surface, and solved vertices of the mesh.
+    std::optional<PointCloudModel> surfacePoints;
+    std::optional<PointCloudModel> meshPoints;
 };
 
 struct ProjectModel
@@ -188,6 +369,7 @@ struct ProjectModel
 
     /// From the top of the stack.
     std::vector<LayerModel> layers;
+    std::optional<SolveModel> solve;
 
     int currentFrame = 0;
 

@@ -4,6 +4,7 @@
 #include "Host/ExportedFiles.h"
 #include "Host/HostApi.h"
 
+#include <QList>
 #include <QObject>
 #include <QString>
 #include <QStringList>
@@ -11,6 +12,7 @@
 #include <boost/shared_ptr.hpp>
 
 #include <any>
+#include <memory>
 #include <variant>
 #include <vector>
 
@@ -73,6 +75,56 @@ protected:
     ~ExportOptionsReceiver();
 };
 
+/// Words of one user option.
+struct OptionTexts
+{
+    /// Plain word in presets and on the command line; never translated.
+    QString key;
+    QString label;
+    QString toolTip;
+};
+
+/// The user options that solve exporters share. Their order is that of the fields.
+struct StringsUI
+{
+    OptionTexts includeFeatures;
+    OptionTexts useReferenceFrame;
+    OptionTexts sceneAtOrigin;
+    OptionTexts pointSizeMode;
+
+    /// The two choices of pointSizeMode: sizes that suit the scene, or one fixed size.
+    /// Never translated.
+    QString pointSizeSuggested;
+    QString pointSizeFixed;
+};
+
+/// Remembers which solved points are too inaccurate to pin something to.
+class MARLO_HOST_API NullAccuracySource
+{
+public:
+    NullAccuracySource();
+    NullAccuracySource(NullAccuracySource const&) = delete;
+    NullAccuracySource& operator=(NullAccuracySource const&) = delete;
+    virtual ~NullAccuracySource();
+
+    /// Forgets what it knew and looks through the points of these layers and of the
+    /// feature sets.
+    void processNulls(QList<unsigned int> const& layerIds, KORV_ProjectManager const* project,
+                      std::vector<Anm::View> const& views) const;
+
+    /// A warning that names them; empty when there are none.
+    QString warnInaccurateNulls() const;
+
+    /// Whether a point is one of them.
+    /// @param owner text id of the layer, or name of the feature set
+    /// @param pointId as CameraSolve::ExporterHelper gives it
+    bool isInaccurate(QString const& owner, unsigned int pointId) const;
+
+private:
+    struct Data;
+    std::unique_ptr<Data> m_data;
+};
+
 /// Base of every exporter of a camera solve.
 class MARLO_HOST_API CameraSolveExporter : public QObject
 {
@@ -85,6 +137,9 @@ public:
         VisibleObjects = 1,
         AllObjects = 2
     };
+
+    /// The shared user options, labels and tips in the user's language.
+    static StringsUI UI();
 
     CameraSolveExporter();
     ~CameraSolveExporter() override;

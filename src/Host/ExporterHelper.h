@@ -111,6 +111,10 @@ public:
     float frameStep() const;
     void setFrameScale(float scale);
 
+    /// Distance at which a camera is in focus, in the units of the export.
+    float focalDistance() const;
+    void setFocalDistance(float distance);
+
 protected:
     /// Leaves nothing to export.
     void clearRange();

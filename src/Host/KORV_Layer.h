@@ -5,17 +5,29 @@
 #include "Host/AnmParameter.h"
 #include "Host/HostApi.h"
 
+#include <QColor>
 #include <QList>
 #include <QString>
 #include <boost/shared_ptr.hpp>
 
 #include <memory>
+#include <set>
 
 class KORV_Layer;
+
+namespace ZN
+{
+class Point3DParameterSet;
+namespace MeshTracking
+{
+class ParameterSet;
+}
+}
 
 namespace Korvane
 {
 
+class Contour;
 class LayerGroup;
 
 /// Anything that has a row in the layer list.
@@ -43,6 +55,12 @@ public:
 
     /// Whether it is a moving object of the solve.
     virtual bool isMoving() const = 0;
+
+    /// Its place in the 3D scene.
+    virtual ZN::Point3DParameterSet const& points() const = 0;
+
+    /// What KORV_SelectionManager::layerFromID takes.
+    virtual QString const& textID() const = 0;
 };
 
 class MARLO_HOST_API LayerGroup : public LayerBase
@@ -58,22 +76,21 @@ public:
     bool isSelected() const override;
     LayerGroup* parentGroup(bool direct) const override;
     bool isMoving() const override;
+    ZN::Point3DParameterSet const& points() const override;
+    QString const& textID() const override;
+
+    /// The host's own record; opaque to exporters.
+    Data const& data() const;
 
 private:
     std::unique_ptr<Data> m_data;
 };
 
-/// A roto contour of a layer.
-class MARLO_HOST_API Contour
+/// A control point of a contour; what it stands for is the host's business.
+class MARLO_HOST_API ControlPoint
 {
 public:
-    virtual ~Contour();
-
-    virtual KORV_Layer const& parentLayer() const = 0;
-
-    /// Whether the outline comes from a Veil ML model in this view, so that it
-    /// has no control points to export.
-    virtual bool isVeilML(Anm::View const& view) const = 0;
+    virtual ~ControlPoint();
 };
 
 }
@@ -118,6 +135,20 @@ private:
     Anm::Parameter<bool> m_fixedFrames;
 };
 
+/// How a layer's shapes join those below.
+enum ZN_BlendMode : unsigned int
+{
+    ZN_BLEND_ADD = 0,
+    ZN_BLEND_SUBTRACT = 1
+};
+
+/// What of a layer a colour is asked for.
+enum ZN_SELECTION_COMPONENT : int
+{
+    ZN_SELECTION_FILL = 0,
+    ZN_SELECTION_OUTLINE = 1
+};
+
 /// A tracked layer. Frames are host frames.
 class MARLO_HOST_API KORV_Layer : public Korvane::LayerBase, public ZN::Layer
 {
@@ -133,6 +164,8 @@ public:
     bool isSelected() const override;
     Korvane::LayerGroup* parentGroup(bool direct) const override;
     bool isMoving() const override;
+    ZN::Point3DParameterSet const& points() const override;
+    QString const& textID() const override;
 
     KV::Surface const& surface() const;
     unsigned int getBaseClipID() const;
@@ -156,7 +189,28 @@ public:
     /// The next layer of the stack, null at the bottom.
     KORV_Layer const* layerBelow() const;
 
+    /// The contours that are in use, in drawing order.
     QList<boost::shared_ptr<Korvane::Contour const>> const& activeContours() const;
+
+    /// The tracked mesh, null where the layer has none.
+    std::shared_ptr<ZN::MeshTracking::ParameterSet> trackMesh() const;
+
+    /// Adds the host frames in which a contour of the layer is keyed.
+    void getLayerKeyframes(std::set<Anm::Frame>& frames, Anm::View const& view) const;
+
+    /// Whether what is outside of the contours belongs to the layer, not what is inside.
+    Anm::Parameter<bool> const& invert() const;
+
+    /// How the layer joins those below it; a value of ZN_BlendMode.
+    Anm::Parameter<unsigned int> const& blendMode() const;
+
+    /// The colour that the layer is drawn in, and that of its outline.
+    virtual QColor colour() const;
+    QColor fillColour() const;
+    QColor overlayColour() const;
+
+    /// The same as components from 0 to 1.
+    void vGetColor(ZN_SELECTION_COMPONENT component, float* red, float* green, float* blue) const;
 
     /// The host's own record; opaque to exporters.
     Data const& data() const;

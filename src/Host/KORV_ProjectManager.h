@@ -6,6 +6,7 @@
 
 #include <QFlags>
 #include <QList>
+#include <QObject>
 #include <QSize>
 #include <QString>
 #include <QVector>
@@ -43,13 +44,13 @@ namespace ZN
 class Scene3DParameterSet;
 }
 
-class MARLO_HOST_API KORV_ProjectManager : public boost::enable_shared_from_this<KORV_ProjectManager>
+class MARLO_HOST_API KORV_ProjectManager : public QObject, public boost::enable_shared_from_this<KORV_ProjectManager>
 {
 public:
     struct Data;
 
     explicit KORV_ProjectManager(std::unique_ptr<Data> data);
-    ~KORV_ProjectManager();
+    ~KORV_ProjectManager() override;
     KORV_ProjectManager(KORV_ProjectManager const&) = delete;
     KORV_ProjectManager& operator=(KORV_ProjectManager const&) = delete;
 
@@ -99,6 +100,9 @@ public:
     /// What is added to a host frame to show it: the base offset of the first clip.
     int frameOffset() const;
 
+    /// Host frames of the project: those of the first clip.
+    int frameCount() const;
+
     /// Null when the program isn't a plug-in.
     Korvane::PluginHost* pluginHost() const;
 
@@ -135,6 +139,9 @@ public:
 
     /// All layers of that name, top of the stack first. Callers pass false.
     QVector<boost::shared_ptr<Korvane::LayerBase>> findLayers(QString const& name, bool includeGroups) const;
+
+    /// The layer or group of that text id; null when there is none.
+    boost::shared_ptr<Korvane::LayerBase> layerFromID(QString const& id) const;
 
     /// All layers from the top of the stack when given no flags.
     QVector<boost::shared_ptr<KORV_Layer const>> layers(QFlags<Korvane::ItemsQuery> query) const;
@@ -174,6 +181,9 @@ public:
 
     /// Whether the clip table has a clip of this id.
     bool hasClip(unsigned int clipId) const;
+
+    /// The clip of this id, null when there is none.
+    KORV_Clip const* getClip(unsigned int clipId) const;
 
 private:
     std::unique_ptr<Data> m_data;

@@ -2,6 +2,8 @@
 
 #include "Host/HostApi.h"
 
+#include <QSize>
+
 /// The program that a plug-in build runs in, as far as it narrows the formats.
 class MARLO_HOST_API TXIHost
 {
@@ -31,6 +33,9 @@ public:
 
     virtual bool isAdobe() const = 0;
     virtual TXIHost const* host() const = 0;
+
+    /// Size of the composition that the plug-in works in, in pixels.
+    virtual QSize compositionSize() const = 0;
 };
 
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Host/Anm.h"
+#include "Host/Contour.h"
 #include "Host/ExportEnums.h"
 #include "Host/HostApi.h"
 
@@ -24,8 +25,6 @@ class IClipboard;
 
 namespace Korvane
 {
-
-class Contour;
 
 /// Base of every exporter of shape data.
 class MARLO_HOST_API ShapeExporter
@@ -72,6 +71,29 @@ struct MARLO_HOST_API ShapeExportHelper
     static QVector<boost::shared_ptr<KORV_Layer const>> getLayersToExport(KORV_ProjectManager const& project,
                                                                           ZN::LayerExportMode mode,
                                                                           QList<unsigned int> const& layerIds);
+
+    /// The motion of a layer, with the user's adjust offsets in it, at every frame of its
+    /// clip. Frames without data have those of the nearest tracked frame; a layer without
+    /// any in the view stands still.
+    static boost::shared_ptr<Contour::HomographyMap> buildHomogMap(KORV_ProjectManager const& project,
+                                                                   KORV_Layer const& layer, Anm::View const& view);
+
+    /// The parts of the homographies of frames 0 to count - 1; what the map doesn't have
+    /// stands still.
+    static QVector<HomographyComponents> buildComponentsList(boost::shared_ptr<Contour::HomographyMap> const& map,
+                                                             unsigned int count);
+};
+
+/// Writes contours as the host's own XML (".fxs"); docs/formats/glimmerset-shape.md
+/// describes it.
+class MARLO_HOST_API GlimmersetShapeExporter : public ShapeExporter
+{
+public:
+    ~GlimmersetShapeExporter() override;
+
+    std::shared_ptr<QMap<QString, QByteArray>> exportShape(KORV_ProjectManager& project, QString const& path,
+                                                           QList<unsigned int> const& layerIds,
+                                                           Options const& options) const override;
 };
 
 }

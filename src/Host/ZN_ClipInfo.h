@@ -94,6 +94,9 @@ public:
     /// What is added to a host frame to show it; in host frames.
     int baseClipOffset() const;
 
+    /// Host frames.
+    unsigned int length(Anm::View const& view) const;
+
     ZN::FilmType const& filmType() const;
 
 protected:

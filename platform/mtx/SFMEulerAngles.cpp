@@ -1,0 +1,170 @@
+#include "mtx/SFMEulerAngles.h"
+
+#include <cmath>
+#include <limits>
+#include <stdexcept>
+#include <utility>
+
+namespace
+{
+
+constexpr double RADIANS_PER_DEGREE = 3.14159265358979323846 / 180.0;
+
+/// What an order code says.
+struct Order
+{
+    /// The axes in the order in which static angles are applied.
+    int i;
+    int j;
+    int k;
+    bool odd;
+    bool repeats;
+    bool moving;
+};
+
+Order orderOf(int code)
+{
+    if (code < 0 || code > 23)
+    {
+        throw std::range_error("An Euler order is 0 to 23");
+    }
+    int const axis = code / 8;
+    bool const odd = (code & 4) != 0;
+    int const next = (axis + 1) % 3;
+    int const afterNext = (axis + 2) % 3;
+    return {axis, odd ? afterNext : next, odd ? next : afterNext, odd, (code & 2) != 0, (code & 1) != 0};
+}
+
+Mtx_Vector4 withFactor(Mtx_Vector4 const& angles, double factor)
+{
+    return {angles.x * factor, angles.y * factor, angles.z * factor, angles.w};
+}
+
+Sabrel::Matrix33 matrixOf(Mtx_Vector4 const& q)
+{
+    double const norm = q.x * q.x + q.y * q.y + q.z * q.z + q.w * q.w;
+    double const s = norm > 0.0 ? 2.0 / norm : 0.0;
+    double const xs = q.x * s;
+    double const ys = q.y * s;
+    double const zs = q.z * s;
+    return {{1.0 - (q.y * ys + q.z * zs), q.x * ys - q.w * zs, q.x * zs + q.w * ys, q.x * ys + q.w * zs,
+             1.0 - (q.x * xs + q.z * zs), q.y * zs - q.w * xs, q.x * zs - q.w * ys, q.y * zs + q.w * xs,
+             1.0 - (q.x * xs + q.y * ys)}};
+}
+
+}
+
+namespace SFMEulerAngles
+{
+
+Mtx_Vector4 eul_pack(double first, double second, double third, int order)
+{
+    orderOf(order);
+    return {first, second, third, static_cast<double>(order)};
+}
+
+Mtx_Vector4 eul_to_radians(Mtx_Vector4 const& degrees)
+{
+    return withFactor(degrees, RADIANS_PER_DEGREE);
+}
+
+Mtx_Vector4 eul_to_degrees(Mtx_Vector4 const& radians)
+{
+    return withFactor(radians, 1.0 / RADIANS_PER_DEGREE);
+}
+
+Mtx_Vector4 eul_to_quat(Mtx_Vector4 const& radians)
+{
+    Order const order = orderOf(static_cast<int>(radians.w));
+    double const first = order.moving ? radians.z : radians.x;
+    double const third = order.moving ? radians.x : radians.z;
+    double const ti = first * 0.5;
+    double const tj = (order.odd ? -radians.y : radians.y) * 0.5;
+    double const th = third * 0.5;
+    double const ci = std::cos(ti);
+    double const cj = std::cos(tj);
+    double const ch = std::cos(th);
+    double const si = std::sin(ti);
+    double const sj = std::sin(tj);
+    double const sh = std::sin(th);
+    double const cc = ci * ch;
+    double const cs = ci * sh;
+    double const sc = si * ch;
+    double const ss = si * sh;
+    double a[3];
+    double w;
+    if (order.repeats)
+    {
+        a[order.i] = cj * (cs + sc);
+        a[order.j] = sj * (cc + ss);
+        a[order.k] = sj * (cs - sc);
+        w = cj * (cc - ss);
+    }
+    else
+    {
+        a[order.i] = cj * sc - sj * cs;
+        a[order.j] = cj * ss + sj * cc;
+        a[order.k] = cj * cs - sj * sc;
+        w = cj * cc + sj * ss;
+    }
+    if (order.odd)
+    {
+        a[order.j] = -a[order.j];
+    }
+    return {a[0], a[1], a[2], w};
+}
+
+Mtx_Vector4 eul_from_quat(Mtx_Vector4 const& quaternion, int order)
+{
+    return eul_from_matrix(matrixOf(quaternion), order);
+}
+
+Sabrel::Matrix33 eul_to_matrix(Mtx_Vector4 const& radians)
+{
+    return matrixOf(eul_to_quat(radians));
+}
+
+Mtx_Vector4 eul_from_matrix(Sabrel::Matrix33 const& rotation, int code)
+{
+    constexpr double NOTHING = 16 * std::numeric_limits<double>::epsilon();
+    Order const order = orderOf(code);
+    auto const& [i, j, k, odd, repeats, moving] = order;
+    double x;
+    double y;
+    double z;
+    if (repeats)
+    {
+        double const sine = std::hypot(rotation(i, j), rotation(i, k));
+        bool const locked = sine <= NOTHING;
+        x = locked ? std::atan2(-rotation(j, k), rotation(j, j)) : std::atan2(rotation(i, j), rotation(i, k));
+        y = std::atan2(sine, rotation(i, i));
+        z = locked ? 0.0 : std::atan2(rotation(j, i), -rotation(k, i));
+    }
+    else
+    {
+        double const cosine = std::hypot(rotation(i, i), rotation(j, i));
+        bool const locked = cosine <= NOTHING;
+        x = locked ? std::atan2(-rotation(j, k), rotation(j, j)) : std::atan2(rotation(k, j), rotation(k, k));
+        y = std::atan2(-rotation(k, i), cosine);
+        z = locked ? 0.0 : std::atan2(rotation(j, i), rotation(i, i));
+    }
+    if (odd)
+    {
+        x = -x;
+        y = -y;
+        z = -z;
+    }
+    if (moving)
+    {
+        std::swap(x, z);
+    }
+    return {x, y, z, static_cast<double>(code)};
+}
+
+}
+
+Mtx_Vector4 mtx_rot3D_mult_s(Mtx_Vector4 const& a, Mtx_Vector4 const& b)
+{
+    return {a.w * b.x + a.x * b.w + a.y * b.z - a.z * b.y, a.w * b.y + a.y * b.w + a.z * b.x - a.x * b.z,
+            a.w * b.z + a.z * b.w + a.x * b.y - a.y * b.x, a.w * b.w - a.x * b.x - a.y * b.y - a.z * b.z};
+}
