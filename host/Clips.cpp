@@ -98,6 +98,11 @@ int ZN_BaseClipInfo::baseClipOffset() const
     return m_data->model->frameOffset;
 }
 
+unsigned int ZN_BaseClipInfo::length(Anm::View const&) const
+{
+    return static_cast<unsigned int>(m_data->model->frameCount);
+}
+
 ZN::FilmType const& ZN_BaseClipInfo::filmType() const
 {
     return m_data->film;

@@ -66,6 +66,7 @@ struct ExporterHelperBase::Data
     Range layerRange{-1, -1};
     float heightScale = 1.0F;
     float frameScale = 1.0F;
+    float focalDistance = 0.0F;
 };
 
 ExporterHelperBase::ExporterHelperBase(bool cutToLayer) : m_base(std::make_unique<Data>())
@@ -211,6 +212,16 @@ float ExporterHelperBase::frameStep() const
 void ExporterHelperBase::setFrameScale(float scale)
 {
     m_base->frameScale = scale;
+}
+
+float ExporterHelperBase::focalDistance() const
+{
+    return m_base->focalDistance;
+}
+
+void ExporterHelperBase::setFocalDistance(float distance)
+{
+    m_base->focalDistance = distance;
 }
 
 void ExporterHelperBase::clearRange()

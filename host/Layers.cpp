@@ -10,6 +10,11 @@ unsigned int shownNumber(int frame, ZN_BaseClipInfo const& clip)
     return static_cast<unsigned int>(numbers.shown(frame));
 }
 
+QColor colourOf(std::array<int, 4> const& components)
+{
+    return QColor(components[0], components[1], components[2], components[3]);
+}
+
 bool hiddenByGroup(Korvane::LayerGroup const* group)
 {
     return group && group->isHidden(true);
@@ -31,7 +36,7 @@ namespace Korvane
 
 ItemItf::~ItemItf() = default;
 LayerBase::~LayerBase() = default;
-Contour::~Contour() = default;
+ControlPoint::~ControlPoint() = default;
 
 LayerGroup::LayerGroup(std::unique_ptr<Data> data) : m_data(std::move(data))
 {
@@ -62,6 +67,21 @@ LayerGroup* LayerGroup::parentGroup(bool direct) const
 bool LayerGroup::isMoving() const
 {
     return m_data->model->moving;
+}
+
+ZN::Point3DParameterSet const& LayerGroup::points() const
+{
+    return *m_data->points;
+}
+
+QString const& LayerGroup::textID() const
+{
+    return m_data->textId;
+}
+
+LayerGroup::Data const& LayerGroup::data() const
+{
+    return *m_data;
 }
 
 }
@@ -111,6 +131,16 @@ Korvane::LayerGroup* KORV_Layer::parentGroup(bool direct) const
 bool KORV_Layer::isMoving() const
 {
     return m_data->model->moving;
+}
+
+ZN::Point3DParameterSet const& KORV_Layer::points() const
+{
+    return *m_data->points;
+}
+
+QString const& KORV_Layer::textID() const
+{
+    return m_data->textId;
 }
 
 KV::Surface const& KORV_Layer::surface() const
@@ -166,6 +196,55 @@ KORV_Layer const* KORV_Layer::layerBelow() const
 QList<boost::shared_ptr<Korvane::Contour const>> const& KORV_Layer::activeContours() const
 {
     return m_data->contours;
+}
+
+std::shared_ptr<ZN::MeshTracking::ParameterSet> KORV_Layer::trackMesh() const
+{
+    return m_data->mesh;
+}
+
+void KORV_Layer::getLayerKeyframes(std::set<Anm::Frame>& frames, Anm::View const&) const
+{
+    for (MarloHost::ContourModel const& contour : m_data->model->contours)
+    {
+        for (MarloHost::ContourKeyModel const& key : contour.keys)
+        {
+            frames.insert(Anm::Frame::fromInt(key.frame));
+        }
+    }
+}
+
+Anm::Parameter<bool> const& KORV_Layer::invert() const
+{
+    return m_data->invert;
+}
+
+Anm::Parameter<unsigned int> const& KORV_Layer::blendMode() const
+{
+    return m_data->blendMode;
+}
+
+QColor KORV_Layer::colour() const
+{
+    return fillColour();
+}
+
+QColor KORV_Layer::fillColour() const
+{
+    return colourOf(m_data->model->colour);
+}
+
+QColor KORV_Layer::overlayColour() const
+{
+    return colourOf(m_data->model->overlayColour.value_or(m_data->model->colour));
+}
+
+void KORV_Layer::vGetColor(ZN_SELECTION_COMPONENT component, float* red, float* green, float* blue) const
+{
+    QColor const colour = component == ZN_SELECTION_OUTLINE ? overlayColour() : fillColour();
+    *red = static_cast<float>(colour.redF());
+    *green = static_cast<float>(colour.greenF());
+    *blue = static_cast<float>(colour.blueF());
 }
 
 KORV_Layer::Data const& KORV_Layer::data() const

@@ -1,6 +1,8 @@
 #include "Project.h"
 #include "marlohost/FrameNumbers.h"
 
+#include <algorithm>
+
 KORV_ProjectManager::KORV_ProjectManager(std::unique_ptr<Data> data) : m_data(std::move(data))
 {
 }
@@ -153,6 +155,11 @@ int KORV_ProjectManager::frameOffset() const
     return m_data->offset;
 }
 
+int KORV_ProjectManager::frameCount() const
+{
+    return m_data->model.clips.front().frameCount;
+}
+
 Korvane::PluginHost* KORV_ProjectManager::pluginHost() const
 {
     return m_data->services.pluginHost.get();
@@ -188,6 +195,18 @@ boost::shared_ptr<KORV_Layer> KORV_SelectionManager::findLayer(unsigned int id, 
 {
     // Ids are positions in the stack, from 1.
     return id >= 1 && id <= m_data->stack.size() ? m_data->stack[id - 1] : nullptr;
+}
+
+boost::shared_ptr<Korvane::LayerBase> KORV_SelectionManager::layerFromID(QString const& id) const
+{
+    auto const hasId = [&](auto const& item) { return item->textID() == id; };
+    auto const layer = std::find_if(m_data->stack.begin(), m_data->stack.end(), hasId);
+    if (layer != m_data->stack.end())
+    {
+        return *layer;
+    }
+    auto const group = std::find_if(m_data->groups.begin(), m_data->groups.end(), hasId);
+    return group != m_data->groups.end() ? *group : nullptr;
 }
 
 KORV_Layer* KORV_SelectionManager::layerFromNumericID(unsigned int id, bool includeDeleted) const
@@ -246,7 +265,12 @@ KORV_FrameManager::~KORV_FrameManager() = default;
 
 bool KORV_FrameManager::hasClip(unsigned int clipId) const
 {
-    return m_data->clips->getClip(clipId) != nullptr;
+    return getClip(clipId) != nullptr;
+}
+
+KORV_Clip const* KORV_FrameManager::getClip(unsigned int clipId) const
+{
+    return m_data->clips->getClip(clipId);
 }
 
 KORV_ParameterManager::KORV_ParameterManager(std::unique_ptr<Data> data) : m_data(std::move(data))
@@ -338,26 +362,4 @@ int ProjectProperties::trimInPoint() const
 boost::shared_ptr<Anm::Views const> ProjectProperties::views() const
 {
     return m_data->views;
-}
-
-ZN::Camera3DParameterSet::Camera3DParameterSet(std::unique_ptr<Data> data) : m_data(std::move(data))
-{
-}
-
-ZN::Camera3DParameterSet::~Camera3DParameterSet() = default;
-
-Anm::Parameter<unsigned int> const& ZN::Camera3DParameterSet::solved() const
-{
-    return m_data->solved;
-}
-
-ZN::Scene3DParameterSet::Scene3DParameterSet(std::unique_ptr<Data> data) : m_data(std::move(data))
-{
-}
-
-ZN::Scene3DParameterSet::~Scene3DParameterSet() = default;
-
-ZN::Camera3DParameterSet const* ZN::Scene3DParameterSet::cameraParameters(unsigned int index) const
-{
-    return index == 0 ? m_data->camera.get() : nullptr;
 }

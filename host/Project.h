@@ -5,6 +5,7 @@
 #include "Host/KORV_Clip.h"
 #include "Host/KORV_Layer.h"
 #include "Host/KORV_ProjectManager.h"
+#include "Host/MeshTracking.h"
 #include "Host/MessageBox.h"
 #include "Host/Scene3D.h"
 #include "Host/ZN_ClipInfo.h"
@@ -30,6 +31,8 @@ struct Korvane::LayerGroup::Data
 {
     MarloHost::GroupModel const* model = nullptr;
     Korvane::LayerGroup* parent = nullptr;
+    QString textId;
+    std::unique_ptr<ZN::Point3DParameterSet> points;
 };
 
 struct KORV_Layer::Data
@@ -45,15 +48,23 @@ struct KORV_Layer::Data
     int outPoint = 0;
     KV::Surface surface;
     ZN_StabilizeParameterSet stabilize;
-    QList<boost::shared_ptr<Korvane::Contour const>> contours;
 
     /// Tracks by view id; null where the view has none.
     std::vector<MarloHost::TrackModel const*> tracks;
+    Anm::Parameter<bool> invert;
+    Anm::Parameter<unsigned int> blendMode;
+    QString textId;
+    std::unique_ptr<ZN::Point3DParameterSet> points;
+
+    /// Filled once the layer is there, as they point back to it.
+    QList<boost::shared_ptr<Korvane::Contour const>> contours;
+    std::shared_ptr<ZN::MeshTracking::ParameterSet> mesh;
 };
 
 struct KORV_SelectionManager::Data
 {
     std::vector<boost::shared_ptr<KORV_Layer>> stack;
+    std::vector<boost::shared_ptr<Korvane::LayerGroup>> groups;
     std::map<unsigned int, boost::shared_ptr<Korvane::ItemItf>> items;
 };
 
@@ -76,16 +87,6 @@ struct ProjectProperties::Data
     boost::shared_ptr<Anm::Views const> views;
 };
 
-struct ZN::Camera3DParameterSet::Data
-{
-    Anm::Parameter<unsigned int> solved;
-};
-
-struct ZN::Scene3DParameterSet::Data
-{
-    std::unique_ptr<Camera3DParameterSet> camera;
-};
-
 struct KORV_ProjectManager::Data
 {
     MarloHost::ProjectModel model;
@@ -93,7 +94,6 @@ struct KORV_ProjectManager::Data
     MarloHost::HostServices services;
 
     boost::shared_ptr<Anm::Views const> views;
-    std::vector<std::unique_ptr<Korvane::LayerGroup>> groups;
     std::unique_ptr<KORV_ParameterManager> parameters;
     boost::shared_ptr<KORV_SelectionManager> selection;
     std::unique_ptr<KORV_FrameManager> frames;

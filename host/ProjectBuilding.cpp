@@ -3,6 +3,8 @@
 #include "Parameter.h"
 #include "Host/KORV_Exception.h"
 #include "Project.h"
+#include "Shapes.h"
+#include "Solve.h"
 
 #include <boost/make_shared.hpp>
 
@@ -65,6 +67,19 @@ Anm::Parameter<bool> fixedFrames(StabilizeModel const& model)
     return Anm::Parameter<bool>(std::move(data));
 }
 
+template <typename T>
+Anm::Parameter<T> unkeyed(T value)
+{
+    return Anm::Parameter<T>(
+        std::make_unique<typename Anm::Parameter<T>::Data>(typename Anm::Parameter<T>::Data{value, {}}));
+}
+
+std::unique_ptr<ZN::Point3DParameterSet> placeInScene(PoseModel const& pose, ZN::Point3DParameterSet const* parent)
+{
+    return std::make_unique<ZN::Point3DParameterSet>(
+        std::make_unique<ZN::Point3DParameterSet::Data>(ZN::Point3DParameterSet::Data{&pose, parent}));
+}
+
 /// Fills the record of a project step by step; later steps look up what earlier
 /// ones made.
 class Builder
@@ -115,9 +130,9 @@ private:
         {
             return nullptr;
         }
-        auto const found = std::find_if(m_project.groups.begin(), m_project.groups.end(),
+        auto const found = std::find_if(m_groups.begin(), m_groups.end(),
                                         [&](auto const& candidate) { return candidate->name() == name; });
-        if (found == m_project.groups.end())
+        if (found == m_groups.end())
         {
             dangling("group", name);
         }
@@ -133,13 +148,34 @@ private:
         {
             auto data = std::make_unique<Korvane::LayerGroup::Data>();
             data->model = &model;
+            data->textId = QStringLiteral("group-%1").arg(m_groups.size() + 1);
             records.push_back(data.get());
-            m_project.groups.push_back(std::make_unique<Korvane::LayerGroup>(std::move(data)));
+            m_groups.push_back(boost::make_shared<Korvane::LayerGroup>(std::move(data)));
         }
         for (Korvane::LayerGroup::Data* record : records)
         {
             record->parent = group(record->model->parent);
         }
+        // Nearest to the scene first, as a pose points to that of its parent.
+        for (Korvane::LayerGroup::Data* record : records)
+        {
+            makeGroupPose(*record);
+        }
+    }
+
+    void makeGroupPose(Korvane::LayerGroup::Data& record) const
+    {
+        if (record.points)
+        {
+            return;
+        }
+        ZN::Point3DParameterSet const* above = nullptr;
+        if (record.parent)
+        {
+            makeGroupPose(const_cast<Korvane::LayerGroup::Data&>(record.parent->data()));
+            above = &record.parent->points();
+        }
+        record.points = placeInScene(record.model->pose, above);
     }
 
     std::unique_ptr<KORV_Layer::Data> layerData(LayerModel const& model, unsigned int id) const
@@ -157,8 +193,15 @@ private:
                              model.outPoint.value_or(m_model.clips[clip - 1].frameCount - 1),
                              {Anm::Context(Anm::Time::fromInt(model.referenceFrame), Anm::View::defaultView())},
                              ZN_StabilizeParameterSet(fixedFrames(model.stabilize)),
-                             model.contours,
-                             std::vector<TrackModel const*>(m_project.views->viewCount(), nullptr)});
+                             std::vector<TrackModel const*>(m_project.views->viewCount(), nullptr),
+                             unkeyed(model.invert),
+                             unkeyed<unsigned int>(model.subtract ? ZN_BLEND_SUBTRACT : ZN_BLEND_ADD),
+                             QStringLiteral("layer-%1").arg(id),
+                             {},
+                             {},
+                             {}});
+        bool const rides = model.moving && data->group;
+        data->points = placeInScene(model.pose, rides ? &data->group->points() : nullptr);
         for (TrackModel const& track : model.tracks)
         {
             data->tracks[static_cast<std::size_t>(viewIndex(track.view))] = &track;
@@ -169,6 +212,7 @@ private:
     void makeLayers()
     {
         auto data = std::make_unique<KORV_SelectionManager::Data>();
+        data->groups = m_groups;
         KORV_Layer::Data* above = nullptr;
         for (LayerModel const& model : m_model.layers)
         {
@@ -177,6 +221,7 @@ private:
             KORV_Layer::Data* const here = record.get();
             data->stack.push_back(boost::make_shared<KORV_Layer>(std::move(record)));
             data->items.emplace(id, data->stack.back());
+            addShapes(*data->stack.back(), *here);
             if (above)
             {
                 above->below = data->stack.back().get();
@@ -218,7 +263,7 @@ private:
         properties->views = m_project.views;
         m_project.properties = std::make_unique<ProjectProperties>(std::move(properties));
 
-        m_project.scene = std::make_unique<ZN::Scene3DParameterSet>(std::make_unique<ZN::Scene3DParameterSet::Data>());
+        m_project.scene = makeScene(m_model, *m_project.selection);
         m_project.offset = firstClip().frameOffset;
         m_project.interlaced = firstClip().interlaced;
         m_project.playbackIn = static_cast<unsigned int>(m_model.playbackIn.value_or(0));
@@ -227,6 +272,7 @@ private:
 
     KORV_ProjectManager::Data& m_project;
     ProjectModel const& m_model;
+    std::vector<boost::shared_ptr<Korvane::LayerGroup>> m_groups;
 };
 
 class StderrCallbacks : public Korvane::Callbacks
@@ -251,7 +297,6 @@ boost::shared_ptr<KORV_ProjectManager> makeProject(ProjectModel const& model, QS
     auto data = std::make_unique<KORV_ProjectManager::Data>(KORV_ProjectManager::Data{model,
                                                                                       projectFilePath,
                                                                                       services,
-                                                                                      {},
                                                                                       {},
                                                                                       {},
                                                                                       {},

@@ -2,7 +2,7 @@
 // checked where they are read; names that refer to other records afterwards.
 
 #include "Homography.h"
-#include "JsonReader.h"
+#include "ProjectReading.h"
 #include "marlohost/ClipLens.h"
 #include "marlohost/ProjectFile.h"
 
@@ -26,54 +26,6 @@ constexpr int VERSION = 1;
 constexpr qint64 MAX_FILE_BYTES = 1LL << 30;
 constexpr int MAX_FRAME = 10'000'000;
 constexpr int MAX_RASTER = 65'536;
-
-QString uniqueName(JsonObject const& object, QSet<QString>& taken)
-{
-    JsonCursor const name = object.required("name");
-    QString const text = name.string();
-    if (text.isEmpty())
-    {
-        name.fail(QStringLiteral("a name must not be empty"));
-    }
-    if (taken.contains(text))
-    {
-        name.fail(QStringLiteral("the name \"%1\" is taken already").arg(text));
-    }
-    taken.insert(text);
-    return text;
-}
-
-// A number, or an object of keys: { "frames": [...], "values": [...] }.
-void readKeyed(JsonObject const& object, char const* key, int frameCount, double least, KeyedNumber& number)
-{
-    constexpr double MOST = 1000;
-    std::optional<JsonCursor> const cursor = object.optional(key);
-    if (!cursor)
-    {
-        return;
-    }
-    if (cursor->value().kind != JsonValue::Object)
-    {
-        number.value = cursor->number(least, MOST);
-        return;
-    }
-    JsonObject const keys(*cursor, {"frames", "values"});
-    number.frames = keys.required("frames").ascendingIntegers(0, frameCount - 1);
-    JsonCursor const values = keys.required("values");
-    number.values = values.numbers(number.frames.size());
-    if (number.values.empty())
-    {
-        cursor->fail(QStringLiteral("keys without an entry; give a number instead"));
-    }
-    for (double const value : number.values)
-    {
-        if (value < least || value > MOST)
-        {
-            values.fail(QStringLiteral("%1 is out of range; expected %2 to %3").arg(value).arg(least).arg(MOST));
-        }
-    }
-    number.value = number.values.front();
-}
 
 LensModel readLens(JsonCursor const& cursor, int frameCount)
 {
@@ -207,15 +159,16 @@ ClipModel readClip(JsonCursor const& cursor, QSet<QString>& names)
     return clip;
 }
 
-GroupModel readGroup(JsonCursor const& cursor, QSet<QString>& names)
+GroupModel readGroup(JsonCursor const& cursor, QSet<QString>& names, ClipModel const& firstClip)
 {
-    JsonObject const object(cursor, {"name", "parent", "hidden", "selected", "moving"});
+    JsonObject const object(cursor, {"name", "parent", "hidden", "selected", "moving", "pose"});
     GroupModel group;
     group.name = uniqueName(object, names);
     group.parent = object.string("parent", QString());
     group.hidden = object.boolean("hidden", false);
     group.selected = object.boolean("selected", false);
     group.moving = object.boolean("moving", false);
+    readGroupObject(object, group, firstClip);
     return group;
 }
 
@@ -243,41 +196,6 @@ void checkHomographies(JsonCursor const& cursor, std::vector<double> const& numb
     }
 }
 
-std::vector<int> readTrackFrames(JsonObject const& object, int defaultFirst, ClipModel const& clip, std::size_t count)
-{
-    std::optional<JsonCursor> const frames = object.optional("frames");
-    std::optional<JsonCursor> const first = object.optional("firstFrame");
-    if (frames && first)
-    {
-        first->fail(QStringLiteral("give either \"frames\" or \"firstFrame\", not both"));
-    }
-    std::vector<int> numbers;
-    if (frames)
-    {
-        numbers = frames->ascendingIntegers(0, clip.frameCount - 1);
-        if (numbers.size() != count)
-        {
-            frames->fail(QStringLiteral("%1 frames for %2 homographies").arg(numbers.size()).arg(count));
-        }
-        return numbers;
-    }
-    int const start = first ? first->integer(0, clip.frameCount - 1) : defaultFirst;
-    if (count > static_cast<std::size_t>(clip.frameCount - start))
-    {
-        object.required("homographies")
-            .fail(QStringLiteral("%1 homographies from frame %2 on don't fit into the %3 frames of the clip")
-                      .arg(count)
-                      .arg(start)
-                      .arg(clip.frameCount));
-    }
-    numbers.resize(count);
-    for (std::size_t i = 0; i < count; ++i)
-    {
-        numbers[i] = start + static_cast<int>(i);
-    }
-    return numbers;
-}
-
 TrackModel readTrack(JsonCursor const& cursor, LayerModel const& layer, ClipModel const& clip)
 {
     JsonObject const object(cursor, {"view", "frames", "firstFrame", "homographies"});
@@ -291,7 +209,8 @@ TrackModel readTrack(JsonCursor const& cursor, LayerModel const& layer, ClipMode
             QStringLiteral("%1 numbers; expected nine for each homography").arg(track.homographies.size()));
     }
     checkHomographies(homographies, track.homographies, clip);
-    track.frames = readTrackFrames(object, layer.inPoint.value_or(0), clip, track.homographies.size() / 9);
+    track.frames =
+        readFrames(object, layer.inPoint.value_or(0), clip.frameCount, track.homographies.size() / 9, "homographies");
     return track;
 }
 
@@ -353,7 +272,7 @@ public:
     {
         JsonObject const object(root,
                                 {"marloProject", "frameRate", "clips", "views", "groups", "layers", "currentFrame",
-                                 "currentLayer", "currentView", "displayClip", "playback", "trim"});
+                                 "currentLayer", "currentView", "displayClip", "playback", "trim", "solve"});
         JsonCursor const version = object.required("marloProject");
         if (version.number(0, std::numeric_limits<double>::max()) != VERSION)
         {
@@ -366,6 +285,10 @@ public:
         for (JsonCursor const& layer : object.elements("layers"))
         {
             m_project.layers.push_back(readLayer(layer));
+        }
+        if (std::optional<JsonCursor> const solve = object.optional("solve"))
+        {
+            m_project.solve = readSolve(*solve, m_project);
         }
         readState(object);
         return std::move(m_project);
@@ -412,7 +335,7 @@ private:
         std::vector<JsonCursor> const cursors = object.elements("groups");
         for (JsonCursor const& group : cursors)
         {
-            m_project.groups.push_back(readGroup(group, m_groupNames));
+            m_project.groups.push_back(readGroup(group, m_groupNames, m_project.clips.front()));
         }
         QHash<QString, QString> parents;
         for (GroupModel const& group : m_project.groups)
@@ -457,8 +380,11 @@ private:
 
     LayerModel readLayer(JsonCursor const& cursor)
     {
-        JsonObject const object(cursor, {"name", "clip", "insertClip", "group", "in", "out", "hidden", "selected",
-                                         "moving", "surface", "tracking", "adjust", "stabilize"});
+        JsonObject const object(cursor, {"name",          "clip",          "insertClip", "group",  "in",
+                                         "out",           "hidden",        "selected",   "moving", "surface",
+                                         "tracking",      "adjust",        "stabilize",  "invert", "blend",
+                                         "colour",        "overlayColour", "contours",   "mesh",   "pose",
+                                         "surfacePoints", "meshPoints"});
         LayerModel layer;
         JsonCursor const name = object.required("name");
         layer.name = name.string();
@@ -492,6 +418,8 @@ private:
         {
             layer.stabilize = readStabilize(*stabilize, clip);
         }
+        readLayerShapes(object, layer, clip, m_project.views);
+        readLayerObject(object, layer, clip);
         return layer;
     }
 

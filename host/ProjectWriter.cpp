@@ -1,10 +1,8 @@
 // From plain records back to the text of a project file. Keys that hold their
 // default are left out, so that a small project stays small.
 
+#include "JsonText.h"
 #include "marlohost/ProjectFile.h"
-
-#include "Host/KORV_Exception.h"
-#include "text/NumberText.h"
 
 #include <algorithm>
 #include <cmath>
@@ -14,186 +12,6 @@ namespace MarloHost
 
 namespace
 {
-
-/// Appends indented JSON. Objects and arrays nest by the calls between open and
-/// close; flat arrays of numbers take a given number to a line.
-class JsonText
-{
-public:
-    JsonText()
-    {
-        m_text.reserve(1 << 16);
-    }
-
-    void open(char const* key, char bracket)
-    {
-        start(key);
-        m_text += bracket;
-        m_isFirst = true;
-        ++m_depth;
-    }
-
-    void close(char bracket)
-    {
-        --m_depth;
-        if (!m_isFirst)
-        {
-            newLine();
-        }
-        m_text += bracket;
-        m_isFirst = false;
-    }
-
-    void string(char const* key, QString const& value)
-    {
-        start(key);
-        quote(value);
-    }
-
-    void number(char const* key, double value)
-    {
-        start(key);
-        append(value);
-    }
-
-    void boolean(char const* key, bool value)
-    {
-        start(key);
-        m_text += value ? "true" : "false";
-    }
-
-    template <typename Numbers>
-    void numbers(char const* key, Numbers const& values, std::size_t perLine)
-    {
-        start(key);
-        m_text += '[';
-        std::size_t count = 0;
-        for (auto const value : values)
-        {
-            if (count > 0)
-            {
-                m_text += count % perLine == 0 ? "," : ", ";
-            }
-            if (values.size() > perLine && count % perLine == 0)
-            {
-                m_text += '\n' + QByteArray((m_depth + 1) * 2, ' ');
-            }
-            append(static_cast<double>(value));
-            ++count;
-        }
-        if (values.size() > perLine)
-        {
-            newLine();
-        }
-        m_text += ']';
-    }
-
-    QByteArray take()
-    {
-        m_text += '\n';
-        return std::move(m_text);
-    }
-
-private:
-    void newLine()
-    {
-        m_text += '\n' + QByteArray(m_depth * 2, ' ');
-    }
-
-    void start(char const* key)
-    {
-        if (!m_isFirst)
-        {
-            m_text += ',';
-        }
-        if (m_depth > 0)
-        {
-            newLine();
-        }
-        m_isFirst = false;
-        if (key)
-        {
-            m_text += '"';
-            m_text += key;
-            m_text += "\": ";
-        }
-    }
-
-    void append(double value)
-    {
-        if (!std::isfinite(value))
-        {
-            throw KORV_BadArgument(__FILE__, __LINE__, QStringLiteral("A project file can't hold %1").arg(value),
-                                   QString());
-        }
-        Text::appendShortest(m_text, value);
-    }
-
-    void quote(QString const& value)
-    {
-        m_text += '"';
-        for (char const c : value.toUtf8())
-        {
-            if (c == '"' || c == '\\')
-            {
-                m_text += '\\';
-                m_text += c;
-            }
-            else if (static_cast<unsigned char>(c) < 0x20)
-            {
-                m_text += "\\u00" + QByteArray(1, static_cast<char>(c)).toHex();
-            }
-            else
-            {
-                m_text += c;
-            }
-        }
-        m_text += '"';
-    }
-
-    QByteArray m_text;
-    int m_depth = 0;
-    bool m_isFirst = true;
-};
-
-void writeFlag(JsonText& json, char const* key, bool value)
-{
-    if (value)
-    {
-        json.boolean(key, true);
-    }
-}
-
-void writeName(JsonText& json, char const* key, QString const& name)
-{
-    if (!name.isEmpty())
-    {
-        json.string(key, name);
-    }
-}
-
-void writeOptional(JsonText& json, char const* key, std::optional<int> const& value)
-{
-    if (value)
-    {
-        json.number(key, *value);
-    }
-}
-
-void writeKeyed(JsonText& json, char const* key, KeyedNumber const& number, double absent)
-{
-    if (!number.values.empty())
-    {
-        json.open(key, '{');
-        json.numbers("frames", number.frames, 20);
-        json.numbers("values", number.values, 10);
-        json.close('}');
-    }
-    else if (number.value != absent)
-    {
-        json.number(key, number.value);
-    }
-}
 
 void writeLens(JsonText& json, LensModel const& lens)
 {
@@ -280,6 +98,7 @@ void writeGroup(JsonText& json, GroupModel const& group)
     writeFlag(json, "hidden", group.hidden);
     writeFlag(json, "selected", group.selected);
     writeFlag(json, "moving", group.moving);
+    writeGroupObject(json, group);
     json.close('}');
 }
 
@@ -342,12 +161,6 @@ void writeAdjustKey(JsonText& json, AdjustKeyModel const& key)
 
 void writeLayer(JsonText& json, LayerModel const& layer)
 {
-    if (!layer.contours.isEmpty())
-    {
-        throw KORV_BadArgument(
-            __FILE__, __LINE__,
-            QStringLiteral("Layer \"%1\" has contours, which project files don't hold").arg(layer.name), QString());
-    }
     json.open(nullptr, '{');
     json.string("name", layer.name);
     writeName(json, "clip", layer.clip);
@@ -365,6 +178,8 @@ void writeLayer(JsonText& json, LayerModel const& layer)
     writeArray(json, "tracking", layer.tracks, writeTrack);
     writeArray(json, "adjust", layer.adjust, writeAdjustKey);
     writeStabilize(json, layer.stabilize);
+    writeLayerShapes(json, layer);
+    writeLayerObject(json, layer);
     json.close('}');
 }
 
@@ -407,6 +222,10 @@ QByteArray writeProject(ProjectModel const& model)
     writeRange(json, "playback", model.playbackIn, model.playbackOut, lastFrame);
     writeRange(json, "trim", model.trimIn, model.trimOut, lastFrame);
     writeArray(json, "layers", model.layers, writeLayer);
+    if (model.solve)
+    {
+        writeSolve(json, *model.solve);
+    }
     json.close('}');
     return json.take();
 }

@@ -55,6 +55,15 @@ namespace Korvane
 
 class ControlPoint;
 
+/// The parts that a contour is exported in.
+struct ContourPieces
+{
+    int count = 1;
+
+    /// What Contour::getShapeKeyframesAsStrings() takes to make one of them.
+    QStringList data;
+};
+
 /// A roto contour of a layer. Its control points ride on the layer's surface: where they
 /// are seen at a frame is where the layer's homography of that frame carries them.
 class MARLO_HOST_API Contour
@@ -74,14 +83,7 @@ public:
     /// By contexts of every frame of the layer's clip, from 0.
     using HomographyMap = QMap<Anm::Context, HomographyWithCamera>;
 
-    /// The parts that a contour is exported in.
-    struct Pieces
-    {
-        int count = 1;
-
-        /// What getShapeKeyframesAsStrings() takes to make one of them.
-        QStringList data;
-    };
+    using Pieces = ContourPieces;
 
     virtual ~Contour();
 

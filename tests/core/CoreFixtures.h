@@ -85,27 +85,15 @@ inline MarloHost::ProjectModel projectOf(std::vector<MarloHost::LayerModel> laye
     return model;
 }
 
-/// A contour of which only the Veil ML question can be asked.
-class FakeContour : public Korvane::Contour
+/// A triangle that comes from a Veil ML model in the views of those names.
+inline MarloHost::ContourModel veiledContour(QStringList const& views)
 {
-public:
-    explicit FakeContour(std::optional<Anm::View> veilView) : m_veilView(veilView)
-    {
-    }
-
-    KORV_Layer const& parentLayer() const override
-    {
-        throw std::logic_error("not in use");
-    }
-
-    bool isVeilML(Anm::View const& view) const override
-    {
-        return m_veilView && *m_veilView == view;
-    }
-
-private:
-    std::optional<Anm::View> m_veilView;
-};
+    MarloHost::ContourModel contour;
+    contour.name = "triangle";
+    contour.veilML = views;
+    contour.keys = {{0, {0, 0, 0, 0, 0, 0, 9, 0, 0, 0, 0, 0, 0, 9, 0, 0, 0, 0}, {}}};
+    return contour;
+}
 
 /// Takes the categories that it was given and counts what it is asked.
 class FakeHost : public TXIHost
@@ -149,6 +137,11 @@ public:
     TXIHost const* host() const override
     {
         return &m_host;
+    }
+
+    QSize compositionSize() const override
+    {
+        return QSize(640, 360);
     }
 
 private:

@@ -106,12 +106,13 @@ TEST(ExporterWrapper, TracksAndShapesNeedTheLayersThatWereAskedFor)
 TEST(ExporterWrapper, ShapesOfVeilContoursAreRefused)
 {
     Anm::View const view = Anm::View::defaultView();
-    Anm::View const otherView(view.id() + 1);
     MarloHost::LayerModel plain = layer("plain");
-    plain.contours = {boost::make_shared<FakeContour>(std::nullopt), boost::make_shared<FakeContour>(otherView)};
+    plain.contours = {veiledContour({}), veiledContour({"right"})};
     MarloHost::LayerModel veiled = layer("veiled");
-    veiled.contours = {boost::make_shared<FakeContour>(std::nullopt), boost::make_shared<FakeContour>(view)};
-    Project const project = MarloHost::makeProject(projectOf({plain, veiled}, "plain"));
+    veiled.contours = {veiledContour({}), veiledContour({"main"})};
+    MarloHost::ProjectModel model = projectOf({plain, veiled}, "plain");
+    model.views = QStringList{"main", "right"};
+    Project const project = MarloHost::makeProject(model);
     QString const refusal = "Exporting shape data from layers with Veil ML contours is not supported.";
 
     EXPECT_EQ(reasonAgainst(shape({ZN::SelectedLayer, ""}, nullptr), *project), QString());

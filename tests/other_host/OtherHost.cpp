@@ -372,6 +372,18 @@ bool KORV_Layer::isMoving() const
 {
     return false;
 }
+ZN::Point3DParameterSet const& KORV_Layer::points() const
+{
+    throw std::logic_error("this host has no scene");
+}
+QString const& KORV_Layer::textID() const
+{
+    throw std::logic_error("this host has no scene");
+}
+QColor KORV_Layer::colour() const
+{
+    return Qt::white;
+}
 KV::Surface const& KORV_Layer::surface() const
 {
     return m_data->surface;

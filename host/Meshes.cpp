@@ -1,0 +1,15 @@
+#include "Host/MeshTracking.h"
+
+namespace ZN
+{
+namespace MeshTracking
+{
+
+struct Vertex::Data
+{
+};
+
+ParameterSet::~ParameterSet() = default;
+
+}
+}

@@ -1,0 +1,36 @@
+#pragma once
+// The reference host's records behind the 3D scene.
+
+#include "Host/KORV_ProjectManager.h"
+#include "Host/Scene3D.h"
+#include "marlohost/ProjectModel.h"
+
+struct ZN::Camera3DParameterSet::Data
+{
+    MarloHost::CameraModel const* model = nullptr;
+    Anm::Parameter<unsigned int> solved;
+    Anm::Parameter<double> filmSize;
+
+    /// Where the camera is from the pose of the model: an eye of a rig stands to the side and
+    /// may be turned inwards. Null for the model's own camera.
+    MarloHost::StereoModel const* rig = nullptr;
+
+    /// -1 for the left eye, 1 for the right one.
+    int side = 0;
+};
+
+struct ZN::Point3DParameterSet::Data
+{
+    MarloHost::PoseModel const* pose = nullptr;
+
+    /// What it hangs on; null for the scene.
+    Point3DParameterSet const* parent = nullptr;
+};
+
+namespace MarloHost
+{
+
+/// The scene of a project; empty when it has no solve. The model must outlive it.
+std::unique_ptr<ZN::Scene3DParameterSet> makeScene(ProjectModel const& model, KORV_SelectionManager const& layers);
+
+}
