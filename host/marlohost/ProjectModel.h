@@ -163,7 +163,7 @@ struct FileAssetModel
     QString layer;
 
     /// At rest.
-    PoseModel pose;
+    PoseModel pose{};
 };
 
 /// Numbers of a stereo rig, which moves as the camera says.
@@ -182,7 +182,7 @@ struct StereoModel
 struct CameraModel
 {
     /// Without scales.
-    PoseModel pose;
+    PoseModel pose{};
 
     /// Millimetres.
     KeyedNumber focalLength{35.0, {}, {}};
@@ -274,7 +274,7 @@ struct GroupModel
     bool moving = false;
 
     /// As a moving object of the solve, relative to the group that holds it.
-    PoseModel pose;
+    PoseModel pose{};
 };
 
 /// Homographies of one view: `homographies` holds nine numbers, row by row, for
@@ -350,7 +350,7 @@ struct LayerModel
 
     /// As an object of the solve, relative to the group that holds it; keyed only when the
     /// layer is moving, and relative to the scene when it isn't.
-    PoseModel pose;
+    PoseModel pose{};
 
     /// Solved points on the surface, and solved vertices of the mesh.
     std::optional<PointCloudModel> surfacePoints;

@@ -105,7 +105,6 @@ TEST(ExporterWrapper, TracksAndShapesNeedTheLayersThatWereAskedFor)
 
 TEST(ExporterWrapper, ShapesOfVeilContoursAreRefused)
 {
-    Anm::View const view = Anm::View::defaultView();
     MarloHost::LayerModel plain = layer("plain");
     plain.contours = {veiledContour({}), veiledContour({"right"})};
     MarloHost::LayerModel veiled = layer("veiled");
