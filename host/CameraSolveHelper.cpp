@@ -562,10 +562,5 @@ bool ExporterHelper::isOldSolveData() const
     return m_data->solve && m_data->solve->legacy;
 }
 
-Anm::Time operator-(Anm::Context const& context, int frames)
-{
-    return Anm::Time::fromDouble(context.time().value() - frames);
-}
-
 }
 }

@@ -228,8 +228,5 @@ private:
     std::unique_ptr<Data> m_data;
 };
 
-/// The time that many frames before the context.
-MARLO_HOST_API Anm::Time operator-(Anm::Context const& context, int frames);
-
 }
 }
