@@ -372,8 +372,8 @@ INSTANTIATE_TEST_SUITE_P(Table, Delivered,
                                          Delivery{"turned over, static axes", false, TURNED, 0, SceneApart, 0},
                                          Delivery{"left eye", false, TURNED, 21, SceneApplied, -1},
                                          Delivery{"right eye", false, UNIT, 0, SceneApplied, 1},
-                                         Delivery{"legacy, axes of its own", true, UNIT, 21, SceneApplied, 0},
-                                         Delivery{"legacy, turned over", true, TURNED, 21, SceneApplied, 0}));
+                                         Delivery{"legacy, axes of its own", true, UNIT, 14, SceneApplied, 0},
+                                         Delivery{"legacy, turned over", true, TURNED, 0, SceneApplied, 0}));
 
 TEST(SolveCamera, EyesStandBesideTheCameraAndTurnInwards)
 {
