@@ -23,6 +23,26 @@ double stretch(Homography const& h, Homography::Projected const& p)
     return (std::sqrt((a + d) * (a + d) + (c - b) * (c - b)) + std::sqrt((a - d) * (a - d) + (b + c) * (b + c))) / 2;
 }
 
+/// The steepest slope of a cubic against a direction of length 1; unbounded where it
+/// turns back. Steps between control points of `tiny` length count as none.
+double steepest(Cubic const& cubic, Pos2 const& along, double tiny)
+{
+    Pos2 const across = turned(along);
+    double slope = 0;
+    for (std::size_t i = 0; i < 3; ++i)
+    {
+        Pos2 const step = minus(cubic[i + 1], cubic[i]);
+        double const forward = dot(step, along);
+        double const aside = std::fabs(dot(step, across));
+        if (std::fabs(forward) <= tiny && aside <= tiny)
+        {
+            continue;
+        }
+        slope = std::max(slope, forward > 0 ? aside / forward : UNBOUNDED);
+    }
+    return slope;
+}
+
 /// The distance of the rational cubic with these weights from the cubic with the same
 /// points. With all weights within `off` of 1, at both ends 1, no share of a point differs
 /// by more than `error` of what it is in the cubic.
@@ -56,24 +76,6 @@ double distanceOfWeights(Cubic const& seen, std::array<double, 4> const& weights
     return error * std::min(reach, 0.75 * thick + slope * size / 2);
 }
 
-}
-
-double steepest(Cubic const& cubic, Pos2 const& along, double tiny)
-{
-    Pos2 const across = turned(along);
-    double slope = 0;
-    for (std::size_t i = 0; i < 3; ++i)
-    {
-        Pos2 const step = minus(cubic[i + 1], cubic[i]);
-        double const forward = dot(step, along);
-        double const aside = std::fabs(dot(step, across));
-        if (std::fabs(forward) <= tiny && aside <= tiny)
-        {
-            continue;
-        }
-        slope = std::max(slope, forward > 0 ? aside / forward : UNBOUNDED);
-    }
-    return slope;
 }
 
 double distanceInPicture(Cubic const& bezier, double inPlane, Homography const& map)

@@ -13,10 +13,6 @@ using Cubic = std::array<TXI::Pos2, 4>;
 
 constexpr double UNBOUNDED = std::numeric_limits<double>::infinity();
 
-/// The steepest slope of a cubic against a direction of length 1; unbounded where it
-/// turns back. Steps between control points of `tiny` length count as none.
-double steepest(Cubic const& cubic, TXI::Pos2 const& along, double tiny);
-
 /// A bound of how far, as it is seen, a curve is from a cubic whose control points a
 /// homography carried.
 ///

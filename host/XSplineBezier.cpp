@@ -139,52 +139,123 @@ Span makeSpan(XSplineSegment const& segment, double from, double to)
     return span;
 }
 
-/// How far the differences of a span reach, in all and in two directions.
-struct Reach
+/// What becomes of two vectors while both go from one value to another, linearly: the
+/// Bernstein coefficients of their product, which is quadratic.
+template <typename Product>
+std::array<double, 3> products(Pos2 const& u0, Pos2 const& u1, Pos2 const& v0, Pos2 const& v1, Product const& product)
 {
-    double any = 0;
-    double across = 0;
-    double along = 0;
+    return {product(u0, v0), (product(u0, v1) + product(u1, v0)) / 2, product(u1, v1)};
+}
 
-    /// Whether the X-spline stays beside the span from end to end.
-    bool isBeside = true;
+double largest(std::array<double, 3> const& coefficients)
+{
+    return std::max({std::fabs(coefficients[0]), std::fabs(coefficients[1]), std::fabs(coefficients[2])});
+}
 
-    void include(Span const& span, Pos2 const& direction, double tiny)
+/// Spans that go from one to another, and the X-splines that they stand for, against
+/// the chord of the span. Lengths that say how far something is from the chord, or along
+/// it, are times the length of the chord.
+class GoingSpan
+{
+public:
+    GoingSpan(Span const& from, Span const& to)
+        : m_from(from),
+          m_to(to),
+          m_fromChord(minus(from.bezier[3], from.bezier[0])),
+          m_toChord(minus(to.bezier[3], to.bezier[0]))
     {
-        Pos2 const normal = turned(direction);
-        for (std::size_t piece = 0; piece < span.pieces; ++piece)
+        Pos2 const step = minus(m_toChord, m_fromChord);
+        double const square = dot(step, step);
+        double const when = square > 0 ? std::clamp(-dot(m_fromChord, step) / square, 0.0, 1.0) : 0;
+        m_shortest = length(between(m_fromChord, m_toChord, when));
+        double const size = std::max(length(m_fromChord), length(m_toChord));
+        m_tiny = 1e-10 * size * size;
+    }
+
+    /// The largest distance at any moment of the X-spline from the span.
+    double distance() const
+    {
+        double any = 0;
+        double aside = 0;
+        for (std::size_t piece = 0; piece < m_from.pieces; ++piece)
         {
-            Difference const& difference = span.differences[piece];
-            for (Pos2 const& coefficient : difference.coefficients)
+            Difference const& from = m_from.differences[piece];
+            Difference const& to = m_to.differences[piece];
+            for (std::size_t i = 0; i < from.coefficients.size(); ++i)
             {
-                any = std::max(any, length(coefficient));
-                across = std::max(across, std::fabs(dot(coefficient, normal)));
-                along = std::max(along, std::fabs(dot(coefficient, direction)));
-            }
-            for (std::size_t i = 0; i < 6; ++i)
-            {
-                isBeside = isBeside && dot(difference.fromStart[i], direction) >= -tiny &&
-                           dot(difference.toEnd[i], direction) >= -tiny;
+                any = std::max({any, length(from.coefficients[i]), length(to.coefficients[i])});
+                aside = std::max(aside, largest(across(from.coefficients[i], to.coefficients[i])));
             }
         }
+        double const beside = aside / m_shortest + steepest() * any;
+        return isBeside() && beside < any ? beside : any;
     }
-};
 
-/// The distance of X-splines from spans that are linear between `a` and `b`. All that it is
-/// made of is convex in the points, once both are measured against one direction.
-double distanceInPlane(Span const& a, Span const& b)
-{
-    Pos2 const chord = plus(minus(a.bezier[3], a.bezier[0]), minus(b.bezier[3], b.bezier[0]));
-    double const size = length(chord);
-    Pos2 const direction = size > 0 ? times(1 / size, chord) : Pos2{1, 0};
-    double const tiny = 1e-10 * size;
-    Reach reach;
-    reach.include(a, direction, tiny);
-    reach.include(b, direction, tiny);
-    double const slope = std::max(steepest(a.bezier, direction, tiny), steepest(b.bezier, direction, tiny));
-    bool const graphs = reach.isBeside && slope < UNBOUNDED;
-    return graphs ? std::min(reach.any, reach.across + slope * reach.along) : reach.any;
-}
+private:
+    std::array<double, 3> across(Pos2 const& from, Pos2 const& to) const
+    {
+        return products(from, to, m_fromChord, m_toChord,
+                        [](Pos2 const& u, Pos2 const& v) { return dot(turned(v), u); });
+    }
+
+    std::array<double, 3> along(Pos2 const& from, Pos2 const& to) const
+    {
+        return products(from, to, m_fromChord, m_toChord, dot);
+    }
+
+    bool isForwards(Pos2 const& from, Pos2 const& to) const
+    {
+        std::array<double, 3> const ahead = along(from, to);
+        return std::min({ahead[0], ahead[1], ahead[2]}) >= -m_tiny;
+    }
+
+    // Whether the X-spline stays beside the span from end to end.
+    bool isBeside() const
+    {
+        for (std::size_t piece = 0; piece < m_from.pieces; ++piece)
+        {
+            for (std::size_t i = 0; i < 6; ++i)
+            {
+                if (!isForwards(m_from.differences[piece].fromStart[i], m_to.differences[piece].fromStart[i]) ||
+                    !isForwards(m_from.differences[piece].toEnd[i], m_to.differences[piece].toEnd[i]))
+                {
+                    return false;
+                }
+            }
+        }
+        return true;
+    }
+
+    // The steepest slope of the span against its chord; unbounded where it turns back.
+    // What two sums of positive numbers stand to each other is at most what the
+    // worst of their terms do.
+    double steepest() const
+    {
+        double slope = 0;
+        for (std::size_t i = 0; i < 3; ++i)
+        {
+            Pos2 const from = minus(m_from.bezier[i + 1], m_from.bezier[i]);
+            Pos2 const to = minus(m_to.bezier[i + 1], m_to.bezier[i]);
+            std::array<double, 3> const aside = across(from, to);
+            std::array<double, 3> const ahead = along(from, to);
+            for (std::size_t j = 0; j < 3; ++j)
+            {
+                if (std::fabs(aside[j]) > m_tiny || std::fabs(ahead[j]) > m_tiny)
+                {
+                    slope = std::max(slope, ahead[j] > 0 ? std::fabs(aside[j]) / ahead[j] : UNBOUNDED);
+                }
+            }
+        }
+        return slope;
+    }
+
+    Span const& m_from;
+    Span const& m_to;
+    Pos2 m_fromChord;
+    Pos2 m_toChord;
+    double m_shortest;
+    double m_tiny;
+};
 
 /// Turns keys around segment by segment.
 class Converter
@@ -277,7 +348,7 @@ private:
             for (std::size_t key = 0; key < m_keys.size(); ++key)
             {
                 distances.push_back(
-                    distanceInPlane(spans.at(key, span), spans.at(std::min(key + 1, m_keys.size() - 1), span)));
+                    GoingSpan(spans.at(key, span), spans.at(std::min(key + 1, m_keys.size() - 1), span)).distance());
             }
             if (!isCloseEnough(spans, span, distances))
             {

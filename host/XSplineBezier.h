@@ -24,8 +24,9 @@ struct PlaneView
 /// itself. Their number is the least for which the sum of two bounds is small enough:
 ///  - in the plane, of the distance of X(t) = N(t) / D(t) from the span B(t), by the
 ///    Bernstein coefficients of N - D B across the chord, plus those along it times
-///    the steepest slope of B: going along B by the difference along the chord gets to
-///    the point beside X. This times the largest stretch of the homography about the
+///    the steepest slope of B (going along B by the difference along the chord gets to
+///    the point beside X), all of it quadratic between keys. This times the largest
+///    stretch of the homography about the
 ///    span;
 ///  - in the picture, of the distance of the rational curve that a homography makes
 ///    of B from the cubic with the carried points, in the same way, once the weights at
