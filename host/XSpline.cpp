@@ -1,7 +1,5 @@
 #include "XSpline.h"
 
-#include "PlaneVector.h"
-
 #include <algorithm>
 
 namespace MarloHost
@@ -9,8 +7,6 @@ namespace MarloHost
 
 namespace
 {
-
-using TXI::Pos2;
 
 constexpr std::size_t STRIDE = 3;
 
@@ -90,36 +86,37 @@ Quintic composed(Quintic const& p, double offset, double factor)
     return result;
 }
 
-Blend blendAt(XSplineSegment const& segment, double t)
+Blend blendAt(double startWeight, double endWeight, double t)
 {
     Blend blend;
-    blendStart(segment.startWeight, t < segment.startWeight, blend[0], blend[2]);
+    blendStart(startWeight, t < startWeight, blend[0], blend[2]);
     Quintic before;
     Quintic after;
-    blendStart(segment.endWeight, 1 - t < segment.endWeight, before, after);
+    blendStart(endWeight, 1 - t < endWeight, before, after);
     blend[3] = mirrored(before);
     blend[1] = mirrored(after);
     return blend;
 }
 
-PointAndSpeed pointAndSpeedAt(XSplineSegment const& segment, double t)
+PlaceOnSegment placeAt(double startWeight, double endWeight, double t)
 {
-    Blend const blend = blendAt(segment, t);
-    Pos2 point{0, 0};
-    Pos2 speed{0, 0};
+    Blend const blend = blendAt(startWeight, endWeight, t);
+    PlaceOnSegment at;
     double sum = 0;
     double sumSlope = 0;
     for (std::size_t i = 0; i < 4; ++i)
     {
-        double const value = valueAt(blend[i], t);
-        double const slope = slopeAt(blend[i], t);
-        point = plus(point, times(value, segment.points[i]));
-        speed = plus(speed, times(slope, segment.points[i]));
-        sum += value;
-        sumSlope += slope;
+        at.place[i] = valueAt(blend[i], t);
+        at.speed[i] = slopeAt(blend[i], t);
+        sum += at.place[i];
+        sumSlope += at.speed[i];
     }
-    point = times(1 / sum, point);
-    return {point, times(1 / sum, minus(speed, times(sumSlope, point)))};
+    for (std::size_t i = 0; i < 4; ++i)
+    {
+        at.place[i] /= sum;
+        at.speed[i] = (at.speed[i] - sumSlope * at.place[i]) / sum;
+    }
+    return at;
 }
 
 std::size_t segmentCount(std::size_t pointCount, bool closed)
@@ -131,7 +128,7 @@ XSplineSegment segmentAt(std::vector<double> const& points, bool closed, std::si
 {
     std::size_t const count = points.size() / STRIDE;
     std::size_t const last = count - 1;
-    auto const point = [&](std::size_t i) { return Pos2{points[i * STRIDE], points[i * STRIDE + 1]}; };
+    auto const point = [&](std::size_t i) { return TXI::Pos2{points[i * STRIDE], points[i * STRIDE + 1]}; };
     auto const weight = [&](std::size_t i) { return points[i * STRIDE + 2]; };
     if (closed)
     {
@@ -143,11 +140,6 @@ XSplineSegment segmentAt(std::vector<double> const& points, bool closed, std::si
     return {{point(index == 0 ? 0 : index - 1), point(index), point(index + 1), point(std::min(index + 2, last))},
             index == 0 ? 0 : weight(index),
             index + 1 == last ? 0 : weight(index + 1)};
-}
-
-TXI::Pos2 pointAt(XSplineSegment const& segment, double t)
-{
-    return pointAndSpeedAt(segment, t).point;
 }
 
 }

@@ -26,17 +26,17 @@ std::size_t segmentCount(std::size_t pointCount, bool closed);
 /// begins and ends in its end points: they stand twice, and their weights count as 0.
 XSplineSegment segmentAt(std::vector<double> const& points, bool closed, std::size_t index);
 
-/// Where the segment is at t, 0 to 1.
-TXI::Pos2 pointAt(XSplineSegment const& segment, double t);
+/// How much something has of each of the four points of a segment.
+using Shares = std::array<double, 4>;
 
-/// Where it is at t, and its derivative by t.
-struct PointAndSpeed
+/// The place at t, 0 to 1, and its derivative by t.
+struct PlaceOnSegment
 {
-    TXI::Pos2 point;
-    TXI::Pos2 speed;
+    Shares place;
+    Shares speed;
 };
 
-PointAndSpeed pointAndSpeedAt(XSplineSegment const& segment, double t);
+PlaceOnSegment placeAt(double startWeight, double endWeight, double t);
 
 /// A polynomial of degree 5 by its powers.
 using Quintic = std::array<double, 6>;
@@ -50,6 +50,6 @@ Quintic composed(Quintic const& p, double offset, double factor);
 using Blend = std::array<Quintic, 4>;
 
 /// @param t anywhere in the piece that the functions are wanted of
-Blend blendAt(XSplineSegment const& segment, double t);
+Blend blendAt(double startWeight, double endWeight, double t);
 
 }
