@@ -573,6 +573,14 @@ Korvane::ShapeExporter::~ShapeExporter() = default;
 void Korvane::ShapeExporter::copyToClipboard(Fnd::IClipboard&, QString const&, bool) const
 {
 }
+Korvane::GlimmersetShapeExporter::~GlimmersetShapeExporter() = default;
+std::shared_ptr<QMap<QString, QByteArray>> Korvane::GlimmersetShapeExporter::exportShape(KORV_ProjectManager&,
+                                                                                         QString const&,
+                                                                                         QList<unsigned int> const&,
+                                                                                         Options const&) const
+{
+    throw std::logic_error("this host has no contours");
+}
 KV::CameraSolveExporter::CameraSolveExporter() = default;
 KV::CameraSolveExporter::~CameraSolveExporter() = default;
 void KV::CameraSolveExporter::setUserOptions(ExportOptionsReceiver&) const
