@@ -94,12 +94,17 @@ void NukeCurve::appendTo(QString& out) const
         Text::appendGeneral(out, static_cast<double>(key.value));
         separator = " x";
     }
+    if (m_keys.empty())
+    {
+        // Without keys a second blank stands in their place.
+        out += QLatin1Char(' ');
+    }
     out += QLatin1Char('}');
 }
 
 long long NukeCurve::textLimit() const
 {
-    constexpr int AROUND_KEYS = 8;    // "{curve }"
+    constexpr int AROUND_KEYS = 9;    // "{curve  }"
     constexpr int AROUND_NUMBERS = 3; // " x1 1"
     constexpr int LONGEST_VALUE = 12; // "-1.23457e+06"
     int const frame = m_keys.empty() ? 0 : std::max(frameLength(m_keys.front()), frameLength(m_keys.back()));

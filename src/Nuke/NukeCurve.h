@@ -45,7 +45,7 @@ public:
     void removeKeyframes(std::vector<float> const& frames);
 
     /// The curve as Nuke reads it, "{curve x1 100.5 x2 101.25}": frames rounded to whole
-    /// numbers, values with six significant digits.
+    /// numbers, values with six significant digits. Without keys it is "{curve  }".
     operator QString() const;
 
     /// Appends that text.
