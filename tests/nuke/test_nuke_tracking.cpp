@@ -222,6 +222,17 @@ TEST(NukeNames, AreCopiedAsTheyStand)
     }
 }
 
+TEST(NukeNames, LongerThanAPieceOfTheTextKeepTheirPairsOfSurrogates)
+{
+    QString const pairs = QString::fromUtf8("\xF0\x9F\x8E\xAC").repeated(700'000);
+    for (QString const& name : {pairs, "a" + pairs})
+    {
+        QByteArray const contents = run(NukeCornerPinExporter(), slider(name)).files.value("out.nk");
+        EXPECT_TRUE(contents.startsWith("CornerPin2D {\n to1 {{curve x1001 100 "));
+        EXPECT_TRUE(contents.endsWith("\n name CornerPin2D_" + name.toUtf8() + "\n}\n")) << name.size();
+    }
+}
+
 TEST(NukeViews, FollowEachOtherInTheOrderOfTheOptionsEachWithItsOwnMotion)
 {
     QString const document = text(NukeCornerPinExporter(), stereo(), {1, 0});
