@@ -43,6 +43,8 @@ class Reading:
         self.step = 1.0 / model.line_height
         self.rows = (np.arange(model.frames) - model.playback_in) * self.step
         self.width = int(self.text.camera.header["Source Width"])
+        # What a millimetre of the camera measures in the header; old solves count pixels.
+        self.header_unit = self.width / self.camera.film_width if model.legacy else MILLIMETRE
         # What a scene unit measures in the file: about a pixel for what is as far away as the film is wide.
         self.unit = model.clip["width"] * self.camera.focal[0] / self.camera.film_width
         if "stereo" in model.solve:
@@ -57,7 +59,7 @@ class Reading:
     # --- the shape of the text
 
     def problems(self) -> List[str]:
-        return self._header_problems() + self._null_problems() + self._row_problems()
+        return self._header_problems() + (self._null_problems() or self._row_problems())
 
     def _header_problems(self) -> List[str]:
         clip, text = self.model.clip, self.text
@@ -65,10 +67,9 @@ class Reading:
         expected = {"Units Per Second": self.model.project.get("frameRate", 24),
                     "Source Width": int(clip["width"] * aspect), "Source Height": clip["height"],
                     "Source Pixel Aspect Ratio": aspect, "Comp Pixel Aspect Ratio": aspect}
-        focal = self.camera.focal[0] * (self.width / self.camera.film_width if self.model.legacy else MILLIMETRE)
         found = [(name, text.camera.header[name], value) for name, value in expected.items()]
-        found += [("FilmSize", text.film_size, self.camera.film_width * MILLIMETRE),
-                  ("FocalLength", text.focal_length, focal)]
+        found += [("FilmSize", text.film_size, self.camera.film_width * self.header_unit),
+                  ("FocalLength", text.focal_length, self.camera.focal[0] * self.header_unit)]
         problems = [f"header: {name} is {value:g} instead of {meant:g}" for name, value, meant in found
                     if abs(value - meant) > half_units(value) + SINGLE * value]
         if text.version != ("2.0" if self.options.hierarchy else "1.0"):
@@ -107,7 +108,7 @@ class Reading:
                                              frozenset({"position", "rotation"}))
         if ae_3d_text.has(self.text.camera, ZOOM):
             found = ae_3d_text.rows(self.text.camera, ZOOM)[1]
-            expected = self.camera.focal * (self.width / self.camera.film_width if self.model.legacy else MILLIMETRE)
+            expected = self.camera.focal * self.header_unit
             comparisons.append(self._compare("camera, zoom", self.rows, found, expected[:, None], SINGLE * found))
         for null, expected_null in zip(self.text.nulls, self.nulls):
             comparisons += self._compare_document(null.name, null.document, expected_null.local, expected_null.numbers)
@@ -134,30 +135,6 @@ class Reading:
         bound = half_units(found) + allowed + ARITHMETIC
         labels = [f"frame {frame:g}" for frame in frames]
         return compared(name, labels, [name], found[:, None, :], expected[:, None, :], bound[:, None, :])
-
-    def legacy_faults(self) -> List[str]:
-        """What is known of the numbers of an old solve: they are those of the solve but for signs of axes and turns.
-
-        The signs are constant, those of positions the same for camera and nulls; the unit is any.
-        """
-        found, expected = [ae_3d_text.rows(self.text.camera, POSITION)[1]], [self.camera.place.position]
-        for null, expected_null in zip(self.text.nulls, self.nulls):
-            held = self._held(null.document, POSITION)[0]
-            found.append(held)
-            expected.append(expected_null.local.position)
-        faults = []
-        if not _alike(np.concatenate(found), np.concatenate(expected)):
-            faults.append("positions are not those of the solve")
-        angles = ae_3d_text.rows(self.text.camera, *ROTATIONS)[1]
-        # The angles of the transposed rotation about static axes are these, reversed.
-        meant = rotating_xyz_angles(self.camera.place.rotation)
-        if not any(np.all(np.abs(_wrapped(angles - meant * signs)) <= half_units(angles) + ARITHMETIC)
-                   for signs in _SIGNS):
-            faults.append("angles are not those of the solve")
-        zoom = ae_3d_text.rows(self.text.camera, ZOOM)[1][:, 0]
-        if np.any(np.abs(zoom - self.focal_pixels()) > half_units(zoom) + SINGLE * zoom):
-            faults.append(f"the zoom is {zoom[0]:g} px instead of {self.focal_pixels()[0]:g} px")
-        return faults
 
     # --- the scene that the program builds from them
 
@@ -218,27 +195,7 @@ class Reading:
             point = numbers[..., 0:3] + np.einsum("fpij,fpj->fpi", rotating_xyz(numbers[..., 3:6]), scaled)
         rotation = AXES @ rotating_xyz(camera[:, 0, 3:6]) @ AXES
         focal = lens[:, 0, 0] / lens[:, 0, 1] * self.width
-        if self.model.legacy:
-            focal = lens[:, 0, 0]
         return Camera(camera[:, 0, 0:3] @ AXES, rotation, focal).project(point @ AXES)
-
-
-_SIGNS = np.array([[x, y, z] for x in (1.0, -1.0) for y in (1.0, -1.0) for z in (1.0, -1.0)])
-
-
-def _wrapped(degrees: np.ndarray) -> np.ndarray:
-    return degrees - 360.0 * np.round(degrees / 360.0)
-
-
-def _alike(found: np.ndarray, expected: np.ndarray) -> bool:
-    """Whether (rows, 3) positions are others times a unit and constant signs of the axes, to six digits."""
-    for signs in _SIGNS:
-        signed = expected * signs
-        unit = np.sum(found * signed) / np.sum(signed * signed)
-        # The unit itself is fitted to rounded numbers: half a unit of the largest is what it may add.
-        if unit > 0.0 and np.all(np.abs(found - unit * signed) <= half_units(found) + half_units(np.abs(found).max())):
-            return True
-    return False
 
 
 def nearest_angles(rotation: np.ndarray, found: np.ndarray) -> np.ndarray:

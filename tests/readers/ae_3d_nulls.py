@@ -1,4 +1,4 @@
-"""What the text of a camera with nulls has to say of a solve: its nulls in their order, what they hang on, their numbers."""
+"""The nulls that a text of a solve has to have: their order, what they hang on, and their numbers."""
 
 from dataclasses import dataclass, replace
 from typing import FrozenSet, List, Optional
@@ -76,7 +76,10 @@ class _NullList:
             self._asset(asset)
 
     def _wanted(self, described) -> bool:
-        return {"all": True, "visible": not described.hidden, "selected": described.selected}[self.options.objects]
+        """Features of a hidden layer are hidden with it."""
+        tied = getattr(described, "layer", None)
+        hidden = described.hidden or (tied is not None and self.model.layers[tied].hidden)
+        return {"all": True, "visible": not hidden, "selected": described.selected}[self.options.objects]
 
     def _holder(self, layer: Optional[int], otherwise: Placement) -> Placement:
         return self.model.scene.holding(otherwise) if layer is None else self.model.layers[layer].world
@@ -88,17 +91,19 @@ class _NullList:
     def _layer(self, index: int) -> str:
         if not self.options.hierarchy:
             return ""
-        layer, parent = self.model.layers[index], ""
+        layer = self.model.layers[index]
         name = layer.name.replace(" ", "_")
         if f"layer {index}" in self._listed:
             return name
         self._listed.append(f"layer {index}")
-        if layer.group is not None:
-            parent, world = layer.group.replace(" ", "_"), self.model.group_world(layer.group)
-            if f"group {layer.group}" not in self._listed:
-                self._listed.append(f"group {layer.group}")
-                self._add(parent, "", world, world)
-        return self._add(name, parent, layer.local if parent else layer.world, layer.world)
+        if not layer.moving or layer.outermost is None:
+            return self._add(name, "", layer.world, layer.world)
+        # A moving layer hangs on its outermost group; those in between go into its own motion.
+        parent, outer = layer.outermost.replace(" ", "_"), self.model.group_world(layer.outermost)
+        if f"group {layer.outermost}" not in self._listed:
+            self._listed.append(f"group {layer.outermost}")
+            self._add(parent, "", outer, outer)
+        return self._add(name, parent, outer.inverse().holding(layer.world), layer.world)
 
     def _root(self) -> str:
         if not self.options.hierarchy:
@@ -116,7 +121,7 @@ class _NullList:
 
     def _asset(self, asset) -> None:
         """An asset is written relative to its layer, also by the version that has no parents."""
-        name = asset.path.rsplit("/", 1)[-1].rsplit(".", 1)[0]
+        name = asset.path.rsplit("/", 1)[-1].split(".", 1)[0]
         parent = "" if asset.layer is None else self._layer(asset.layer)
         local, shown = asset.local, np.ones(self.model.frames, bool)
         if asset.layer is None:

@@ -16,15 +16,17 @@ Columns = List[Tuple[str, np.ndarray]]
 
 def write(model: SceneModel, options: Options) -> bytes:
     camera, nulls = model.camera(options.view), expected_nulls(model, options)
+    width = int(model.clip["width"] * model.clip.get("pixelAspect", 1))
+    header_unit = width / camera.film_width if model.legacy else MILLIMETRE
     lines = [f"*Marlo 3D Track Importer {'2.0' if options.hierarchy else '1.0'} Data",
-             f"*FilmSize: {camera.film_width * MILLIMETRE:.6g}", f"*FocalLength: {camera.focal[0] * MILLIMETRE:.6g}",
+             f"*FilmSize: {camera.film_width * header_unit:.6g}", f"*FocalLength: {camera.focal[0] * header_unit:.6g}",
              f"*NumberOfNulls: {len(nulls)}"]
     lines += [f"*{'NullParent' if null.is_parent else 'NullObject'}: {null.name}"
               + (f" Parent: {null.parent}" if null.parent else "") for null in nulls]
     unit = model.clip["width"] * camera.focal[0] / camera.film_width * (RIG_SCALE if "stereo" in model.solve else 1.0)
     blocks = _pose(camera.place, unit)[:-1]
-    if camera.focal_is_keyed:
-        blocks.append((ZOOM, camera.focal[:, None] * MILLIMETRE))
+    if camera.focal_is_keyed or model.legacy:
+        blocks.append((ZOOM, camera.focal[:, None] * header_unit))
     text = "\n".join(lines) + "\n*EndHeader\n" + _document(model, blocks, model.frames)
     for null in nulls:
         text += _document(model, _pose(null.local, unit), 1 if null.still else model.frames)

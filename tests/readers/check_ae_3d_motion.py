@@ -26,7 +26,7 @@ from tool import Tool
 # What half units of six digits may cost in these scenes at the most, pixels.
 CEILING = 0.05
 
-# What is exported beside everything of every project. Legacy solves have a page of their own below.
+# What is exported beside everything of every project.
 MORE: Tuple[Tuple[str, Options], ...] = (
     ("features", Options(features=False)), ("features", Options(objects="visible")),
     ("features", Options(objects="selected")), ("moving parts", Options(features=False)),
@@ -100,36 +100,6 @@ def check_combinations(check: Check) -> None:
             options = Options(hierarchy)
             check.judge(name, check.export(name, project, options), SceneModel(project), options, quiet=True)
     print(f"{len(projects)} combinations of layer, group, features and asset, in both formats")
-
-
-def check_legacy(check: Check) -> None:
-    """An old solve keeps its own axes and signs, but the same in every row, and its numbers are those of the solve."""
-    project = scene_shots.legacy()
-    model = SceneModel(project)
-    for hierarchy in (True, False):
-        text = check.export("legacy", project, Options(hierarchy))
-        if text is None:
-            continue
-        try:
-            reading = Reading(text, model, Options(hierarchy))
-        except KeyframeTextError as error:
-            check.fail(f"legacy: {error}")
-            continue
-        faults = reading.problems() or reading.legacy_faults()
-        for fault in faults:
-            check.fail(f"legacy: {fault}")
-        check.good += not faults
-
-
-def check_refusals(check: Check) -> None:
-    """A rig is exported one eye at a time."""
-    project = check.scratch / "refused.json"
-    project.write_text(json.dumps(scene_shots.rig()), encoding="utf-8")
-    for key in (Options(True).key, Options(False).key):
-        target = check.scratch / "refused.txt"
-        status, errors = check.tool.run("export", project, key, "--view", "all", "-o", target)
-        if status != 1 or target.exists() or not any("No 3D solution ready" in line for line in errors):
-            check.fail(f"{key}: both eyes at once end with status {status}: {' / '.join(errors)}")
 
 
 def plant_faults(check: Check, name: str, text: bytes, model: SceneModel, options: Options, zoom: bool,
@@ -214,17 +184,20 @@ End of Keyframe Data
 
 
 def check_by_hand(check: Check) -> None:
-    """Answers that were worked out on paper."""
+    """Answers that were worked out on paper.
+
+    The camera that stands at x 10 was raised to the zenith and then turned to -x: y is to its right, z is up. The null
+    in the program's picture lies at (100, 50, 30) in its parent, so at (-100, 200, 60), seen from 900 away with z to
+    the left.
+    """
     layers = [scene_shots.layer("Layer 1", group="g", moving=True, pose={"firstFrame": 0, "positions": [1, 0, 0]},
                                 surfacePoints={"positions": [0, 1, 0]})]
     pose = {"firstFrame": 0, "positions": [0, 0, 5], "rotations": [0, 0, 90], "scales": [2]}
     model = SceneModel(scene_shots.project(
         {"camera": {"positions": [10, 0, 0], "rotations": [90, 0, 90], "focalLength": 18, "filmBackWidth": 36}}, layers,
         {"width": 2000, "height": 1000, "frameCount": 1}, groups=[{"name": "g", "moving": True, "pose": pose}]))
-    # The null in the program: (100, 50, 30) doubled, turned to (-100, 200, 60), seen from 900 away with z to the left.
     reading = Reading(BY_HAND.encode(), model, Options())
     answers = [("the program's picture", reading.pixels(*reading.printed()[0])[0, 1], [-60 / 0.9, -200 / 0.9])]
-    # A camera at x 10, raised to the zenith and then turned to -x: y is to its right, z is up.
     place = model.camera().place
     camera = Camera(place.position, place.rotation, reading.focal_pixels())
     answers.append(("the solve's picture", camera.project(np.array([[[0.0, 3.0, 1.0]]]))[0, 0], [300, 100]))
@@ -235,8 +208,8 @@ def check_by_hand(check: Check) -> None:
     rig = SceneModel(scene_shots.project({"camera": {"positions": [0, 0, 9], "focalLength": 18}, "stereo": {
         "mode": "converged", "separation": 2, "convergence": 180}}, views=["left", "right"]))
     left, right = rig.camera("left").place, rig.camera("right").place
-    answers += [("the left eye", left.position[0], [-1, 0, 9]), ("where it looks", -left.rotation[0][:, 2], [1, 0, 0]),
-                ("the right eye", right.position[0], [1, 0, 9]), ("where it looks", -right.rotation[0][:, 2], [-1, 0, 0])]
+    answers += [("the left eye", left.position[0], [-1, 0, 9]), ("its view", -left.rotation[0][:, 2], [1, 0, 0]),
+                ("the right eye", right.position[0], [1, 0, 9]), ("its view", -right.rotation[0][:, 2], [-1, 0, 0])]
     for name, found, expected in answers:
         if not np.allclose(found, expected, rtol=0.0, atol=1e-9):
             check.fail(f"by hand: {name} is {found} instead of {expected}")
@@ -266,8 +239,8 @@ def main() -> int:
     program, scratch = sys.argv[1], Path(sys.argv[3])
     scratch.mkdir(parents=True, exist_ok=True)
     check = Check(Tool(program), scratch)
-    for part in (check_by_hand, check_bound, check_reader, check_exports, check_combinations, check_legacy,
-                 check_refusals, check_faults_are_noticed):
+    for part in (check_by_hand, check_bound, check_reader, check_exports, check_combinations,
+                 check_faults_are_noticed):
         part(check)
     print(f"{check.good} texts are good, {len(check.failures)} failures")
     return 1 if check.failures else 0

@@ -74,6 +74,12 @@ class Placement:
                          self.scale * child.scale)
 
 
+    def inverse(self) -> "Placement":
+        turned_back = np.swapaxes(self.rotation, -1, -2)
+        position = -np.einsum("fij,fj->fi", turned_back, self.position) / self.scale[:, None]
+        return Placement(position, turned_back, 1.0 / self.scale)
+
+
 def at_origin(frames: int) -> Placement:
     return Placement(np.zeros((frames, 3)), np.tile(np.eye(3), (frames, 1, 1)), np.ones(frames))
 
@@ -146,30 +152,24 @@ def _points(described: Optional[Dict[str, Any]], word: str, frames: int) -> Poin
     if not described or not described["positions"]:
         return PointSet([], np.zeros((frames, 0, 3)))
     numbers = np.array(described["positions"], float)
-    sets = 1
-    if "frames" in described:
-        sets = len(described["frames"])
-    elif "firstFrame" in described:
-        sets = len(numbers) // (3 * len(described["names"]))
-    samples = numbers.reshape(sets, -1, 3)
+    samples = numbers.reshape(len(described.get("frames", [0])), -1, 3)
     names = described.get("names", [f"{word} {i + 1}" for i in range(samples.shape[1])])
     return PointSet(names, _rows(described, samples, frames))
 
 
 @dataclass(frozen=True)
 class SceneLayer:
-    """`local` is relative to the group where `group` is set, else to the scene; `world` has the scene's pose in it.
+    """`world` has the scene's pose in it; `outermost` is the group at the top of those that hold the layer.
 
-    `group` is the moving group that a moving layer follows. `first` and `last` are its host frames.
+    `first` and `last` are its host frames.
     """
     name: str
     moving: bool
     hidden: bool
     selected: bool
-    group: Optional[str]
+    outermost: Optional[str]
     first: int
     last: int
-    local: Placement
     world: Placement
     points: PointSet
 
@@ -261,6 +261,7 @@ class SceneModel:
     def _layer(self, layer: Dict[str, Any]) -> SceneLayer:
         ancestors = self._ancestors(layer)
         moving = layer.get("moving", False)
+        # A layer is placed in its group when both move, else in the scene.
         follows = moving and bool(ancestors) and ancestors[0].get("moving", False)
         local = placement(layer.get("pose"), self.frames)
         outer = self.group_world(ancestors[0]["name"]) if follows else self.scene
@@ -269,5 +270,5 @@ class SceneModel:
         points = PointSet(surface.names + mesh.names, np.concatenate([surface.positions, mesh.positions], axis=1))
         hidden = layer.get("hidden", False) or any(group.get("hidden", False) for group in ancestors)
         return SceneLayer(layer["name"], moving, hidden, layer.get("selected", False),
-                          ancestors[0]["name"] if follows else None, layer.get("in", 0),
-                          layer.get("out", self.frames - 1), local, outer.holding(local), points)
+                          ancestors[-1]["name"] if ancestors else None, layer.get("in", 0),
+                          layer.get("out", self.frames - 1), outer.holding(local), points)

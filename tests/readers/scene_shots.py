@@ -1,7 +1,7 @@
 """Solved shots with known answers, made here, for everything that exports a camera and points.
 
-Each is chosen so that a wrong sign, order, side, unit or parent moves points by many pixels: cameras turn about all three
-axes by large angles, poses have turns about all three axes, offsets and scales, and nothing lies in the middle.
+Each is chosen so that a wrong sign, order, side, unit or parent moves points by many pixels: cameras turn about all
+three axes by large angles, poses have turns about all three axes, offsets and scales, and nothing lies in the middle.
 """
 
 from itertools import product
@@ -31,11 +31,11 @@ def _static_angles(rotation: np.ndarray) -> np.ndarray:
 def orbit(frames: int = FRAMES, distance: float = 9.0, start=(24.0, 65.0, -140.0), step=(-2.6, 8.3, 7.1)) -> Project:
     """A camera that looks at the origin from all round it, rolls about its own axis, and misses the middle a little."""
     at = np.arange(frames)[:, None]
-    angles = np.array(start) + at * np.array(step)
     # Elevation and heading are those of the place, the roll is about the line of sight.
-    turns = static_xyz(np.stack([angles[:, 0] * 0.0, angles[:, 1], angles[:, 0] * 0.0], axis=1))
-    turns = turns @ static_xyz(np.stack([-angles[:, 0], 0.0 * angles[:, 0], 0.0 * angles[:, 0]], axis=1))
-    rolled = turns @ static_xyz(np.stack([0.0 * angles[:, 0], 0.0 * angles[:, 0], angles[:, 2]], axis=1))
+    elevation, heading, roll = (static_xyz(at * step[i] * axis + start[i] * axis)
+                                for i, axis in enumerate(np.diag([-1.0, 1.0, 1.0])))
+    turns = heading @ elevation
+    rolled = turns @ roll
     positions = turns @ np.array([0.4, -0.3, distance]) + 0.03 * at * np.array([1.0, -2.0, 0.5])
     return {"positions": _flat(positions), "rotations": _flat(_static_angles(rolled)), "firstFrame": 0,
             "focalLength": 35, "filmBackWidth": 36}
@@ -86,7 +86,7 @@ def project(solve: Project, layers: Optional[List[Project]] = None, clip: Option
 def _moving_points() -> Project:
     at = np.arange(FRAMES)[:, None, None]
     cloud = np.array(CLOUD).reshape(1, -1, 3)
-    return {"firstFrame": 0, "names": ["a", "b c", "d", "e"], "positions": _flat(cloud + 0.02 * at * cloud[..., ::-1])}
+    return {"frames": list(range(FRAMES)), "names": ["a", "b c", "d", "e"], "positions": _flat(cloud + 0.02 * at * cloud[..., ::-1])}
 
 
 def _moving_parts() -> Project:
@@ -134,19 +134,29 @@ def rig(mode: str = "parallel") -> Project:
 def legacy() -> Project:
     """A solve of an old version; its features are not exported."""
     wall = layer("Old wall", surfacePoints=points())
-    return project({"legacy": True, "features": [{"name": "cloud", **points(2)}]}, [wall], clip={"frameOffset": 11},
-                   playback=[2, 9])
+    return project({"legacy": True, "scene": SCENE, "features": [{"name": "cloud", **points(2)}]}, [wall],
+                   clip={"width": 960, "pixelAspect": 2, "frameOffset": 11}, playback=[2, 9])
+
+
+_GROUPS: Dict[str, List[Project]] = {
+    "": [],
+    "at rest": [{"name": "The group"}],
+    "moving": [{"name": "The group", "moving": True, "pose": swaying(10)}],
+    "moving in one at rest": [{"name": "Outer", "hidden": True},
+                              {"name": "The group", "moving": True, "pose": swaying(10), "parent": "Outer"}],
+    "at rest in a moving one": [{"name": "Outer", "moving": True, "pose": swaying(12)},
+                                {"name": "The group", "parent": "Outer"}],
+}
 
 
 def _combinations() -> Iterator[Tuple[str, Project]]:
     """What pairs names with documents: all that a layer, a group, features and an asset can be at a time."""
-    for own, moving, group, features, asset in product((0, 2), (False, True), ("", "rest", "moving"),
-                                                       ("", "free", "tied", "both"), ("", "free", "tied")):
+    for own, moving, group, features, asset in product((0, 2), (False, True), _GROUPS, ("", "free", "tied", "both"),
+                                                       ("", "free", "tied")):
         keys: Project = {"moving": moving, "pose": swaying(9) if moving else AT_REST}
-        groups = []
         if group:
             keys["group"] = "The group"
-            groups = [{"name": "The group", **({"moving": True, "pose": swaying(10)} if group == "moving" else {})}]
+        groups = _GROUPS[group]
         if own:
             keys["surfacePoints"] = points(own)
         solve: Project = {"features": [], "assets": []}
@@ -157,7 +167,8 @@ def _combinations() -> Iterator[Tuple[str, Project]]:
         if asset:
             solve["assets"].append({"path": "cup.obj", "positions": [0.1, 0.2, 0.3],
                                     **({"layer": "Thing"} if asset == "tied" else {})})
-        name = f"{own} points{' moving' * moving}, group {group or '-'}, features {features or '-'}, asset {asset or '-'}"
+        name = f"{own} points{' moving' * moving}, group {group or '-'}, features {features or '-'}, "
+        name += f"asset {asset or '-'}"
         yield name, project(solve, [layer("Thing", **keys)], groups=groups)
 
 
@@ -174,6 +185,8 @@ PROJECTS: Dict[str, Callable[[], Project]] = {
     "moving parts": _moving_parts,
     "features": _features,
     "assets": _assets,
+    "mesh": lambda: project({}, [layer("Sign", pose=AT_REST, surfacePoints=points(2), meshPoints=points(4))]),
+    "legacy": legacy,
     "moving points": lambda: project({}, [layer("Flag", pose=AT_REST, surfacePoints=_moving_points())]),
     "short layer": lambda: project({}, [layer("Short", **{"in": 3, "out": 8}, moving=True, pose=swaying(11),
                                               surfacePoints=points())]),
