@@ -224,7 +224,7 @@ class SceneModel:
         described = self.solve["camera"]
         place = self.scene.holding(placement(described, self.frames).holding(self._eye(view)))
         film = described.get("filmBackWidth", self.clip.get("filmBack", {}).get("width", 36.0))
-        focal = described["focalLength"]
+        focal = described.get("focalLength", 35.0)
         return SceneCamera(place, keyed(focal, self.frames), isinstance(focal, dict), float(film))
 
     def group_world(self, name: str) -> Placement:
@@ -243,7 +243,7 @@ class SceneModel:
         turns = np.zeros((self.frames, 3))
         if rig["mode"] == "converged":
             # Counter-clockwise from above turns the direction of view, -z, to the left.
-            turns[:, 1] = side * keyed(rig["convergence"], self.frames) / 2.0
+            turns[:, 1] = side * keyed(rig.get("convergence", 0.0), self.frames) / 2.0
         return Placement(position, static_xyz(turns), np.ones(self.frames))
 
     def _index(self, described: Dict[str, Any]) -> Optional[int]:
@@ -261,10 +261,9 @@ class SceneModel:
     def _layer(self, layer: Dict[str, Any]) -> SceneLayer:
         ancestors = self._ancestors(layer)
         moving = layer.get("moving", False)
-        # A layer is placed in its group when both move, else in the scene.
-        follows = moving and bool(ancestors) and ancestors[0].get("moving", False)
+        # What moves stands in the group that holds it, what doesn't in the scene.
         local = placement(layer.get("pose"), self.frames)
-        outer = self.group_world(ancestors[0]["name"]) if follows else self.scene
+        outer = self.group_world(ancestors[0]["name"]) if moving and ancestors else self.scene
         surface = _points(layer.get("surfacePoints"), "Point", self.frames)
         mesh = _points(layer.get("meshPoints"), "Vertex", self.frames)
         points = PointSet(surface.names + mesh.names, np.concatenate([surface.positions, mesh.positions], axis=1))

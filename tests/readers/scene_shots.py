@@ -150,9 +150,14 @@ _GROUPS: Dict[str, List[Project]] = {
 
 
 def _combinations() -> Iterator[Tuple[str, Project]]:
-    """What pairs names with documents: all that a layer, a group, features and an asset can be at a time."""
+    """What pairs names with documents: all that a layer, a group, features and an asset can be at a time.
+
+    What a layer at rest is held by changes nothing, so it is in two of the groups only.
+    """
     for own, moving, group, features, asset in product((0, 2), (False, True), _GROUPS, ("", "free", "tied", "both"),
                                                        ("", "free", "tied")):
+        if not moving and group not in ("", "moving"):
+            continue
         keys: Project = {"moving": moving, "pose": swaying(9) if moving else AT_REST}
         if group:
             keys["group"] = "The group"
