@@ -192,21 +192,15 @@ def _changed(data: bytes, change: Callable[[_Text], object]) -> bytes:
 
 
 def _imprecise(data: bytes) -> Iterator[Fault]:
-    """One angle or position of camera and nulls off by 2 units of its sixth digit, in the middle of each block."""
+    """One value off by 2 units of its sixth digit, for each column, in the middle of each block."""
     for index, document in enumerate(_Text(data).documents):
-        for title in (POSITION, *ROTATIONS):
-            if index and not _is_known(document, title):
-                continue
+        for title in (POSITION, *ROTATIONS) + (SCALE,) * (index > 0):
             for column in range(1, len(document.rows[document.find(title)[0]][0])):
                 def change(text: _Text) -> None:
                     rows = text.rows(index, title)
                     row = rows[len(rows) // 2]
                     row[column] = two_units_off(row[column])
                 yield f"document {index}, {title[10:]}, value {column} off by 2 units", _changed(data, change)
-
-
-def _is_known(document: EditableText, title: str) -> bool:
-    return title == POSITION or any(float(row[1]) for row in document.rows[document.find(title)[0]])
 
 
 def faults(data: bytes, zoom: bool, parents: bool) -> Iterator[Tuple[str, bool, bytes]]:

@@ -6,7 +6,7 @@ Width in square pixels, and a focal length in the header's unit divided by the f
 """
 
 from dataclasses import dataclass, field
-from typing import FrozenSet, List, Sequence, Tuple
+from typing import List, Sequence, Tuple
 
 import numpy as np
 
@@ -22,6 +22,7 @@ SINGLE = 2e-7
 
 # Allowance for the arithmetic of doubles, in any unit.
 ARITHMETIC = 1e-7
+
 
 @dataclass
 class Verdict:
@@ -103,28 +104,25 @@ class Reading:
     # --- its numbers, one by one
 
     def number_comparisons(self) -> List[Comparison]:
-        """Every number of which is known what it should be, against half a unit of its sixth digit."""
-        comparisons = self._compare_document("camera", self.text.camera, self.camera.place,
-                                             frozenset({"position", "rotation"}))
+        """Every number of the text against half a unit of its sixth digit."""
+        comparisons = self._compare_document("camera", self.text.camera, self.camera.place, False)
         if ae_3d_text.has(self.text.camera, ZOOM):
             found = ae_3d_text.rows(self.text.camera, ZOOM)[1]
             expected = self.camera.focal * self.header_unit
             comparisons.append(self._compare("camera, zoom", self.rows, found, expected[:, None], SINGLE * found))
         for null, expected_null in zip(self.text.nulls, self.nulls):
-            comparisons += self._compare_document(null.name, null.document, expected_null.local, expected_null.numbers)
+            comparisons += self._compare_document(null.name, null.document, expected_null.local, True)
         return comparisons
 
-    def _compare_document(self, name: str, document: Document, place: Placement,
-                          numbers: FrozenSet[str]) -> List[Comparison]:
+    def _compare_document(self, name: str, document: Document, place: Placement, scaled: bool) -> List[Comparison]:
         frames, found = ae_3d_text.rows(document, POSITION)
         at = np.searchsorted(self.rows, frames)
         position = self.unit * place.position[at] @ AXES
         comparisons = [self._compare(f"{name}, position", frames, found, position, SINGLE * np.abs(position))]
-        if "rotation" in numbers:
-            found = ae_3d_text.rows(document, *ROTATIONS)[1]
-            angles = nearest_angles(AXES @ place.rotation[at] @ AXES, found)
-            comparisons.append(self._compare(f"{name}, rotation", frames, found, angles, 0.0))
-        if "scale" in numbers:
+        found = ae_3d_text.rows(document, *ROTATIONS)[1]
+        angles = nearest_angles(AXES @ place.rotation[at] @ AXES, found)
+        comparisons.append(self._compare(f"{name}, rotation", frames, found, angles, 0.0))
+        if scaled:
             found = ae_3d_text.rows(document, SCALE)[1]
             percent = np.repeat(100.0 * place.scale[at, None], 3, axis=1)
             comparisons.append(self._compare(f"{name}, scale", frames, found, percent, SINGLE * percent))

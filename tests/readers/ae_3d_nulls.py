@@ -1,7 +1,7 @@
 """The nulls that a text of a solve has to have: their order, what they hang on, and their numbers."""
 
 from dataclasses import dataclass, replace
-from typing import FrozenSet, List, Optional
+from typing import List, Optional
 
 import numpy as np
 
@@ -18,8 +18,6 @@ STATIC_ROOT = "Static_auto_features"
 
 # A rig is written in hundredths of scene units.
 RIG_SCALE = 100.0
-
-POSES = frozenset({"position", "rotation", "scale"})
 
 
 @dataclass(frozen=True)
@@ -44,7 +42,7 @@ class ExpectedNull:
     """A null in scene units and the project's axes.
 
     `local` holds the numbers of its document and `parent` what they are relative to; `world` is (frames, 3). `shown`,
-    (frames,), is where it exists. `numbers` are those that are known; `still`: one row, at host frame 0.
+    (frames,), is where it exists; `still`: one row, at host frame 0. A null turns and scales with what holds it.
     """
     name: str
     parent: str
@@ -52,7 +50,6 @@ class ExpectedNull:
     local: Placement
     world: np.ndarray
     shown: np.ndarray
-    numbers: FrozenSet[str] = POSES
     still: bool = False
 
 
@@ -116,8 +113,7 @@ class _NullList:
         worlds, locals_ = holder.through(points.positions), outer.through(points.positions)
         for index, name in enumerate(points.names):
             local = replace(outer, position=locals_[:, index])
-            self.nulls.append(ExpectedNull(name, parent, False, local, worlds[:, index], shown,
-                                           frozenset({"position", "rotation"})))
+            self.nulls.append(ExpectedNull(name, parent, False, local, worlds[:, index], shown))
 
     def _asset(self, asset) -> None:
         """An asset is written relative to its layer, also by the version that has no parents."""
@@ -132,7 +128,7 @@ class _NullList:
             # Without a parent the numbers are right only where the layer is at rest at the origin.
             if not parent:
                 shown[:] = np.allclose(world.position, local.position) and np.allclose(world.rotation, local.rotation)
-        self.nulls.append(ExpectedNull(name, parent, False, local, world.position, shown, POSES, True))
+        self.nulls.append(ExpectedNull(name, parent, False, local, world.position, shown, True))
 
 
 def expected_nulls(model: SceneModel, options: Options) -> List[ExpectedNull]:
