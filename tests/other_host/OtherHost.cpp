@@ -297,14 +297,6 @@ Camera3DParameterSet const* Scene3DParameterSet::cameraParameters(unsigned int) 
 {
     return nullptr;
 }
-struct Camera3DParameterSet::Data
-{
-    Anm::Parameter<unsigned int> solved;
-};
-Anm::Parameter<unsigned int> const& Camera3DParameterSet::solved() const
-{
-    return m_data->solved;
-}
 
 }
 
