@@ -6,6 +6,7 @@
 #include "AfterEffects/AECornerPinExporters.h"
 #include "AfterEffects/AETransformExporter.h"
 #include "Host/TrackingExporter.h"
+#include "Nuke/MarloBlendTrackingExporter.h"
 
 namespace Export
 {
@@ -22,6 +23,7 @@ std::vector<TrackingRow> trackingRows()
         {&F::DORIN_CORNER_PIN, &Row::make<VNTCornerPinExporter>},
         {&F::DORIN_CENTER_POINT, &Row::make<KORV_VNTCenterPointExporter>},
         {&F::AE_CORNER_PIN_SIMPLE, &Row::make<AESimpleCornerPinExporter, false, false>},
+        {&F::MARLO_BLEND, &Row::make<MarloBlendTrackingExporter>},
         {&F::SCRATCH_CORNER_PIN, &Row::make<ScratchCornerPinExporter>},
         {&F::GLIMMERSET_CORNER_PIN, &Row::make<GlimmersetCornerPinExporter>},
     };
