@@ -232,6 +232,13 @@ Mask maskOf(MaskLayer const& masks, Korvane::Contour const& contour, ZN::TrackCa
     return {contour, sparse, piecesOf(masks, contour), motionComponents(masks, sparse)};
 }
 
+/// Whether all numbers of an outline text are finite. Its words have neither "nan" nor
+/// "inf" in them.
+bool isFiniteOutline(QString const& text)
+{
+    return !text.contains(QLatin1String("nan")) && !text.contains(QLatin1String("inf"));
+}
+
 void writeOutline(AEExportBuilder& builder, MaskLayer const& masks, Mask const& mask, int piece)
 {
     QMap<Anm::Context, QString> const texts =
@@ -241,7 +248,7 @@ void writeOutline(AEExportBuilder& builder, MaskLayer const& masks, Mask const& 
     for (auto it = texts.begin(); it != texts.end(); ++it)
     {
         int const frame = static_cast<int>(it.key().time().value());
-        if (frame >= masks.first && frame <= masks.last)
+        if (frame >= masks.first && frame <= masks.last && isFiniteOutline(it.value()))
         {
             builder.addValue(masks.exported(frame), it.value());
         }

@@ -118,7 +118,7 @@ std::vector<KORV_ExportHomography> const* commonMotion(Korvane::ExportedShape co
             {
                 common = &motion;
             }
-            else if (*common != motion)
+            else if (common != &motion && *common != motion)
             {
                 return nullptr;
             }

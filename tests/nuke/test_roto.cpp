@@ -330,4 +330,59 @@ TEST(RotoDocument, WithoutLayersThereIsNoNodeAndWithoutAChoiceNoName)
     EXPECT_EQ(exported(NukeRotoExporter(false), hidden, allLayers(ZN::VisibleLayers)), document("Roto", "0", "", ""));
 }
 
+ProjectBuilder makeMovingLens()
+{
+    ProjectBuilder builder(3);
+    builder.clip().frameOffset = 1001;
+    builder.addLayer("A").track([](int frame) { return ProjectBuilder::translation(20 * frame, 0.5 * frame * frame); });
+    builder.layer().contours.push_back(
+        {"a lens", false, true, true, {}, {{0, {10, 20, -7, -8, 1, 2, 30, 40, -3, -4, 5, 6}, {}}}});
+    return builder;
+}
+
+TEST(RotoDocument, MotionIsInEveryKeyOrInTheMatrixOfTheLayer)
+{
+    QByteArray const basic = exported(NukeRotoExporter(false), makeMovingLens());
+    EXPECT_FALSE(basic.contains("Transform2"));
+    EXPECT_TRUE(basic.contains(" 0 0 L 0 4096 0.5 2 0 0 \"\" 0 3 \"\" 1001 10 0 1 20 1 258 0 "
+                               "\"\" 1002 30 20 1 20 1 258 0 \"\" 1003 50 20 1 0 1 258 0 10 "
+                               "L 0 4096 0.5 2 0 0 \"\" 0 3 \"\" 1001 20 0 1 0.500 1 258 0 "
+                               "\"\" 1002 20.500 0.500 1 1.500 1 258 0 \"\" 1003 22 1.500 1 0 1 258 0 20 0 0 L 0 "))
+        << basic.constData();
+    EXPECT_TRUE(basic.contains("   NumOfChildren: 1\n   Node: {\n    NodeName: \"a_lens\" {\n"));
+
+    QByteArray const apart = exported(NukeRotoExporter(true), makeMovingLens());
+    EXPECT_EQ(apart.count("Transform2"), 1);
+    EXPECT_TRUE(apart.contains("\n    NodeType: 1\n    Transform2: 0 0 S 0 0 "));
+    EXPECT_TRUE(apart.contains("\"\" 0 3 \"\" 1001 0 0 1 0 1 258 0 \"\" 1002 20000000 0 1 0 1 258 0 "
+                               "\"\" 1003 40000000 0 1 0 1 258 0 0 "))
+        << apart.constData();
+    EXPECT_TRUE(apart.contains(" 0 0 L 0 4096 0.5 2 0 0 \"\" 0 2 \"\" 1001 10 0 1 0 1 258 0 "
+                               "\"\" 1003 10 0 1 0 1 258 0 10 "));
+}
+
+TEST(RotoDocument, MoreThanAFileHoldsIsRefusedAlsoInParts)
+{
+    constexpr int FRAMES = 25000;
+    for (int const layerCount : {1, 2})
+    {
+        ProjectBuilder builder(FRAMES);
+        for (int layer = 0; layer < layerCount; ++layer)
+        {
+            builder.addLayer(QString::number(layer));
+            std::vector<double> const points(static_cast<std::size_t>(6 * 400 / layerCount), 100.0);
+            builder.layer().contours.push_back({"crowd", false, true, true, {}, {{0, points, {}}}});
+        }
+        try
+        {
+            exported(NukeRotoExporter(false), builder, allLayers());
+            FAIL() << "was written";
+        }
+        catch (KORV_OperationFailed const& error)
+        {
+            EXPECT_TRUE(error.message().startsWith("The shapes need more than the 2 GB that one file can hold."));
+        }
+    }
+}
+
 }
