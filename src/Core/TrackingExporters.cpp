@@ -10,6 +10,7 @@
 #include "Nuke/NukeCornerPinExporter.h"
 #include "Nuke/NukeMeshExporter.h"
 #include "Nuke/NukeTrackerExporter.h"
+#include "Nuke/MarloBlendTrackingExporter.h"
 
 namespace Export
 {
@@ -30,6 +31,7 @@ std::vector<TrackingRow> trackingRows()
         {&F::DORIN_CORNER_PIN, &Row::make<VNTCornerPinExporter>},
         {&F::DORIN_CENTER_POINT, &Row::make<KORV_VNTCenterPointExporter>},
         {&F::AE_CORNER_PIN_SIMPLE, &Row::make<AESimpleCornerPinExporter, false, false>},
+        {&F::MARLO_BLEND, &Row::make<MarloBlendTrackingExporter>},
         {&F::SCRATCH_CORNER_PIN, &Row::make<ScratchCornerPinExporter>},
         {&F::FLOWBOX_CORNER_PIN, &Row::make<NukeCornerPinExporter>},
         {&F::GLIMMERSET_CORNER_PIN, &Row::make<GlimmersetCornerPinExporter>},

@@ -131,9 +131,9 @@ boost::shared_ptr<Korvane::LayerBase> KORV_SelectionManager::layerFromID(QString
     noScene();
 }
 
-unsigned int KORV_ProjectManager::playbackInPoint(bool) const
+KORV_ParameterManager const* KORV_ProjectManager::parameterManager() const
 {
-    return 0;
+    return const_cast<KORV_ProjectManager*>(this)->pGetParameterManager();
 }
 
 QString Product::displayName()
