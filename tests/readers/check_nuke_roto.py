@@ -19,8 +19,8 @@ import roto_judge
 import shape_projects
 from checking import Check
 from findings import Findings
-from nuke_script import ScriptError
 from roto_judge import Scene
+from text_lines import TextError, decoded
 
 FORMATS: Dict[str, Tuple[str, bool]] = {
     "nuke_roto_basic": ("Roto", False), "nuke_roto_transform_and_shape": ("Roto", True),
@@ -56,8 +56,8 @@ def judged(data: bytes, key: str, scene: Scene, scratch: Path) -> Findings:
     word, with_matrix = FORMATS[key]
     try:
         nuke_script.read_nodes(data, scratch / "judged.nk")
-        return roto_judge.judge(nuke_script.curve_tree(nuke_script.decoded(data), word), scene, with_matrix)
-    except ScriptError as error:
+        return roto_judge.judge(nuke_script.curve_tree(decoded(data), word), scene, with_matrix)
+    except TextError as error:
         findings = Findings()
         findings.problem(str(error))
         return findings

@@ -23,9 +23,9 @@ import shots
 from checking import Check, Fault
 from findings import Findings
 from keyframe_text import half_units
-from nuke_script import ScriptError
 from planar import PlanarProject, Shot
 from shape_model import Layer
+from text_lines import TextError, decoded, six_digits
 
 # Allowance for the arithmetic of doubles: coordinates go through a few homographies.
 ARITHMETIC = 1e-8
@@ -34,7 +34,6 @@ ARITHMETIC = 1e-8
 ORDER = (0, 1, 3, 2)
 
 _KEY = re.compile(r"x(-?[0-9]+)")
-_NUMBER = re.compile(r"-?(0|[1-9][0-9]*)(\.[0-9]+)?(e[+-][0-9]{2})?")
 _CONSTANT = {value: ["curve", "K", "x1", value] for value in "01"}
 _HEADER = [["5", "1", "20", "enable", "e", "1"], ["3", "1", "75", "name", "name", "1"],
            ["2", "1", "58", "track_x", "track_x", "1"], ["2", "1", "58", "track_y", "track_y", "1"],
@@ -65,51 +64,45 @@ def mesh_track(project: Dict[str, Any], view: int, name: str = "") -> Track:
 
 # ---- reading
 
-def number(text: str) -> float:
-    if not _NUMBER.fullmatch(text) or len(re.sub(r"[-.]|e.*", "", text).lstrip("0")) > 6:
-        raise ScriptError(f"{text!r} is not a number of six digits at most")
-    return float(text)
-
-
 def curve(words: Any) -> Tuple[List[int], np.ndarray]:
     if not isinstance(words, list) or words[:1] != ["curve"] or len(words) % 2 == 0:
-        raise ScriptError(f"{str(words)[:60]} is not a curve")
+        raise TextError(f"{str(words)[:60]} is not a curve")
     keys = [_KEY.fullmatch(word) for word in words[1::2]]
     if None in keys:
-        raise ScriptError(f"frames of {str(words)[:60]}")
-    return [int(key.group(1)) for key in keys], np.array([number(word) for word in words[2::2]])
+        raise TextError(f"frames of {str(words)[:60]}")
+    return [int(key.group(1)) for key in keys], np.array([six_digits(word) for word in words[2::2]])
 
 
 def pin_points(knobs: List[Any], name: str) -> List[Any]:
     """The curves of a corner pin, x and y of each of the four corners."""
     if [knob[0] for knob in knobs] != ["to1", "to2", "to3", "to4", "from1", "from2", "from3", "from4", "name"]:
-        raise ScriptError(f"knobs {[knob[0] for knob in knobs]}")
+        raise TextError(f"knobs {[knob[0] for knob in knobs]}")
     base = [["from1", ["0", "0"]], ["from2", ["width", "0"]], ["from3", ["width", "height"]], ["from4", ["0", "height"]]]
     if knobs[4:8] != base:
-        raise ScriptError(f"base of the pin: {knobs[4:8]}")
+        raise TextError(f"base of the pin: {knobs[4:8]}")
     if " ".join(knobs[8][1:]) != "CornerPin2D_" + name:
-        raise ScriptError(f"name {knobs[8][1:]}")
+        raise TextError(f"name {knobs[8][1:]}")
     if any(len(knob) != 2 or len(knob[1]) != 2 for knob in knobs[:4]):
-        raise ScriptError("a corner is an x and a y curve")
+        raise TextError("a corner is an x and a y curve")
     return [knob[1] for knob in knobs[:4]]
 
 
 def tracker_points(knobs: List[Any], name: str, row_name: Callable[[int], str], count: str) -> List[Any]:
     if [knob[0] for knob in knobs] != ["inputs", "tracks", "name"] or knobs[0] != ["inputs", "0"]:
-        raise ScriptError(f"knobs {[knob[0] for knob in knobs]}")
+        raise TextError(f"knobs {[knob[0] for knob in knobs]}")
     if " ".join(knobs[2][1:]) != "Tracker_" + name:
-        raise ScriptError(f"name {knobs[2][1:]}")
+        raise TextError(f"name {knobs[2][1:]}")
     head, columns, rows = knobs[1][1]
     if head != ["1", "6", count] or columns != _HEADER:
-        raise ScriptError("header of the tracks")
+        raise TextError("header of the tracks")
     points = []
     for i, row in enumerate(rows):
         label = row_name(i + 1)
         if len(row) != 6 or row[0] != _CONSTANT["1"] or row[4:] != [_CONSTANT["0"]] * 2:
-            raise ScriptError(f"row {i + 1} of the tracks")
+            raise TextError(f"row {i + 1} of the tracks")
         # A name of two words reads as a list of two.
         if (row[1] if isinstance(row[1], str) else " ".join(row[1])) != label:
-            raise ScriptError(f"row {i + 1} is called {row[1]}")
+            raise TextError(f"row {i + 1} is called {row[1]}")
         points.append(row[2:4])
     return points
 
@@ -130,7 +123,7 @@ def judge_script(data: bytes, key: str, layer: str, tracks: List[Track], scratch
             else:
                 points = tracker_points(knobs, name, str, str(track.points.shape[1]))
             _compare(findings, [[curve(axis) for axis in point] for point in points], track, key)
-    except (ScriptError, ValueError, IndexError, TypeError) as error:
+    except (TextError, ValueError, IndexError, TypeError) as error:
         findings.problem(f"{type(error).__name__}: {error}")
     return findings
 
@@ -166,10 +159,10 @@ def judge_ascii(files: Dict[str, bytes], tracks: List[Track], line_height: int) 
         for i in range(4):
             name = f"points_Tracker{track.view}{i + 1}.txt"
             try:
-                lines = nuke_script.decoded(files[name]).split("\n")
-                rows = [[number(word) for word in line.split(" ")] for line in lines[:-1]]
+                lines = decoded(files[name]).split("\n")
+                rows = [[six_digits(word) for word in line.split(" ")] for line in lines[:-1]]
                 found = np.array(rows, float).reshape(-1, 2)
-            except (ScriptError, ValueError) as error:
+            except (TextError, ValueError) as error:
                 findings.problem(f"{name}: {error}")
                 continue
             if findings.same(f"{name}: end", lines[-1], "") and findings.same(f"{name}: lines", len(found), len(points)):

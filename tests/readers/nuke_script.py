@@ -14,12 +14,9 @@ from typing import Any, Dict, List, Optional, Tuple
 import numpy as np
 
 from bounded import Bounded
+from text_lines import Lines, TextError, decoded
 
 _TCL = Path(__file__).with_name("nuke_script.tcl")
-
-
-class ScriptError(ValueError):
-    """The text isn't what the format says; the message names the place."""
 
 
 # ---- nested lists
@@ -29,7 +26,7 @@ def nodes_by_tcl(file: Path) -> List[Any]:
     done = subprocess.run(["tclsh", str(_TCL), str(file)], stdin=subprocess.DEVNULL, capture_output=True, timeout=60,
                           check=False)
     if done.returncode != 0:
-        raise ScriptError("tclsh: " + done.stderr.decode("utf-8", "replace").splitlines()[0])
+        raise TextError("tclsh: " + done.stderr.decode("utf-8", "replace").splitlines()[0])
     return json.loads(done.stdout)
 
 
@@ -38,27 +35,18 @@ def nodes(text: str) -> List[Any]:
     found = []
     for node in _commands(text):
         if len(node) != 2:
-            raise ScriptError("a node is a class and its knobs")
+            raise TextError("a node is a class and its knobs")
         found.append([node[0], [[_nested(word) for word in knob] for knob in _commands(node[1])]])
     return found
 
 
 def read_nodes(data: bytes, file: Path) -> List[Any]:
-    """Both readings of a file; raises ScriptError where they differ."""
+    """Both readings of a file; raises TextError where they differ."""
     file.write_bytes(data)
     by_tcl, own = nodes_by_tcl(file), nodes(decoded(data))
     if by_tcl != own:
-        raise ScriptError("tclsh reads other lists")
+        raise TextError("tclsh reads other lists")
     return own
-
-
-def decoded(data: bytes) -> str:
-    if b"\r" in data or data.startswith(b"\xef\xbb\xbf"):
-        raise ScriptError("a carriage return or a byte order mark")
-    try:
-        return data.decode("utf-8")
-    except UnicodeDecodeError as error:
-        raise ScriptError(f"byte {error.start}: not UTF-8") from None
 
 
 def _commands(text: str) -> List[List[str]]:
@@ -96,16 +84,16 @@ def _word(text: str, at: int) -> Tuple[str, int]:
     elif text[at] == '"':
         end = text.find('"', at + 1)
         if end < 0:
-            raise ScriptError("a quote is open at the end")
+            raise TextError("a quote is open at the end")
     else:
         end = at
         while end < len(text) and not text[end].isspace():
             end += 1
         if "}" in text[at:end] or "{" in text[at:end]:
-            raise ScriptError(f"a brace inside of the word {text[at:end]!r}")
+            raise TextError(f"a brace inside of the word {text[at:end]!r}")
         return text[at:end], end
     if end + 1 < len(text) and not text[end + 1].isspace():
-        raise ScriptError("a word goes on behind its brace or quote")
+        raise TextError("a word goes on behind its brace or quote")
     return text[at + 1:end], end + 1
 
 
@@ -115,7 +103,7 @@ def _closing_brace(text: str, at: int) -> int:
         depth += {"{": 1, "}": -1}.get(text[i], 0)
         if depth == 0:
             return i
-    raise ScriptError("a brace is open at the end")
+    raise TextError("a brace is open at the end")
 
 
 def _nested(word: str) -> Any:
@@ -155,14 +143,14 @@ def number(token: str, digits: Digits = CURVE) -> Tuple[float, float]:
     """
     match = _NUMBER.fullmatch(token)
     if match is None:
-        raise ScriptError(f"{token!r} is not a number of a curve tree")
+        raise TextError(f"{token!r} is not a number of a curve tree")
     value, size, decimals = float(token), abs(float(token)), len(match.group(1) or "")
     if decimals == 0:
         large = _decimals_of(size, digits) == 0
         return value, (0.5 if large else 0.5 * 10.0 ** -digits.decimals) + digits.snap
     half = 0.5 * 10.0 ** -decimals
     if decimals not in {_decimals_of(max(size - half, 1e-9), digits), _decimals_of(size + half, digits)}:
-        raise ScriptError(f"{token!r} has {decimals} decimals")
+        raise TextError(f"{token!r} has {decimals} decimals")
     return value, half + digits.snap
 
 
@@ -221,42 +209,9 @@ _SHAPE_ATTRIBUTES = (
     "fx", "fy", "ff", "ft", "nv", "view1", "ltn", "ltm", "ltt")
 
 
-class _Lines:
-    def __init__(self, text: str) -> None:
-        if not text.endswith("\n"):
-            raise ScriptError("the last line has no end")
-        self._lines = text[:-1].split("\n")
-        self._at = 0
-
-    def expect(self, *lines: str) -> None:
-        for line in lines:
-            self.match(re.escape(line))
-
-    def match(self, pattern: str) -> Tuple[str, ...]:
-        found = re.fullmatch(pattern, self.peek())
-        if found is None:
-            raise ScriptError(f"line {self._at + 1}: {self.peek()[:80]!r} does not match {pattern[:80]!r}")
-        self._at += 1
-        return found.groups()
-
-    def take(self) -> str:
-        line = self.peek()
-        self._at += 1
-        return line
-
-    def peek(self) -> str:
-        if self._at >= len(self._lines):
-            raise ScriptError("the text ends early")
-        return self._lines[self._at]
-
-    def end(self) -> None:
-        if self._at != len(self._lines):
-            raise ScriptError(f"line {self._at + 1}: text behind the end")
-
-
 def curve_tree(text: str, word: str, versioned: bool = True) -> Tree:
-    """Reads a whole roto node of the class `word`; raises ScriptError at the first thing that is out of order."""
-    lines = _Lines(text)
+    """Reads a whole roto node of the class `word`; raises TextError at the first thing that is out of order."""
+    lines = Lines(text)
     lines.expect(word + " {", ' curves {AnimTree: "" {')
     if versioned:
         lines.expect(" Version: 1.1", " RootNode: 1")
@@ -271,13 +226,13 @@ def curve_tree(text: str, word: str, versioned: bool = True) -> Tree:
     return Tree(layers, name)
 
 
-def _motion(lines: _Lines, indent: str) -> Optional[str]:
+def _motion(lines: Lines, indent: str) -> Optional[str]:
     if lines.peek().startswith(indent + "Transform2: "):
         return lines.take()[len(indent + "Transform2: "):]
     return None
 
 
-def _layer(lines: _Lines) -> LayerNode:
+def _layer(lines: Lines) -> LayerNode:
     layer = LayerNode()
     lines.expect("  Node: {")
     layer.name, = lines.match("   NodeName: " + _NAME)
@@ -292,7 +247,7 @@ def _layer(lines: _Lines) -> LayerNode:
     return layer
 
 
-def _shape(lines: _Lines) -> Shape:
+def _shape(lines: Lines) -> Shape:
     shape = Shape()
     lines.expect("   Node: {")
     shape.name, = lines.match("    NodeName: " + _NAME)
@@ -311,17 +266,17 @@ def _shape(lines: _Lines) -> Shape:
 def _attributes(line: str) -> Dict[str, str]:
     found = re.fullmatch("      " + " ".join(f'"{name}" S 0 (\\S+)' for name in _SHAPE_ATTRIBUTES), line)
     if found is None:
-        raise ScriptError(f"attributes of a shape: {line!r}")
+        raise TextError(f"attributes of a shape: {line!r}")
     return dict(zip(_SHAPE_ATTRIBUTES, found.groups()))
 
 
-def _cubic_curve(lines: _Lines) -> Tuple[int, List[Tuple[Curve, Curve]]]:
+def _cubic_curve(lines: Lines) -> Tuple[int, List[Tuple[Curve, Curve]]]:
     lines.expect('      CubicCurve: "" {')
     flag = int(lines.match("       Type: 0 Flag: ([0-9]+) Dim: 2")[0])
     count = int(lines.match("       NumOfPoints: ([0-9]+)")[0])
     body = lines.take()
     if not body.startswith("       0 ") or "  " in body[7:] or body.endswith(" "):
-        raise ScriptError("the body of a curve begins, or is spaced, in another way")
+        raise TextError("the body of a curve begins, or is spaced, in another way")
     tokens = Tokens(body[7:].split(" "))
     points = []
     while tokens.left():
@@ -330,7 +285,7 @@ def _cubic_curve(lines: _Lines) -> Tuple[int, List[Tuple[Curve, Curve]]]:
         tokens.expect("0")
         points.append((x, y))
     if len(points) != count or count % 3 != 0:
-        raise ScriptError(f"{len(points)} points in a curve of {count}")
+        raise TextError(f"{len(points)} points in a curve of {count}")
     lines.expect("      }")
     return flag, points
 
@@ -345,26 +300,26 @@ class Tokens:
 
     def take(self, count: int) -> List[str]:
         if self.left() < count:
-            raise ScriptError("a curve ends early")
+            raise TextError("a curve ends early")
         self._at += count
         return self._tokens[self._at - count:self._at]
 
     def expect(self, *tokens: str) -> None:
         found = self.take(len(tokens))
         if found != list(tokens):
-            raise ScriptError(f"{' '.join(found)!r} instead of {' '.join(tokens)!r}")
+            raise TextError(f"{' '.join(found)!r} instead of {' '.join(tokens)!r}")
 
     def keys(self, names: Tuple[Optional[str], ...]) -> List[List[str]]:
         """The keys of a curve with several, each a row of what stands where `names` has None."""
         self.expect(*'L 0 4096 0.5 2 0 0 "" 0'.split(" "))
         count, = self.take(1)
         if not count.isdigit() or int(count) < 2:
-            raise ScriptError(f"a curve of {count!r} keys")
+            raise TextError(f"a curve of {count!r} keys")
         rows = []
         for _ in range(int(count)):
             row = self.take(len(names))
             if any(name is not None and name != token for name, token in zip(names, row)):
-                raise ScriptError(f"key {' '.join(row)!r}")
+                raise TextError(f"key {' '.join(row)!r}")
             rows.append([token for name, token in zip(names, row) if name is None])
         return rows
 
@@ -373,12 +328,12 @@ class Tokens:
             self.take(2)
             time, value = self.take(2)
             if not re.fullmatch("-?[0-9]+", time):
-                raise ScriptError(f"{time!r} is not a whole frame")
+                raise TextError(f"{time!r} is not a whole frame")
             return Curve(Bounded(np.array([float(time)]), np.zeros(1)), numbers([value]), None, None)
         rows = self.keys(('""', None, None, None, "1", None, "1", "258", "0"))
         still, = self.take(1)
         if still != rows[0][1]:
-            raise ScriptError(f"the value of a curve is {still}, that of its first key {rows[0][1]}")
+            raise TextError(f"the value of a curve is {still}, that of its first key {rows[0][1]}")
         times, values, left, right = (numbers(list(column)) for column in zip(*rows))
         return Curve(times, values, left, right)
 
@@ -389,7 +344,7 @@ _MATRIX_HEAD = "0 0 S 0 0 S 0 0 S 0 0 S 0 1 S 0 1 S 0 0 S 0 0 S 0 0".split(" ")
 def matrix(text: str) -> Optional[Matrix]:
     """The keys of a Transform2 block, (frames, 16); None for the identity that a single frame has."""
     if not text.endswith(" "):
-        raise ScriptError("Transform2 doesn't end in a blank")
+        raise TextError("Transform2 doesn't end in a blank")
     tokens = Tokens(text[:-1].split(" "))
     tokens.expect(*_MATRIX_HEAD)
     if tokens.left() == 48:
@@ -402,10 +357,10 @@ def matrix(text: str) -> Optional[Matrix]:
         tokens.expect("0")
         at = [row[0] for row in rows]
         if times is not None and at != times:
-            raise ScriptError("the entries of a matrix have keys at different frames")
+            raise TextError("the entries of a matrix have keys at different frames")
         times = at
         columns.append(numbers([row[1] for row in rows], MATRIX))
     if tokens.left():
-        raise ScriptError("a matrix of more than sixteen entries")
+        raise TextError("a matrix of more than sixteen entries")
     entries = Bounded(np.stack([c.value for c in columns], axis=1), np.stack([c.error for c in columns], axis=1))
     return Matrix(numbers(times), entries)

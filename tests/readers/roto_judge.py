@@ -15,8 +15,9 @@ import shape_model
 from bounded import Bounded, carried, exact, stacked
 from findings import Findings
 from keyframe_text import half_units
-from nuke_script import Curve, ScriptError
+from nuke_script import Curve
 from shape_model import ARRIVING, LEAVING, VERTEX, Contour, Layer, Outline
+from text_lines import TextError
 
 # Allowance for the arithmetic of doubles: coordinates go through a few homographies.
 ARITHMETIC = 1e-8
@@ -68,7 +69,7 @@ def judge(tree: nuke_script.Tree, scene: Scene, with_matrix: bool, scramble: Scr
         for node, layer in zip(tree.layers, nodes):
             try:
                 _judge_layer(findings, node, layer, scene, with_matrix, scramble)
-            except (ScriptError, ValueError) as error:
+            except (TextError, ValueError) as error:
                 findings.problem(f"{node.name}: {error}")
     return findings
 
@@ -141,7 +142,7 @@ def _judge_motion(findings: Findings, node: nuke_script.LayerNode, layer: Layer)
     if not findings.same(f"{node.name}: moves", motion is not None, len(frames) > 1) or motion is None:
         return None
     if not _compare_times(findings, node.name, motion.times, frames, layer):
-        raise ScriptError("keys of the matrix")
+        raise TextError("keys of the matrix")
     expected = np.zeros((len(frames), 4, 4))
     lines = _lines(layer)
     for matrix, frame in zip(expected, frames):
