@@ -12,10 +12,13 @@ from dataclasses import dataclass
 from pathlib import Path
 from typing import Callable, Dict, Tuple
 
+import numpy as np
+
 import checking
 import nuke_script
 import roto_faults
 import roto_judge
+import shape_model
 import shape_projects
 from checking import Check
 from findings import Findings
@@ -74,6 +77,30 @@ def x_spline_faults(text: str):
     return [("vertex of an x-spline off", edited)]
 
 
+def check_x_splines(check: Check) -> None:
+    """What is known of X-splines without their formulas."""
+    points = np.array([[0, 0], [90, 10], [140, 120], [60, 200], [-40, 90]], float)
+    before, after = np.roll(points, 1, axis=0), np.roll(points, -1, axis=0)
+    count = 200
+
+    def curve(weight: float) -> np.ndarray:
+        return shape_model.x_spline(points, np.full(len(points), weight), True, count)
+    side = np.tile(np.linspace(0.0, 1.0, count + 1)[:-1], len(points))[:, None]
+    sides = np.repeat(points, count, axis=0) * (1.0 - side) + np.repeat(after, count, axis=0) * side
+    corners = shape_model.distances(curve(0.0), np.vstack([sides, sides[:1]])).max()
+    round_ones = np.abs(curve(1.0)[:-1:count] - (before + 4.0 * points + after) / 6.0).max()
+    through = np.abs(curve(-1.0)[:-1:count] - points).max()
+    slope = (curve(-1.0)[1::count] - points) * count
+    tangents = np.abs(slope - (after - before) / 2.0).max() / np.abs(slope).max()
+    jump = np.abs(curve(1e-7) - curve(-1e-7)).max()
+    for name, error, bound in (
+            ("weights of 0 make straight sides", corners, 1e-9), ("weights of 1 make a cubic B-spline", round_ones, 1e-9),
+            ("weights of -1 meet the points", through, 1e-9), ("weights of -1 leave along their neighbours", tangents, 0.02),
+            ("a weight that passes 0 moves nothing at once", jump, 1e-4)):
+        if not error <= bound:
+            check.fail(f"{name}: off by {error:.3g}")
+
+
 def check_case(check: Check, case: Case) -> None:
     project = check.saved(case.name.replace(" ", "_"), case.scene.project)
     texts: Dict[str, bytes] = {}
@@ -97,6 +124,7 @@ def check_case(check: Check, case: Case) -> None:
 
 
 def body(check: Check, _source: Path) -> None:
+    check_x_splines(check)
     for case in cases():
         check_case(check, case)
 

@@ -21,6 +21,9 @@ _TCL = Path(__file__).with_name("nuke_script.tcl")
 
 # ---- nested lists
 
+_BRACE, _BARE = re.compile(r"[{}]"), re.compile(r"\S+")
+
+
 def nodes_by_tcl(file: Path) -> List[Any]:
     """The nodes of a script as tclsh takes them apart: [class, [words of a knob, ...]] each."""
     done = subprocess.run(["tclsh", str(_TCL), str(file)], stdin=subprocess.DEVNULL, capture_output=True, timeout=60,
@@ -86,9 +89,7 @@ def _word(text: str, at: int) -> Tuple[str, int]:
         if end < 0:
             raise TextError("a quote is open at the end")
     else:
-        end = at
-        while end < len(text) and not text[end].isspace():
-            end += 1
+        end = _BARE.match(text, at).end()
         if "}" in text[at:end] or "{" in text[at:end]:
             raise TextError(f"a brace inside of the word {text[at:end]!r}")
         return text[at:end], end
@@ -99,10 +100,10 @@ def _word(text: str, at: int) -> Tuple[str, int]:
 
 def _closing_brace(text: str, at: int) -> int:
     depth = 0
-    for i in range(at, len(text)):
-        depth += {"{": 1, "}": -1}.get(text[i], 0)
+    for brace in _BRACE.finditer(text, at):
+        depth += 1 if brace.group() == "{" else -1
         if depth == 0:
-            return i
+            return brace.start()
     raise TextError("a brace is open at the end")
 
 

@@ -29,7 +29,7 @@ X_SPLINE = 0.05
 MATRIX_SCALE = 1e6
 
 # Steps for each segment of a densely sampled curve, and of an X-spline as the line that distances are taken from.
-_STEPS, _LINE_STEPS = 24, 200
+_STEPS, _LINE_STEPS = 16, 120
 
 
 @dataclass(frozen=True)

@@ -91,7 +91,8 @@ def _blend(u: np.ndarray, stretched: np.ndarray) -> np.ndarray:
 
 
 def _forward(u: np.ndarray, q: np.ndarray) -> np.ndarray:
-    return q * u + 2 * q * u ** 2 + (10 - 12 * q) * u ** 3 + (14 * q - 15) * u ** 4 + (6 - 5 * q) * u ** 5
+    """Without q the blend of an unstretched point, so that a curve doesn't jump when a weight passes 0."""
+    return q * u + 2 * q * u ** 2 + (8 - 12 * q) * u ** 3 + (14 * q - 11) * u ** 4 + (4 - 5 * q) * u ** 5
 
 
 def _backward(u: np.ndarray, q: np.ndarray) -> np.ndarray:
@@ -106,11 +107,12 @@ def distances(points: np.ndarray, line: np.ndarray) -> np.ndarray:
     """How far each of the points is from the parts of a finely stepped polyline that meet at its nearest corner."""
     middle = line.mean(axis=0)
     points, line = points - middle, line - middle
+    steps, ring = len(line) - 1, np.allclose(line[0], line[-1], rtol=0.0, atol=1e-9)
     nearest = np.argmin(np.einsum("ij,ij->i", line, line) - 2.0 * points @ line.T, axis=1)
     result = np.full(len(points), np.inf)
     for first in (nearest - 1, nearest):
-        start, end = line[np.clip(first, 0, len(line) - 1)], line[np.clip(first + 1, 0, len(line) - 1)]
-        along, offset = end - start, points - start
+        first = first % steps if ring else np.clip(first, 0, steps - 1)
+        along, offset = line[first + 1] - line[first], points - line[first]
         length = np.einsum("ij,ij->i", along, along)
         part = np.clip(np.einsum("ij,ij->i", offset, along) / np.where(length > 0.0, length, 1.0), 0.0, 1.0)
         result = np.minimum(result, np.linalg.norm(offset - part[:, None] * along, axis=1))
