@@ -16,7 +16,7 @@ import numpy as np
 import checking
 import mask_text
 import shape_projects
-from bounded import Bounded, carried, inverse
+from bounded import carried, inverse
 from checking import Check, Fault, replaced
 from findings import Findings
 from keyframe_text import half_units
@@ -240,8 +240,9 @@ def faults(text: str) -> Iterator[Fault]:
     if one[2:] != other[2:]:
         yield put("Translation Y holds Translation X", first + 2, "\n".join(other[:2] + one[2:]))
     opacity = first + list(mask_text.COLUMNS).index("Opacity")
-    yield put("Opacity ends late", opacity, re.sub(r"\t(\d+)\t0$", lambda m: f"\t{int(m.group(1)) + 1}\t0", blocks[opacity]))
-    yield put("Opacity reversed", opacity, blocks[opacity].replace("\t100", "\t\x00").replace("\t0", "\t100").replace("\x00", "0"))
+    rows = blocks[opacity]
+    yield put("Opacity ends late", opacity, re.sub(r"\t(\d+)\t0$", lambda m: f"\t{int(m.group(1)) + 1}\t0", rows))
+    yield put("Opacity reversed", opacity, re.sub(r"\t(100|0)(?=\n|$)", lambda m: "\t0" if m.group(1) == "100" else "\t100", rows))
     yield from _outline_faults(blocks[first], lambda name, block: put(name, first, block))
 
 
@@ -272,11 +273,14 @@ def _outline_faults(block: str, put) -> Iterator[Fault]:
         yield put(f"number {at} of the feather off by 2 units", text(vertices, feather[:2] + [raised] + feather[3:]))
 
 
-def body(check: Check, _source: Path) -> None:
+def body(check: Check, source: Path) -> None:
+    golden = source / "tests" / "golden"
+    check.verdict("golden", judged((golden / KEY / "out.shape4ae").read_bytes(), Scene.of_golden(golden)))
     layers, stereo = shape_projects.layers(), shape_projects.stereo()
     names = [layer["name"] for layer in layers["layers"]]
     cases = (
-        ("layers", Scene(layers, names), ("--layers", "all")), ("single frame", Scene(layers, ["Still"]), ("--layer", "Still")),
+        ("layers", Scene(layers, names), ("--layers", "all")),
+        ("single frame", Scene(layers, ["Still"]), ("--layer", "Still")),
         ("fields", Scene(shape_projects.fields(), ["Screen"]), ()),
         ("left view", Scene(stereo, ["Both eyes"], (0,)), ("--view", "left")),
         ("right view", Scene(stereo, ["Both eyes"], (1,)), ("--view", "right")),

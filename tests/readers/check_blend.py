@@ -62,8 +62,9 @@ def expected_header(project: Dict[str, Any]) -> Dict[str, float]:
     """Of projects of one clip."""
     clip = project["clips"][0]
     offset, aspect = clip.get("frameOffset", 0), clip.get("pixelAspect", 1)
-    return {"Project Frame Offset": offset, "Project In Point": project.get("playback", [0])[0], "Source Frame Offset": offset,
-            "Units Per Second": project.get("frameRate", 24), "Source Width": clip["width"], "Source Height": clip["height"],
+    return {"Project Frame Offset": offset, "Project In Point": project.get("playback", [0])[0],
+            "Source Frame Offset": offset, "Units Per Second": project.get("frameRate", 24),
+            "Source Width": clip["width"], "Source Height": clip["height"],
             "Source Pixel Aspect Ratio": aspect, "Comp Pixel Aspect Ratio": aspect}
 
 
@@ -145,8 +146,9 @@ def tracking_faults(text: str) -> Iterator[Fault]:
     blocks = text.split("\n\n")
     for i in range(1, len(blocks) - 1):
         rows = blocks[i].split("\n")
-        for fault, changed in (("lost", []), ("without a row", rows[:4] + rows[5:]), ("a frame late", rows[:2] + [
-                "\t".join(row.split("\t")[:2] + earlier.split("\t")[2:]) for row, earlier in zip(rows[2:], rows[2:3] + rows[2:])])):
+        late = ["\t".join(row.split("\t")[:2] + earlier.split("\t")[2:])
+                for row, earlier in zip(rows[2:], rows[2:3] + rows[2:])]
+        for fault, changed in (("lost", []), ("without a row", rows[:4] + rows[5:]), ("a frame late", rows[:2] + late)):
             block = ["\n".join(changed)] if changed else []
             yield f"block {i} {fault}", "\n\n".join(blocks[:i] + block + blocks[i + 1:]).encode("utf-8")
     for one, other in itertools.combinations(range(4, 8), 2):
@@ -163,6 +165,12 @@ def body(check: Check, source: Path) -> None:
     except (OSError, TextError) as error:
         check.fail(str(error))
         return
+    golden = source / "tests" / "golden"
+    scene = Scene.of_golden(golden)
+    shape, pins = ((golden / form / "out.txt").read_bytes() for form in (SHAPE, TRACKING))
+    check.verdict(f"golden, {SHAPE}", judge_shape(shape, scene, key, check.scratch))
+    shot = PlanarProject(scene.project).shot("golden", "adjusted")
+    check.verdict(f"golden, {TRACKING}", judge_tracking(pins, scene.project, shot))
     layers, stereo = shape_projects.layers(), shape_projects.stereo()
     cases: Tuple[Tuple[str, Scene, List[str]], ...] = (
         ("layers", Scene(layers, [layer["name"] for layer in layers["layers"]]), ["--layers", "all"]),
@@ -172,9 +180,11 @@ def body(check: Check, source: Path) -> None:
     for name, scene, arguments in cases:
         folder = name.replace(" ", "_")
         data = check.export(check.saved(folder, scene.project), SHAPE, folder, ".txt", *arguments)
-        if data is not None and check.verdict(f"{name}, {SHAPE}", judge_shape(data, scene, key, check.scratch)) and name == "far":
-            check.faults(f"{name}, {SHAPE}", data, shape_faults(data.decode("utf-8")),
-                         lambda text, scene=scene: judge_shape(text, scene, key, check.scratch))
+        if data is None:
+            continue
+        judge = lambda text, scene=scene: judge_shape(text, scene, key, check.scratch)
+        if check.verdict(f"{name}, {SHAPE}", judge(data)) and name == "far":
+            check.faults(f"{name}, {SHAPE}", data, shape_faults(data.decode("utf-8")), judge)
     strong = shots.hand_made(shots.STRONG)
     for name, project, reference in (("strong", strong, None), ("strong from 1022", strong, 1022),
                                      ("interlaced", shots.interlaced(), None)):

@@ -123,7 +123,11 @@ def check_case(check: Check, case: Case) -> None:
                 check.faults(f"{case.name}, {key}", data, x_spline_faults(data.decode("utf-8")), judge)
 
 
-def body(check: Check, _source: Path) -> None:
+def body(check: Check, source: Path) -> None:
+    golden = source / "tests" / "golden"
+    for key in FORMATS:
+        data = (golden / key / "out.nk").read_bytes()
+        check.verdict(f"golden, {key}", judged(data, key, Scene.of_golden(golden), check.scratch))
     check_x_splines(check)
     for case in cases():
         check_case(check, case)

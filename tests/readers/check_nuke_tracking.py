@@ -148,16 +148,16 @@ def _compare_values(findings: Findings, place: str, found: np.ndarray, expected:
     findings.compare("points, px", found, expected, bound, place)
 
 
-def judge_ascii(files: Dict[str, bytes], tracks: List[Track], line_height: int) -> Findings:
+def judge_ascii(files: Dict[str, bytes], tracks: List[Track], line_height: int, stem: str = "points") -> Findings:
     """Files of a folder; of fields every other sample is written, in the lines of a field."""
     findings = Findings()
-    names = [f"points_Tracker{track.view}{i}.txt" for track in tracks for i in (1, 2, 3, 4)]
+    names = [f"{stem}_Tracker{track.view}{i}.txt" for track in tracks for i in (1, 2, 3, 4)]
     if not findings.same("files", sorted(files), sorted(names)):
         return findings
     for track in tracks:
         points = track.points[::line_height]
         for i in range(4):
-            name = f"points_Tracker{track.view}{i + 1}.txt"
+            name = f"{stem}_Tracker{track.view}{i + 1}.txt"
             try:
                 lines = decoded(files[name]).split("\n")
                 rows = [[six_digits(word) for word in line.split(" ")] for line in lines[:-1]]
@@ -165,7 +165,7 @@ def judge_ascii(files: Dict[str, bytes], tracks: List[Track], line_height: int) 
             except (TextError, ValueError) as error:
                 findings.problem(f"{name}: {error}")
                 continue
-            if findings.same(f"{name}: end", lines[-1], "") and findings.same(f"{name}: lines", len(found), len(points)):
+            if findings.same(f"{name}: end and lines", (lines[-1], len(found)), ("", len(points))):
                 for axis in range(2):
                     _compare_values(findings, f"{name}, {'xy'[axis]}", found[:, axis], points[:, i, axis], "nuke_ascii")
     return findings
@@ -201,11 +201,12 @@ def script_faults(text: str) -> Iterator[Fault]:
         yield put(f"curve {at} without its first key", at, lambda words: words[2:])
         yield put(f"curve {at} without its last key", at, lambda words: words[:-2])
         yield put(f"curve {at} off by 2 units", at, raised)
-    yield put("a frame late", 0, lambda words: ["x" + str(int(word[1:]) + 1) if word[0] == "x" else word for word in words])
+    yield put("a frame late", 0, lambda words: [
+        f"x{int(word[1:]) + 1}" if word[0] == "x" else word for word in words])
     yield put("too many digits", 1, lambda words: words[:-1] + ["12.34567"])
     yield checking.replaced(text, "brace lost", "}", "", last=True)
     yield checking.replaced(text, "inner brace lost", "{curve", "curve")
-    yield checking.replaced(text, "another name", "name CornerPin2D_" if "CornerPin2D_" in text else "name Tracker_", "name ")
+    yield checking.replaced(text, "another name", "\nname Tracker_" if text.startswith("Tracker") else " name Corner", "\nname ")
     if text.startswith("CornerPin2D"):
         yield checking.replaced(text, "base swapped", "from3 {{width} {height}}", "from3 {{height} {width}}")
         yield checking.replaced(text, "base in numbers", "{width}", "1920")
@@ -277,12 +278,15 @@ def check_corners(check: Check, name: str, project: Path, layer: str, tracks: Li
     if files is None:
         return
     if check.verdict(f"{name}, nuke_ascii", judge_ascii(files, plain, line_height)):
-        for one in sorted(files):
+        names = sorted(files)
+        for i, one in enumerate(names):
             rest = {other: data for other, data in files.items() if other != one}
-            flipped = b"".join(b"%s %.6g\n" % (line.split()[0], 1080.0 - float(line.split()[1])) for line in files[one].splitlines())
-            swapped = dict(files, **{one: files[sorted(files)[sorted(files).index(one) - 1]]})
-            for fault, faulty in (("a file lost", rest), ("a line lost", dict(files, **{one: files[one].split(b"\n", 1)[1]})),
-                                  ("y flipped", dict(files, **{one: flipped})), ("another corner", swapped)):
+            rows = [line.split() for line in files[one].splitlines()]
+            flipped = b"".join(b"%s %.6g\n" % (x, 1080.0 - float(y)) for x, y in rows)
+            changes = {"a line lost": files[one].split(b"\n", 1)[1], "y flipped": flipped,
+                       "another corner": files[names[i - 1]]}
+            faults = [("a file lost", rest)] + [(fault, dict(files, **{one: data})) for fault, data in changes.items()]
+            for fault, faulty in faults:
                 if not judge_ascii(faulty, plain, line_height).faults():
                     check.fail(f"{name}, nuke_ascii: not noticed: {fault}, {one}")
 
@@ -302,7 +306,21 @@ def shot_case(check: Check, name: str, project: Dict[str, Any], shot: Shot, argu
                   [track], [raster], shot.line_height, arguments)
 
 
+def goldens(check: Check, folder: Path) -> None:
+    """Judges the checked-in exports as they stand."""
+    project = json.loads((folder / "project.json").read_text(encoding="utf-8"))
+    layer = project["layers"][0]["name"]
+    tracks = [corner_track(PlanarProject(project).shot("", "adjusted"), project["clips"][0].get("frameOffset", 0))]
+    for key in ("nuke_corner_pin", "nuke_tracker", "nuke_warp_lattice_to_tracker"):
+        shown = [mesh_track(project, 0)] if key == "nuke_warp_lattice_to_tracker" else tracks
+        data = (folder / key / "out.nk").read_bytes()
+        check.verdict(f"golden, {key}", judge_script(data, key, layer, shown, check.scratch))
+    files = {file.name: file.read_bytes() for file in (folder / "nuke_ascii").iterdir()}
+    check.verdict("golden, nuke_ascii", judge_ascii(files, tracks, 1, "out"))
+
+
 def body(check: Check, source: Path) -> None:
+    goldens(check, source / "tests" / "golden")
     corners = shots.paper_corners(source / "tests" / "data" / "paper004_corners.txt")
     sample = source / "samples" / "paper004.json"
     imported = json.loads(sample.read_text(encoding="utf-8"))

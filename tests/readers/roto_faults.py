@@ -142,7 +142,8 @@ def imprecise(text: str) -> Iterator[Fault]:
         for curve in range(6):
             def raise_value(tokens: List[str], places: List[_CurvePlaces]) -> None:
                 at = places[curve][0][1]
-                tokens[at] = nudged(tokens[at] if "." in tokens[at] or abs(float(tokens[at])) >= 1e4 else tokens[at] + ".000")
+                whole = "." not in tokens[at] and abs(float(tokens[at])) < 1e4
+                tokens[at] = nudged(tokens[at] + ".000" if whole else tokens[at])
             yield f"{name} {curve} off by 2 units", _changed(text, body, raise_value)
 
         def steepen(tokens: List[str], places: List[_CurvePlaces], side: int) -> None:

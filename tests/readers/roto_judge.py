@@ -5,7 +5,9 @@ of its last digit, and what is computed from printed numbers for all that these 
 the curve by 0.05 pixels more, as they turn into Bezier curves.
 """
 
+import json
 from dataclasses import dataclass
+from pathlib import Path
 from typing import Any, Dict, List, Optional, Tuple
 
 import numpy as np
@@ -51,6 +53,12 @@ class Scene:
 
     def records(self) -> List[Dict[str, Any]]:
         return [record for record in self.project["layers"] if record["name"] in self.layers]
+
+    @staticmethod
+    def of_golden(folder: Path) -> "Scene":
+        """What the checked-in exports of a folder show: the topmost layer of the project beside them."""
+        project = json.loads((folder / "project.json").read_text(encoding="utf-8"))
+        return Scene(project, [project["layers"][0]["name"]])
 
     def node_name(self, layer: Layer) -> str:
         several = len(self.project.get("views", ["main"])) > 1
@@ -170,10 +178,9 @@ class _Outlines:
         main, feather = self._read(self._shape.main, frames), self._read(self._shape.feather, frames)
         if main is None or feather is None:
             return
-        if not self._findings.same(f"{self._place}: vertices of the feather", feather[0].value.shape, main[0].value.shape):
+        feather_values, plain = feather[0], self._descrambled(main[0])
+        if not self._findings.same(f"{self._place}: shape of the feather", feather_values.value.shape, plain.value.shape):
             return
-        main_values, feather_values = main[0], feather[0]
-        plain = self._descrambled(main_values)
         self._compare_slopes("slope", main, plain, frames)
         self._compare_slopes("slope of feather", feather, feather_values, frames)
         if self._contour.bezier:
@@ -263,7 +270,8 @@ class _Outlines:
             place = f"{self._place} at frame {frame}"
             if self._contour.bezier:
                 if self._findings.same(f"{place}: vertices", len(found.points), len(expected.points)):
-                    self._findings.compare(name + "curve", found.dense(_STEPS), expected.dense(_STEPS), error + ARITHMETIC, place)
+                    self._findings.compare(name + "curve", found.dense(_STEPS), expected.dense(_STEPS),
+                                           error + ARITHMETIC, place)
                 continue
             away = [shape_model.distances(found.dense(_STEPS), expected.dense(_LINE_STEPS)),
                     shape_model.distances(expected.dense(_STEPS), found.dense(_LINE_STEPS))]
