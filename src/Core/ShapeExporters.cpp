@@ -9,7 +9,11 @@ namespace Export
 
 std::vector<ShapeRow> shapeRows()
 {
-    return {};
+    using F = ShapeDataFormat;
+    using Row = ShapeRow;
+    return {
+        {&F::GLIMMERSET_FXS, &Row::make<Korvane::GlimmersetShapeExporter>},
+    };
 }
 
 }
