@@ -173,8 +173,8 @@ private:
         {
             if (!isFinite(key.points) || !isFinite(key.feather))
             {
-                m_failures.append(
-                    QStringLiteral("Contour \"%1\" isn't finite at frame %2").arg(contour.name).arg(key.frame));
+                m_failures.append(QStringLiteral("Contour \"%1\" isn't finite at frame %2")
+                                      .arg(contour.name, QString::number(key.frame)));
                 continue;
             }
             m_xml.writeStartElement(QStringLiteral("key"));
@@ -196,12 +196,13 @@ private:
         attribute("view", project.views()->name(view));
         for (int frame = layer.inPoint; frame <= layer.outPoint; ++frame)
         {
-            std::array<double, 9> const& entries = motion.at(frame).m;
+            std::array<double, 9> entries = motion.at(frame).m;
+            double const last = entries[8] == 0 ? 1 : entries[8];
+            std::transform(entries.begin(), entries.end(), entries.begin(), [&](double entry) { return entry / last; });
             if (!isFinite(entries))
             {
                 m_failures.append(QStringLiteral("Layer \"%1\": the motion isn't finite at frame %2")
-                                      .arg(layer.model->name)
-                                      .arg(frame));
+                                      .arg(layer.model->name, QString::number(frame)));
                 continue;
             }
             m_xml.writeStartElement(QStringLiteral("homography"));

@@ -15,7 +15,6 @@ std::vector<ShapeRow> shapeRows()
     using F = ShapeDataFormat;
     using Row = ShapeRow;
     return {
-        {&F::GLIMMERSET_FXS, &Row::make<Korvane::GlimmersetShapeExporter>},
         {&F::AE_MARLO_SHAPE, &Row::make<MarloShapeAEExporter>},
         {&F::NUKE_ROTO_PAINT_WITH_MATRIX, &Row::make<NukeRotoPaintExporter, true>},
         {&F::NUKE_ROTO_PAINT_NO_MATRIX, &Row::make<NukeRotoPaintExporter, false>},
@@ -23,6 +22,7 @@ std::vector<ShapeRow> shapeRows()
         {&F::NUKE_ROTO_NO_MATRIX, &Row::make<NukeRotoExporter, false>},
         {&F::NUKE_SPLINE_WARP, &Row::make<NukeSplineWarpExporter>},
         {&F::MARLO_BLEND, &Row::make<MarloBlendExporter, false>},
+        {&F::GLIMMERSET_FXS, &Row::make<Korvane::GlimmersetShapeExporter>},
     };
 }
 

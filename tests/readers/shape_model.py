@@ -21,12 +21,20 @@ class Outline:
     weights: Optional[np.ndarray]
     closed: bool
 
+    # Where the points of an X-spline were before they were carried, and what carried them: it is drawn there, and the
+    # curve is what moves.
+    rest: Optional[np.ndarray] = None
+    motion: Optional[np.ndarray] = None
+
     def carried(self, matrix: np.ndarray) -> "Outline":
-        return replace(self, points=through(matrix, self.points.reshape(-1, 2)).reshape(self.points.shape))
+        rest = self.points if self.rest is None else self.rest
+        motion = matrix if self.motion is None else matrix @ self.motion
+        points = through(matrix, self.points.reshape(-1, 2)).reshape(self.points.shape)
+        return replace(self, points=points, rest=rest, motion=motion)
 
     def lines(self, height: float) -> "Outline":
         """With y in lines of which `height` make one of these."""
-        return replace(self, points=self.points * np.array([1.0, height]))
+        return self.carried(np.diag([1.0, height, 1.0]))
 
     def drawn(self) -> np.ndarray:
         """Which points take part in the curve, (vertices, 3): an open Bezier curve has no handles beyond its ends."""
@@ -39,7 +47,9 @@ class Outline:
         """The curve as a line of `count` steps for each segment, (steps + 1, 2)."""
         if self.weights is None:
             return bezier(self.points, self.closed, count)
-        return x_spline(self.points[:, 0], self.weights, self.closed, count)
+        if self.rest is None:
+            return x_spline(self.points[:, 0], self.weights, self.closed, count)
+        return through(self.motion, x_spline(self.rest[:, 0], self.weights, self.closed, count))
 
 
 def bezier(points: np.ndarray, closed: bool, count: int) -> np.ndarray:
@@ -55,9 +65,11 @@ def x_spline(points: np.ndarray, weights: np.ndarray, closed: bool, count: int) 
     """Blanc and Schlick, "X-splines: a spline model designed for the end-user", SIGGRAPH 1995, general X-splines.
 
     A segment runs from a point to the next and blends these two with the one before and the one behind. The first and
-    the last point of an open curve stand twice.
+    the last point of an open curve stand twice, with weights of 0.
     """
     total = len(points)
+    if not closed:
+        weights = np.concatenate([[0.0], weights[1:-1], [0.0]])
     segments = np.arange(total if closed else total - 1)
     around = segments[:, None] + np.array([-1, 0, 1, 2])
     around = around % total if closed else np.clip(around, 0, total - 1)
