@@ -5,6 +5,7 @@
 #include "Outline.h"
 #include "Shapes.h"
 #include "SurfaceMotion.h"
+#include "XSplineBezier.h"
 
 #include "Host/ZN_ClipInfo.h"
 #include "text/NumberText.h"
@@ -65,6 +66,7 @@ private:
 class OutlineText
 {
 public:
+    /// @param contour a Bezier curve
     /// @param unitX,unitY what a pixel is of the picture's width and height
     OutlineText(ContourModel const& contour, double unitX, double unitY)
         : m_contour(contour), m_withFeather(hasFeather(contour.keys)), m_unitX(unitX), m_unitY(unitY)
@@ -74,8 +76,7 @@ public:
     QString at(int frame, Homography const& motion)
     {
         m_text.resize(0);
-        m_text += m_contour.xspline ? "xspline;" : "bezier;";
-        m_text += m_contour.closed ? "closed" : "open";
+        m_text += m_contour.closed ? "bezier;closed" : "bezier;open";
         appendEdge(Edge::Mask, ';', frame, motion);
         if (m_withFeather)
         {
@@ -88,16 +89,14 @@ private:
     void appendEdge(Edge edge, char before, int frame, Homography const& motion)
     {
         edgeAt(m_contour.keys, edge, frame, m_numbers);
-        carryEdge(m_contour.xspline, motion, m_numbers);
+        carryEdge(false, motion, m_numbers);
         std::size_t const stride = m_contour.stride();
         m_text.reserve(m_text.size() + static_cast<int>(m_numbers.size()) * 12);
         for (std::size_t i = 0; i < m_numbers.size(); ++i)
         {
             std::size_t const place = i % stride;
             m_text += i == 0 ? before : place == 0 ? ';' : ',';
-            bool const isWeight = m_contour.xspline && place == 2;
-            double const unit = isWeight ? 1 : place % 2 == 0 ? m_unitX : m_unitY;
-            Text::appendGeneral(m_text, m_numbers[i] * unit);
+            Text::appendGeneral(m_text, m_numbers[i] * (place % 2 == 0 ? m_unitX : m_unitY));
         }
     }
 
@@ -170,11 +169,6 @@ public:
                                                            std::set<Anm::Context> const& contexts, Pieces const&,
                                                            int) const override
     {
-        // The size is that of whole frames, pixels of interlaced clips are field lines.
-        ZN_BaseClipInfo const& clip = m_layer.data().clip->info();
-        double const lines = clip.bIsInterlaced() ? 2 : 1;
-        OutlineText text(m_model, 1.0 / size.width(), lines / size.height());
-
         std::set<Anm::Context> all = contexts;
         std::set<int> frames;
         for (Anm::Context const& context : contexts)
@@ -188,12 +182,21 @@ public:
                 all.insert(Anm::Context(Anm::Time::fromInt(key.frame), view));
             }
         }
+        auto const motionAt = [&](int frame)
+        {
+            HomographyWithCamera const found = homographies.value(Anm::Context(Anm::Time::fromInt(frame), view));
+            return Homography{found.homography.m};
+        };
+        // The size is that of whole frames, pixels of interlaced clips are field lines.
+        double const lines = m_layer.data().clip->info().bIsInterlaced() ? 2 : 1;
+        ContourModel const outline =
+            m_model.xspline ? asBezier(*frames.begin(), *frames.rbegin(), lines, motionAt) : m_model;
+        OutlineText text(outline, 1.0 / size.width(), lines / size.height());
         QMap<Anm::Context, QString> texts;
         for (Anm::Context const& context : all)
         {
             int const frame = context.frameValue();
-            HomographyWithCamera const found = homographies.value(Anm::Context(Anm::Time::fromInt(frame), view));
-            texts.insert(texts.constEnd(), context, text.at(frame, Homography{found.homography.m}));
+            texts.insert(texts.constEnd(), context, text.at(frame, motionAt(frame)));
         }
         return texts;
     }
@@ -209,6 +212,23 @@ public:
     }
 
 private:
+    // As seen in a range of frames. The curve of an X-spline lies in the plane and is carried as a whole, which an
+    // X-spline through carried points would not be.
+    template <typename MotionAt>
+    ContourModel asBezier(int first, int last, double lines, MotionAt const& motionAt) const
+    {
+        Homography const fullFrame{{1, 0, 0, 0, lines, 0, 0, 0, 1}};
+        PlaneView view{first, {}};
+        for (int frame = first; frame <= last; ++frame)
+        {
+            view.maps.push_back(fullFrame * motionAt(frame));
+        }
+        ContourModel bezier = m_model;
+        bezier.xspline = false;
+        bezier.keys = bakedBezierOfXSpline(m_model.keys, m_model.closed, view, X_SPLINE_TOLERANCE);
+        return bezier;
+    }
+
     TXI::Pos2 restingPoint(std::size_t index, int frame) const
     {
         KeyPlace const place = keyPlace(m_model.keys, frame);

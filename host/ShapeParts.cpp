@@ -24,9 +24,6 @@ using Sabrel::BezierSpan;
 using Transforms = std::vector<KORV_ExportHomography>;
 using Curve = boost::shared_ptr<ExportCurveBase>;
 
-/// How near Bezier curves keep to X-splines, in pixels of the picture.
-constexpr double TOLERANCE = 0.05;
-
 /// From the numbers of an outline in the plane to a curve.
 Curve bezierCurve(double time, bool closed, std::vector<double> const& numbers)
 {
@@ -56,18 +53,6 @@ Curve xsplineCurve(double time, bool closed, std::vector<double> const& numbers)
         points.push_back({{numbers[i], numbers[i + 1]}, numbers[i + 2]});
     }
     return boost::make_shared<ExportXSplineCurve>(time, closed, std::move(points));
-}
-
-bool weightsDiffer(std::vector<double> const& a, std::vector<double> const& b)
-{
-    for (std::size_t i = 2; i < a.size(); i += 3)
-    {
-        if (a[i] != b[i])
-        {
-            return true;
-        }
-    }
-    return false;
 }
 
 // The feather of all keys at `scale` times its distance from the mask; weights stay.
@@ -184,34 +169,6 @@ private:
         return frames;
     }
 
-    // Where weights change from key to key an X-spline isn't linear between them. Baked
-    // ones are keyed at every frame there, before they are turned into Bezier curves.
-    std::vector<ContourKeyModel> densified(std::vector<ContourKeyModel> const& keys) const
-    {
-        std::vector<ContourKeyModel> dense;
-        for (std::size_t i = 0; i < keys.size(); ++i)
-        {
-            dense.push_back(keys[i]);
-            bool const changes = i + 1 < keys.size() &&
-                                 (weightsDiffer(keys[i].points, keys[i + 1].points) ||
-                                  weightsDiffer(edgeOf(keys[i], Edge::Feather), edgeOf(keys[i + 1], Edge::Feather)));
-            if (m_motionApart || !changes)
-            {
-                continue;
-            }
-            int const from = std::max(m_request.firstFrame, keys[i].frame + 1);
-            int const to = std::min(m_request.lastFrame, keys[i + 1].frame - 1);
-            for (int frame = from; frame <= to; ++frame)
-            {
-                ContourKeyModel key{frame, {}, {}};
-                edgeAt(keys, Edge::Mask, frame, key.points);
-                edgeAt(keys, Edge::Feather, frame, key.feather);
-                dense.push_back(std::move(key));
-            }
-        }
-        return dense;
-    }
-
     // The keys of a contour as they lie in the plane, as Bezier curves if they become such.
     std::vector<ContourKeyModel> keysInPlane(ContourModel const& contour) const
     {
@@ -234,7 +191,8 @@ private:
         {
             map = fullFrame * map;
         }
-        return bezierOfXSpline(densified(keys), contour.closed, seen, TOLERANCE);
+        return m_motionApart ? bezierOfXSpline(keys, contour.closed, seen, X_SPLINE_TOLERANCE)
+                             : bakedBezierOfXSpline(keys, contour.closed, seen, X_SPLINE_TOLERANCE);
     }
 
     Curves curves(ContourModel const& contour, std::vector<ContourKeyModel> const& keys, std::vector<int> const& frames,

@@ -196,12 +196,51 @@ private:
     std::vector<ContourKeyModel> m_result;
 };
 
+bool weightsDiffer(std::vector<double> const& a, std::vector<double> const& b)
+{
+    for (std::size_t i = 2; i < a.size(); i += 3)
+    {
+        if (a[i] != b[i])
+        {
+            return true;
+        }
+    }
+    return false;
+}
+
 }
 
 std::vector<ContourKeyModel> bezierOfXSpline(std::vector<ContourKeyModel> const& keys, bool closed,
                                              PlaneView const& view, double tolerance)
 {
     return Converter(keys, closed, view, tolerance).convert();
+}
+
+std::vector<ContourKeyModel> bakedBezierOfXSpline(std::vector<ContourKeyModel> const& keys, bool closed,
+                                                  PlaneView const& view, double tolerance)
+{
+    int const lastFrame = view.firstFrame + static_cast<int>(view.maps.size()) - 1;
+    std::vector<ContourKeyModel> dense;
+    for (std::size_t i = 0; i < keys.size(); ++i)
+    {
+        dense.push_back(keys[i]);
+        bool const changes =
+            i + 1 < keys.size() && (weightsDiffer(keys[i].points, keys[i + 1].points) ||
+                                    weightsDiffer(edgeOf(keys[i], Edge::Feather), edgeOf(keys[i + 1], Edge::Feather)));
+        if (!changes)
+        {
+            continue;
+        }
+        int const to = std::min(lastFrame, keys[i + 1].frame - 1);
+        for (int frame = std::max(view.firstFrame, keys[i].frame + 1); frame <= to; ++frame)
+        {
+            ContourKeyModel key{frame, {}, {}};
+            edgeAt(keys, Edge::Mask, frame, key.points);
+            edgeAt(keys, Edge::Feather, frame, key.feather);
+            dense.push_back(std::move(key));
+        }
+    }
+    return bezierOfXSpline(dense, closed, view, tolerance);
 }
 
 }

@@ -14,6 +14,9 @@ struct PlaneView
     std::vector<Homography> maps;
 };
 
+/// How near Bezier curves keep to X-splines, in pixels of the picture.
+constexpr double X_SPLINE_TOLERANCE = 0.05;
+
 /// Replaces X-splines by Bezier curves (in the form of ContourKeyModel) that, as they are
 /// seen with vertices and tips of handles carried, keep within `tolerance` pixels of the
 /// X-splines, also between keys. All keys and both edges get the same vertices. Where
@@ -35,5 +38,10 @@ struct PlaneView
 /// Spans beyond it, or that aren't finite, ask for none.
 std::vector<ContourKeyModel> bezierOfXSpline(std::vector<ContourKeyModel> const& keys, bool closed,
                                              PlaneView const& view, double tolerance);
+
+/// The same for outlines that are wanted at every frame of the view: where weights change
+/// from key to key, and an X-spline isn't linear between them, there is a key at each.
+std::vector<ContourKeyModel> bakedBezierOfXSpline(std::vector<ContourKeyModel> const& keys, bool closed,
+                                                  PlaneView const& view, double tolerance);
 
 }

@@ -65,7 +65,8 @@ struct ContourPieces
 };
 
 /// A roto contour of a layer. Its control points ride on the layer's surface: where they
-/// are seen at a frame is where the layer's homography of that frame carries them.
+/// are seen at a frame is where the layer's homography of that frame carries them. An
+/// X-spline is drawn in the plane of the surface, and its curve is carried.
 class MARLO_HOST_API Contour
 {
 public:

@@ -337,7 +337,6 @@ TEST(Shapes, OutlineTextsAreReadBackAndInterpolatedLikeTheContour)
         QList<Anm::Context> const times = texts.keys();
         ASSERT_EQ(times, (QList<Anm::Context>{contextAt(0), contextAt(2), contextAt(8), contextAt(10)}));
 
-        double const lines = interlaced ? 2 : 1;
         ExportedShape const baked = shapeOf(builder, 0, 10, 1 + 8);
         for (int frame = 0; frame <= 10; ++frame)
         {
@@ -361,10 +360,23 @@ TEST(Shapes, OutlineTextsAreReadBackAndInterpolatedLikeTheContour)
                 }
             }
         }
-        auto const spline = layer.activeContours()[1]->getShapeKeyframesAsStrings(project.get(), size, {},
-                                                                                  Anm::View::defaultView(), {});
-        EXPECT_EQ(spline.values(), QStringList(lines == 1 ? "xspline;closed;0.025,0.1,-0.5;0.5,0.05,1;0.375,0.45,0"
-                                                          : "xspline;closed;0.025,0.2,-0.5;0.5,0.1,1;0.375,0.9,0"));
+        // An X-spline is the Bezier curve that other targets get too.
+        auto const spline = layer.activeContours()[1]->getShapeKeyframesAsStrings(
+            project.get(), size, *motion, Anm::View::defaultView(), {contextAt(0), contextAt(10)});
+        ASSERT_EQ(spline.keys(), (QList<Anm::Context>{contextAt(0), contextAt(4), contextAt(10)}));
+        ExportedShape const bakedSpline = shapeOf(builder, 0, 10, 1 + 2);
+        for (int const frame : {0, 4, 10})
+        {
+            Outline const seen = parseOutline(spline[contextAt(frame)]);
+            Korvane::ExportBezierCurve const& curve = bezierAt(bakedSpline.maskShape(1, 0), frame);
+            ASSERT_EQ(seen.edges[0].size(), 6 * static_cast<std::size_t>(curve.numSpans()));
+            for (std::size_t vertex = 0; vertex * 6 < seen.edges[0].size(); ++vertex)
+            {
+                double const* const numbers = &seen.edges[0][vertex * 6];
+                EXPECT_POINT((Mtx_Vector2{numbers[0] * 400, numbers[1] * 200}), curve[vertex].start, 2e-3);
+                EXPECT_POINT((Mtx_Vector2{numbers[4] * 400, numbers[5] * 200}), curve[vertex].control1, 4e-3);
+            }
+        }
     }
 }
 

@@ -16,13 +16,13 @@ import numpy as np
 import checking
 import mask_text
 import shape_projects
-from bounded import carried, inverse
+from bounded import Bounded, carried, inverse
 from checking import Check, Fault, replaced
 from findings import Findings
 from keyframe_text import half_units
 from mask_text import Mask, Outlines
 from roto_judge import Scene
-from shape_model import Contour, Layer, Outline
+from shape_model import X_SPLINE, Contour, Layer, Outline, apart
 from text_lines import TextError, six_digits
 
 KEY = "after_effects_mask"
@@ -122,9 +122,10 @@ class MaskJudge:
     def _outline(self, frame: int, text: Outlines) -> bool:
         """The outline of one frame, number by number."""
         place = f"{self._place} at frame {frame}"
-        kind = "bezier" if self._contour.bezier else "xspline"
         good = self._findings.same(f"{place}: kind", (text.kind, text.closed, text.feather is not None),
-                                   (kind, self._contour.closed, self._contour.has_feather))
+                                   ("bezier", self._contour.closed, self._contour.has_feather))
+        if not self._contour.bezier:
+            return good
         for numbers, feathered in ((text.points, False), (text.feather, True)):
             if not good or numbers is None:
                 continue
@@ -139,9 +140,6 @@ class MaskJudge:
     def _numbers(self, outline: Outline) -> Tuple[np.ndarray, np.ndarray]:
         """What a text of the outline says, and which of it the curve shows."""
         points = outline.points / self._layer.raster
-        if outline.weights is not None:
-            numbers = np.column_stack([points[:, 0], outline.weights])
-            return numbers, np.ones(numbers.shape, bool)
         vertices = points[:, 1]
         drawn = outline.drawn()
         shown = np.repeat(np.stack([drawn[:, 1], drawn[:, 0], drawn[:, 2]], axis=1), 2, axis=1)
@@ -163,9 +161,21 @@ class MaskJudge:
                     plane = planes[k] * (1.0 - part) + planes[k + 1] * part
                 found = carried(matrices[i], plane)
                 expected = self._layer.seen(self._contour, frame, feathered)
+                if not self._contour.bezier:
+                    self._compare_spline(found, expected, f"{self._place} at frame {frame}")
+                    continue
                 drawn, size = expected.drawn(), self._layer.raster
                 self._findings.compare("seen, px", (found.value * size)[drawn], expected.points[drawn],
                                        ((found.error + ARITHMETIC) * size)[drawn], f"{self._place} at frame {frame}")
+
+
+    def _compare_spline(self, found: Bounded, expected: Outline, place: str) -> None:
+        """A Bezier curve may be that far from the X-spline which it stands for, and its digits move it further."""
+        size = self._layer.raster
+        curve = Outline(found.value * size, None, self._contour.closed)
+        error = float(np.linalg.norm((found.error + ARITHMETIC) * size, axis=-1).max())
+        away = apart(curve, expected)
+        self._findings.compare("x-spline, px", away, np.zeros(len(away)), X_SPLINE + error, place)
 
 
 def _parts(matrix: np.ndarray) -> List[float]:

@@ -44,7 +44,7 @@ class Mask:
 
 @dataclass(frozen=True)
 class Outlines:
-    """The curve and its feather as printed: numbers (vertices, 6) or, of an X-spline, (points, 3)."""
+    """The curve and its feather as printed: numbers (vertices, 6)."""
     kind: str
     closed: bool
     points: np.ndarray
@@ -78,30 +78,25 @@ def _block(lines: Lines, index: int, name: str, columns: Tuple[str, ...]) -> Row
 
 
 def outlines(text: str) -> Outlines:
-    match = re.fullmatch(r"(bezier|xspline);(closed|open);([^/]*)(?:/([^/]*))?", text)
+    match = re.fullmatch(r"(bezier);(closed|open);([^/]*)(?:/([^/]*))?", text)
     if match is None:
         raise TextError(f"{text[:60]!r} is not an outline")
-    kind = match.group(1)
-    width = 6 if kind == "bezier" else 3
-
     def points(part: str) -> np.ndarray:
         rows = [[six_digits(number) for number in vertex.split(",")] for vertex in part.split(";")]
-        if any(len(row) != width for row in rows):
-            raise TextError(f"a vertex of {text[:60]!r} has not {width} numbers")
+        if any(len(row) != 6 for row in rows):
+            raise TextError(f"a vertex of {text[:60]!r} has not six numbers")
         return np.array(rows)
     inner = points(match.group(3))
     outer = points(match.group(4)) if match.group(4) is not None else None
     if outer is not None and outer.shape != inner.shape:
         raise TextError(f"the feather of {text[:60]!r} has another number of vertices")
-    return Outlines(kind, match.group(2) == "closed", inner, outer)
+    return Outlines(match.group(1), match.group(2) == "closed", inner, outer)
 
 
 def control_points(numbers: np.ndarray) -> Bounded:
-    """Points as outlines have them, (vertices, 3, 2) or (points, 1, 2), from printed numbers."""
+    """Points as outlines have them, (vertices, 3, 2), from printed numbers."""
     printed = Bounded(numbers, half_units(numbers))
     vertex = printed[:, 0:2]
-    if numbers.shape[1] == 3:
-        return stacked([vertex], axis=1)
     return stacked([vertex + printed[:, 2:4], vertex, vertex + printed[:, 4:6]], axis=1)
 
 

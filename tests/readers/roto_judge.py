@@ -18,20 +18,14 @@ from bounded import Bounded, carried, exact, stacked
 from findings import Findings
 from keyframe_text import half_units
 from nuke_script import Curve
-from shape_model import ARRIVING, LEAVING, VERTEX, Contour, Layer, Outline
+from shape_model import ARRIVING, LEAVING, STEPS, VERTEX, X_SPLINE, Contour, Layer, Outline
 from text_lines import TextError
 
 # Allowance for the arithmetic of doubles: coordinates go through a few homographies.
 ARITHMETIC = 1e-8
 
-# How far a Bezier curve may be from the X-spline that it stands for, in pixels.
-X_SPLINE = 0.05
-
 # Entries of motion matrices are multiplied by this, so that few decimals keep the small ones.
 MATRIX_SCALE = 1e6
-
-# Steps for each segment of a densely sampled curve, and of an X-spline as the line that distances are taken from.
-_STEPS, _LINE_STEPS = 16, 120
 
 
 @dataclass(frozen=True)
@@ -270,12 +264,10 @@ class _Outlines:
             place = f"{self._place} at frame {frame}"
             if self._contour.bezier:
                 if self._findings.same(f"{place}: vertices", len(found.points), len(expected.points)):
-                    self._findings.compare(name + "curve", found.dense(_STEPS), expected.dense(_STEPS),
+                    self._findings.compare(name + "curve", found.dense(STEPS), expected.dense(STEPS),
                                            error + ARITHMETIC, place)
                 continue
-            away = [shape_model.distances(found.dense(_STEPS), expected.dense(_LINE_STEPS)),
-                    shape_model.distances(expected.dense(_STEPS), found.dense(_LINE_STEPS))]
-            away = np.concatenate(away)
+            away = shape_model.apart(found, expected)
             self._findings.compare(name + "x-spline", away, np.zeros(len(away)), X_SPLINE + error, place)
 
     def _compare_motion(self, main, feather, frames: List[int]) -> None:

@@ -131,6 +131,19 @@ def distances(points: np.ndarray, line: np.ndarray) -> np.ndarray:
     return result
 
 
+# Steps for each segment of a densely sampled curve, and of a curve as the line that distances are taken from.
+STEPS, _LINE_STEPS = 16, 120
+
+# How far a Bezier curve may be from the X-spline that it stands for, in pixels.
+X_SPLINE = 0.05
+
+
+def apart(one: Outline, other: Outline) -> np.ndarray:
+    """How far places all along each of two curves are from the other one."""
+    return np.concatenate([distances(one.dense(STEPS), other.dense(_LINE_STEPS)),
+                           distances(other.dense(STEPS), one.dense(_LINE_STEPS))])
+
+
 class Contour:
     def __init__(self, record: Dict[str, Any]) -> None:
         self.name = record["name"]

@@ -73,7 +73,6 @@ inline testing::AssertionResult isNear(Mtx_Vector2 const& found, Mtx_Vector2 con
 /// An outline text, taken apart.
 struct Outline
 {
-    bool xspline = false;
     bool closed = false;
 
     /// The numbers of the mask, then those of the feather if there is one.
@@ -88,14 +87,13 @@ inline Outline parseOutline(QString const& text)
         std::vector<double> numbers;
         for (QString const& vertex : edge.split(';'))
         {
-            if (vertex == "xspline" || vertex == "bezier" || vertex == "closed" || vertex == "open")
+            if (vertex == "bezier" || vertex == "closed" || vertex == "open")
             {
-                outline.xspline |= vertex == "xspline";
                 outline.closed |= vertex == "closed";
                 continue;
             }
             QStringList const words = vertex.split(',');
-            EXPECT_EQ(words.size(), outline.xspline ? 3 : 6) << text.toStdString();
+            EXPECT_EQ(words.size(), 6) << text.toStdString();
             for (QString const& word : words)
             {
                 bool isNumber = false;
