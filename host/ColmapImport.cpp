@@ -451,11 +451,11 @@ QStringList leftOutOf(ColmapModel const& model, std::size_t usedCameras)
     QStringList list;
     if (model.observations > 0)
     {
-        list += QStringLiteral("%1 2D points").arg(model.observations);
+        list += QStringLiteral("%1 2D points and their tracks").arg(model.observations);
     }
     if (!model.points.empty())
     {
-        list += QStringLiteral("colours and tracks of the points");
+        list += QStringLiteral("colours of the points");
     }
     if (std::size_t const unused = model.cameras.size() - usedCameras; unused > 0)
     {

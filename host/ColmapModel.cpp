@@ -113,18 +113,24 @@ public:
         m_lines.fail(cause);
     }
 
-    /// @param what of the field, for the error
+    /// The next field; empty at the end of the line.
+    Token word()
+    {
+        std::size_t const end = std::min(m_rest.find_first_of(" \t\v\f"), m_rest.size());
+        Token const token = m_rest.substr(0, end);
+        m_rest.remove_prefix(end);
+        skipBlanks();
+        return token;
+    }
+
+    /// @param what of the field, for the error where there is none
     Token word(char const* what)
     {
         if (m_rest.empty())
         {
             fail(QStringLiteral("the line ends where %1 should stand").arg(QLatin1String(what)));
         }
-        std::size_t const end = std::min(m_rest.find_first_of(" \t\v\f"), m_rest.size());
-        Token const token = m_rest.substr(0, end);
-        m_rest.remove_prefix(end);
-        skipBlanks();
-        return token;
+        return word();
     }
 
     /// What is left of the line, without the blanks at its end.
@@ -171,7 +177,7 @@ public:
     {
         if (!m_rest.empty())
         {
-            fail(QStringLiteral("expected the end of the line, found %1").arg(quoted(word(""))));
+            fail(QStringLiteral("expected the end of the line, found %1").arg(quoted(word())));
         }
     }
 
@@ -394,18 +400,18 @@ std::int64_t readObservations(Fields& fields, Image const& image)
     fields.nextLine();
     for (; !fields.atLineEnd(); ++count)
     {
-        Token const x = fields.word("x of a 2D point");
-        Token const y = fields.word("y of a 2D point");
-        Token const point = fields.word("the id of a 3D point");
+        Token const x = fields.word();
+        Token const y = fields.word();
+        Token const point = fields.word();
         // A line that isn't one is mostly the next image, as somebody took empty lines away.
         Token const* const wrong = !numberOf(x) ? &x : !numberOf(y) ? &y : !isPointId(point) ? &point : nullptr;
         if (wrong)
         {
             fields.fail(
                 QStringLiteral("expected the 2D points of the image in line %1: X, Y, POINT3D_ID and again, or an "
-                               "empty line; found %2")
-                    .arg(image.line)
-                    .arg(quoted(*wrong)));
+                               "empty line; found ")
+                    .arg(image.line) +
+                (wrong->empty() ? QStringLiteral("the end of the line") : quoted(*wrong)));
         }
     }
     return count;
