@@ -4,6 +4,7 @@
 #include "marlohost/ColmapModel.h"
 
 #include "mtx/SFMEulerAngles.h"
+#include "text/NumberText.h"
 
 #include <algorithm>
 #include <cmath>
@@ -22,6 +23,13 @@ constexpr double FILM_WIDTH = FilmBackModel().width;
 
 /// What is reported and what isn't: the bound that exports are held to.
 constexpr double VISIBLE_PIXELS = 0.05;
+
+QString fixed(double value)
+{
+    QString text;
+    Text::appendFixed(text, value, 2);
+    return text;
+}
 
 /// A number of the camera for each image; keyed where it changes.
 template <typename Value>
@@ -236,7 +244,7 @@ void warnOfOtherShapes(std::vector<Camera const*> const& used, double pixelAspec
         warnings += QStringLiteral("the cameras disagree about the shape of a pixel; with the pixel aspect %1 the "
                                    "camera of the scene is off by up to %2 pixels at the upper and lower edge")
                         .arg(pixelAspect)
-                        .arg(most, 0, 'f', 2);
+                        .arg(fixed(most));
     }
 }
 
@@ -325,8 +333,7 @@ void notePrincipalPoint(std::vector<Camera const*> const& used, ColmapProject& r
         result.warnings +=
             QStringLiteral("the principal point lies off the middle of the picture, by %1 pixels to the right and %2 "
                            "down; the camera of the scene looks through the middle, so move its picture by as much")
-                .arg(result.principalRight, 0, 'f', 2)
-                .arg(result.principalDown, 0, 'f', 2);
+                .arg(fixed(result.principalRight), fixed(result.principalDown));
     }
 }
 

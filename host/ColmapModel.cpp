@@ -39,6 +39,7 @@ constexpr char IMAGES[] = "images.txt";
 constexpr char POINTS[] = "points3D.txt";
 
 constexpr qint64 MAX_FILE_BYTES = 1LL << 30;
+
 /// Of cameras, too.
 constexpr std::size_t MAX_IMAGES = 10'000'000;
 constexpr std::size_t MAX_POINTS = 10'000'000;
@@ -145,7 +146,8 @@ public:
         return token;
     }
 
-    double number(char const* what, double most = MAX_NUMBER)
+    /// A decimal number within the limits.
+    double number(char const* what)
     {
         Token const token = word(what);
         std::optional<double> const number = numberOf(token);
@@ -153,15 +155,16 @@ public:
         {
             refuse(token, what, "a number");
         }
-        if (std::fabs(*number) > most)
+        if (std::fabs(*number) > MAX_NUMBER)
         {
             fail(QStringLiteral("%1 as %2 is beyond what a project takes (%3)")
                      .arg(quoted(token), QLatin1String(what))
-                     .arg(most));
+                     .arg(MAX_NUMBER));
         }
         return *number;
     }
 
+    /// A whole number, not negative.
     std::uint64_t id(char const* what)
     {
         Token const token = word(what);
@@ -533,8 +536,7 @@ void sortImages(ColmapModel& model)
         {
             model.fail(IMAGES, image.line,
                        QStringLiteral("the image %1 stands in line %2 already")
-                           .arg(quoted(Token(name.constData())))
-                           .arg(sorted.back().line));
+                           .arg(quoted(Token(name.constData())), QString::number(sorted.back().line)));
         }
         sorted.push_back(std::move(image));
     }

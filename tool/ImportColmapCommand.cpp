@@ -7,6 +7,7 @@
 #include "Record.h"
 #include "marlohost/ColmapModel.h"
 #include "marlohost/ProjectFile.h"
+#include "text/NumberText.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -58,9 +59,11 @@ std::pair<double, double> extent(KeyedNumber const& number)
     return {*least, *most};
 }
 
-QString fixed(double value, int decimals)
+QString fixed(double value)
 {
-    return QString::number(value, 'f', decimals);
+    QString text;
+    Text::appendFixed(text, value, 2);
+    return text;
 }
 
 QString orNone(QStringList const& list)
@@ -121,8 +124,8 @@ struct ColmapReport
     QString focalText() const
     {
         auto const [least, most] = focalLength();
-        QString const text = fixed(least, 2);
-        return (least == most ? text : text + QStringLiteral(" to ") + fixed(most, 2)) + QStringLiteral(" mm");
+        QString const text = fixed(least);
+        return (least == most ? text : text + QStringLiteral(" to ") + fixed(most)) + QStringLiteral(" mm");
     }
 
     QStringList lines() const
@@ -130,7 +133,7 @@ struct ColmapReport
         ColmapModel::Image const& first = model.images.front();
         ColmapModel::Image const& last = model.images.back();
         QString const error =
-            result.medianError ? fixed(*result.medianError, 2) + QStringLiteral(" px") : QStringLiteral("unknown");
+            result.medianError ? fixed(*result.medianError) + QStringLiteral(" px") : QStringLiteral("unknown");
         return {path,
                 QStringLiteral("images: %1 of %2x%3, footage: %4")
                     .arg(model.images.size())
@@ -147,7 +150,7 @@ struct ColmapReport
                                "the middle by %3, %4 px (right, down)")
                     .arg(focalText())
                     .arg(clip().pixelAspect)
-                    .arg(fixed(result.principalRight, 2), fixed(result.principalDown, 2)),
+                    .arg(fixed(result.principalRight), fixed(result.principalDown)),
                 QStringLiteral("lens: ") + orNone(lensTerms(clip())),
                 QStringLiteral("left out: ") + orNone(result.leftOut)};
     }
