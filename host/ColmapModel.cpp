@@ -117,9 +117,9 @@ public:
     /// The next field; empty at the end of the line.
     Token word()
     {
-        std::size_t const end = std::min(m_rest.find_first_of(" \t\v\f"), m_rest.size());
-        Token const token = m_rest.substr(0, end);
-        m_rest.remove_prefix(end);
+        auto const end = std::find_if(m_rest.begin(), m_rest.end(), isBlank);
+        Token const token = m_rest.substr(0, static_cast<std::size_t>(end - m_rest.begin()));
+        m_rest.remove_prefix(token.size());
         skipBlanks();
         return token;
     }

@@ -10,16 +10,6 @@
 namespace MarloHost
 {
 
-bool isBlank(char c)
-{
-    return c == ' ' || c == '\t' || c == '\v' || c == '\f';
-}
-
-bool isDigit(char c)
-{
-    return c >= '0' && c <= '9';
-}
-
 QString textOf(Token token)
 {
     return QString::fromUtf8(token.data(), static_cast<int>(token.size()));
@@ -79,10 +69,11 @@ TextLines::TextLines(QByteArray const& text, QString const& fileName)
 
 Token TextLines::take()
 {
-    std::size_t const end = std::min(m_rest.find_first_of("\r\n"), m_rest.size());
-    Token const line = m_rest.substr(0, end);
-    bool const isPair = m_rest.substr(end, 2) == "\r\n";
-    m_rest.remove_prefix(std::min(m_rest.size(), end + (isPair ? 2 : 1)));
+    // Lines may be many megabytes long; this is several times as fast as find_first_of.
+    auto const end = std::find_if(m_rest.begin(), m_rest.end(), [](char c) { return c == '\n' || c == '\r'; });
+    Token const line = m_rest.substr(0, static_cast<std::size_t>(end - m_rest.begin()));
+    bool const isPair = m_rest.substr(line.size(), 2) == "\r\n";
+    m_rest.remove_prefix(std::min(m_rest.size(), line.size() + (isPair ? 2 : 1)));
     ++m_number;
     return line;
 }

@@ -13,8 +13,15 @@ namespace MarloHost
 /// A piece of the text that is being read, which it must not outlive.
 using Token = std::string_view;
 
-bool isBlank(char c);
-bool isDigit(char c);
+inline bool isBlank(char c)
+{
+    return c == ' ' || c == '\t' || c == '\v' || c == '\f';
+}
+
+inline bool isDigit(char c)
+{
+    return c >= '0' && c <= '9';
+}
 
 QString textOf(Token token);
 
