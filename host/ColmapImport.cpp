@@ -99,14 +99,14 @@ void checkCameras(ColmapModel const& model, std::vector<Camera const*> const& us
                            .arg(first.width)
                            .arg(first.height));
         }
-        // The limits of a project file, for a lens in heights and a camera in millimetres.
-        double const least = 1e-3;
-        double const most = 1000;
+        // The limits of a project file, for a lens in heights and a camera in millimetres;
+        // beyond those of the shape somebody mistook the parameters.
         double const heights = camera->focalY / camera->height;
         double const millimetres = camera->focalX / camera->width * FILM_WIDTH;
         double const shape = camera->focalY / camera->focalX;
-        if (!(std::min(heights, millimetres) >= least && std::max(heights, millimetres) <= most && shape >= 0.1 &&
-              shape <= 10))
+        bool const isFine = heights >= 1e-3 && heights <= 1000 && millimetres >= 0.1 && millimetres <= 10'000 &&
+                            shape >= 0.1 && shape <= 10;
+        if (!isFine)
         {
             model.fail(
                 "cameras.txt", camera->line,

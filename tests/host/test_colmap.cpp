@@ -137,7 +137,8 @@ double worstMiss(ProjectModel const& project, ColmapModel const& model)
 TEST(Colmap, RealImagesShowThePointsWhereTheProjectDoes)
 {
     ColmapModel const model = MarloHost::readColmapFolder(QString::fromUtf8(CASTLE));
-    ProjectModel const project = import(model).project;
+    ProjectModel const project =
+        MarloHost::readProject(MarloHost::writeProject(import(model).project), QStringLiteral("castle.json"));
     ASSERT_EQ(project.clips[0].footage.firstIndex, 7100);
     // The model states its numbers with six digits.
     EXPECT_LT(worstMiss(project, model), 0.01);
@@ -444,6 +445,7 @@ TEST(Colmap, RefusesWhatItWouldHaveToGuess)
         {"1 PINHOLE 640 480 500 500 1e10 240", image, "", "\"1e10\" as a camera parameter is beyond"},
         {"1 PINHOLE 640 480 0 500 320 240", image, "",
          "m/cameras.txt: line 1: camera 1 has focal lengths of 0 and 500"},
+        {"1 PINHOLE 640 480 500 5001 320 240", image, "", "which no lens has on a picture of 640x480"},
         {"1 PINHOLE 640 480 -500 -500 320 240", image, "", "camera 1 has focal lengths of -500"},
         {"-1 PINHOLE 640 480 1 1 1 1", image, "", "expected the camera id, a whole number from 0 up, found \"-1\""},
         {camera + camera, image, "", "m/cameras.txt: line 2: camera 1 stands twice"},
