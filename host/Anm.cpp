@@ -238,6 +238,11 @@ bool BaseContext::operator==(BaseContext const& other) const
     return m_time == other.m_time && m_view == other.m_view && m_scale == other.m_scale;
 }
 
+Time operator-(BaseContext const& context, int frames)
+{
+    return Time::fromDouble(context.time().value() - frames);
+}
+
 Context::Context(Time const& time, View const& view, ProxyScale const& scale) : BaseContext(time, view, scale)
 {
 }

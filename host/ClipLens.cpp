@@ -1,5 +1,7 @@
 #include "marlohost/ClipLens.h"
 
+#include "Keys.h"
+
 #include <algorithm>
 #include <cmath>
 #include <set>
@@ -13,19 +15,8 @@ double valueAt(KeyedNumber const& number, double frame)
     {
         return number.value;
     }
-    auto const after = std::upper_bound(number.frames.begin(), number.frames.end(), frame);
-    auto const index = static_cast<std::size_t>(after - number.frames.begin());
-    if (index == 0)
-    {
-        return number.values.front();
-    }
-    if (index == number.values.size())
-    {
-        return number.values.back();
-    }
-    double const before = number.frames[index - 1];
-    double const along = (frame - before) / (number.frames[index] - before);
-    return number.values[index - 1] + along * (number.values[index] - number.values[index - 1]);
+    auto const [first, second, fraction] = keysAround(number.frames, frame);
+    return number.values[first] + fraction * (number.values[second] - number.values[first]);
 }
 
 std::optional<int> firstFoldedFrame(ClipModel const& clip)

@@ -1,6 +1,5 @@
-// Bodies of the exporter base classes and of the shape selection.
+// Bodies of the bases of tracking and shape exporters, and of the shape selection.
 
-#include "Host/CameraSolveExporter.h"
 #include "Host/ExporterHelper.h"
 #include "Host/Fnd.h"
 #include "Host/KORV_Layer.h"
@@ -66,25 +65,6 @@ QList<boost::shared_ptr<Contour const>> ShapeExportHelper::getContoursToExport(K
         contours.append(layer->activeContours());
     }
     return contours;
-}
-
-}
-
-namespace KV
-{
-
-ExportOptionsReceiver::~ExportOptionsReceiver() = default;
-
-CameraSolveExporter::CameraSolveExporter() = default;
-CameraSolveExporter::~CameraSolveExporter() = default;
-
-void CameraSolveExporter::setUserOptions(ExportOptionsReceiver&) const
-{
-}
-
-void CameraSolveExporter::copyToClipboard(Fnd::IClipboard& clipboard, QString const& text) const
-{
-    Korvane::smartCopy(clipboard, text);
 }
 
 }

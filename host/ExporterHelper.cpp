@@ -224,6 +224,17 @@ void ExporterHelperBase::setFocalDistance(float distance)
     m_base->focalDistance = distance;
 }
 
+void ExporterHelperBase::startWithoutLayer(KORV_ProjectManager const& project, Anm::View const& view, int first,
+                                           int last)
+{
+    Data fresh;
+    fresh.cutToLayer = m_base->cutToLayer;
+    fresh.project = &project;
+    fresh.view = view;
+    fresh.range = {first, last};
+    *m_base = fresh;
+}
+
 void ExporterHelperBase::clearRange()
 {
     m_base->range = {-1, -2};

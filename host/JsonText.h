@@ -167,6 +167,23 @@ void writeOptional(JsonText& json, char const* key, std::optional<int> const& va
 /// @param absent the default, which is left out
 void writeKeyed(JsonText& json, char const* key, KeyedNumber const& number, double absent);
 
+/// An array of records under a key, each written by `write(json, record)`; nothing when there
+/// are none.
+template <typename Records, typename Write>
+void writeArray(JsonText& json, char const* key, Records const& records, Write const& write)
+{
+    if (records.empty())
+    {
+        return;
+    }
+    json.open(key, '[');
+    for (auto const& record : records)
+    {
+        write(json, record);
+    }
+    json.close(']');
+}
+
 /// The keys of a layer that say what its contours and its mesh are.
 void writeLayerShapes(JsonText& json, LayerModel const& layer);
 

@@ -185,6 +185,11 @@ KORV_ProjectManager::Data& KORV_ProjectManager::data()
     return *m_data;
 }
 
+KORV_ProjectManager::Data const& KORV_ProjectManager::data() const
+{
+    return *m_data;
+}
+
 KORV_SelectionManager::KORV_SelectionManager(std::unique_ptr<Data> data) : m_data(std::move(data))
 {
 }

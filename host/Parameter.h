@@ -17,3 +17,16 @@ struct Parameter<T>::Data
 };
 
 }
+
+namespace MarloHost
+{
+
+/// A parameter without keys.
+template <typename T>
+Anm::Parameter<T> unkeyed(T value)
+{
+    return Anm::Parameter<T>(
+        std::make_unique<typename Anm::Parameter<T>::Data>(typename Anm::Parameter<T>::Data{value, {}}));
+}
+
+}

@@ -67,17 +67,10 @@ Anm::Parameter<bool> fixedFrames(StabilizeModel const& model)
     return Anm::Parameter<bool>(std::move(data));
 }
 
-template <typename T>
-Anm::Parameter<T> unkeyed(T value)
-{
-    return Anm::Parameter<T>(
-        std::make_unique<typename Anm::Parameter<T>::Data>(typename Anm::Parameter<T>::Data{value, {}}));
-}
-
 std::unique_ptr<ZN::Point3DParameterSet> placeInScene(PoseModel const& pose, ZN::Point3DParameterSet const* parent)
 {
     return std::make_unique<ZN::Point3DParameterSet>(
-        std::make_unique<ZN::Point3DParameterSet::Data>(ZN::Point3DParameterSet::Data{&pose, parent}));
+        std::make_unique<ZN::Point3DParameterSet::Data>(ZN::Point3DParameterSet::Data{&pose, parent, false}));
 }
 
 /// Fills the record of a project step by step; later steps look up what earlier

@@ -20,9 +20,9 @@ QString uniqueName(JsonObject const& object, QSet<QString>& taken)
 }
 
 // A number, or an object of keys: { "frames": [...], "values": [...] }.
-void readKeyed(JsonObject const& object, char const* key, int frameCount, double least, KeyedNumber& number)
+void readKeyed(JsonObject const& object, char const* key, int frameCount, double least, KeyedNumber& number,
+               double most)
 {
-    constexpr double MOST = 1000;
     std::optional<JsonCursor> const cursor = object.optional(key);
     if (!cursor)
     {
@@ -30,7 +30,7 @@ void readKeyed(JsonObject const& object, char const* key, int frameCount, double
     }
     if (cursor->value().kind != JsonValue::Object)
     {
-        number.value = cursor->number(least, MOST);
+        number.value = cursor->number(least, most);
         return;
     }
     JsonObject const keys(*cursor, {"frames", "values"});
@@ -43,9 +43,9 @@ void readKeyed(JsonObject const& object, char const* key, int frameCount, double
     }
     for (double const value : number.values)
     {
-        if (value < least || value > MOST)
+        if (value < least || value > most)
         {
-            values.fail(QStringLiteral("%1 is out of range; expected %2 to %3").arg(value).arg(least).arg(MOST));
+            values.fail(QStringLiteral("%1 is out of range; expected %2 to %3").arg(value).arg(least).arg(most));
         }
     }
     number.value = number.values.front();

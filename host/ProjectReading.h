@@ -15,7 +15,8 @@ QString uniqueName(JsonObject const& object, QSet<QString>& taken);
 
 /// A number, or an object of keys: { "frames": [...], "values": [...] }. Leaves `number`
 /// as it is when the key is absent.
-void readKeyed(JsonObject const& object, char const* key, int frameCount, double least, KeyedNumber& number);
+void readKeyed(JsonObject const& object, char const* key, int frameCount, double least, KeyedNumber& number,
+               double most = 1000);
 
 /// The frames of `count` sets of numbers under the key `what`: "frames", or "firstFrame"
 /// from which they follow on one another.

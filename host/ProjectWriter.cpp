@@ -136,21 +136,6 @@ void writeStabilize(JsonText& json, StabilizeModel const& stabilize)
     json.close('}');
 }
 
-template <typename Records, typename Write>
-void writeArray(JsonText& json, char const* key, Records const& records, Write const& write)
-{
-    if (records.empty())
-    {
-        return;
-    }
-    json.open(key, '[');
-    for (auto const& record : records)
-    {
-        write(json, record);
-    }
-    json.close(']');
-}
-
 void writeAdjustKey(JsonText& json, AdjustKeyModel const& key)
 {
     json.open(nullptr, '{');

@@ -25,12 +25,29 @@ struct ZN::Point3DParameterSet::Data
 
     /// What it hangs on; null for the scene.
     Point3DParameterSet const* parent = nullptr;
+
+    /// Whether it hangs on something whose pose is never multiplied into its own.
+    bool isCarried = false;
+};
+
+struct ZN::Features3DParameterSet::Data
+{
+    MarloHost::FeatureSetModel const* model = nullptr;
+    QString parentId;
+
+    /// What the points move with: a layer, or the root of the feature sets.
+    Point3DParameterSet const* carrier = nullptr;
 };
 
 namespace MarloHost
 {
 
 /// The scene of a project; empty when it has no solve. The model must outlive it.
+///
+/// @throws KORV_BadArgument when the solve names a layer that isn't there
 std::unique_ptr<ZN::Scene3DParameterSet> makeScene(ProjectModel const& model, KORV_SelectionManager const& layers);
+
+/// Width of the camera's film back as the picture is seen, in millimetres.
+double filmBackWidth(CameraModel const& camera, ClipModel const& firstClip);
 
 }

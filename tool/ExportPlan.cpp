@@ -1,5 +1,6 @@
 #include "ExportPlan.h"
 
+#include "CameraViewsExporter.h"
 #include "Core/LensExporter.h"
 #include "Failure.h"
 #include "FormatOptions.h"
@@ -50,11 +51,9 @@ std::shared_ptr<Export::ExporterWrapper> makeExporter(Session& session, FormatEn
     }
     if (format.kind() == Kind::Camera)
     {
-        Export::Preset::ExportInfo info;
-        info.format = format.key();
-        info.type = Export::Preset::ExportInfo::Camera;
-        info.options = Export::UserCameraSolveOptions{choices.objects, values};
-        return Export::createExporter(info, session.project());
+        bool const holdsSeveral = format.format().flags().testFlag(Export::HoldsSeveralViews);
+        return std::make_shared<CameraViewsExporter>(format, Export::UserCameraSolveOptions{choices.objects, values},
+                                                     holdsSeveral ? views.views : std::vector<Anm::View>{views.view});
     }
     Export::LensDataFormat const& lens = format.as<Export::LensDataFormat>();
     if (!lens.customDataTypeName().isEmpty())
@@ -140,7 +139,7 @@ QStringList optionsWithoutEffect(FormatEntry const& format, QStringList const& g
     static QMap<QString, QList<Kind>> const kinds{{"--layer", {Kind::Tracking, Kind::Shape}},
                                                   {"--layers", {Kind::Tracking, Kind::Shape}},
                                                   {"--each-layer", {Kind::Tracking, Kind::Shape}},
-                                                  {"--view", {Kind::Tracking, Kind::Shape}},
+                                                  {"--view", {Kind::Tracking, Kind::Shape, Kind::Camera}},
                                                   {"--track", {Kind::Tracking}},
                                                   {"--invert", {Kind::Tracking}},
                                                   {"--undistort", {Kind::Tracking}},

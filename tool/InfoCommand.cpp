@@ -59,7 +59,8 @@ public:
                 {"displayedClip", jsonText(clipName(m_model.displayClip))},
                 {"views", jsonTexts(m_model.views)},
                 {"clips", clips},
-                {"layers", layers}};
+                {"layers", layers},
+                {"solve", m_model.solve ? solveToJson(*m_model.solve) : Json()}};
     }
 
     QStringList lines() const
@@ -78,6 +79,10 @@ public:
         for (LayerModel const& layer : m_model.layers)
         {
             lines += layerLine(layer);
+        }
+        if (m_model.solve)
+        {
+            lines += solveLine(*m_model.solve);
         }
         return lines;
     }
@@ -203,6 +208,48 @@ private:
         parts += flagsOf(layer);
         return (isCurrent(layer) ? QStringLiteral("layer* ") : QStringLiteral("layer  ")) + layer.name +
                QStringLiteral(": ") + parts.join(QStringLiteral(", "));
+    }
+
+    int solvedPoints() const
+    {
+        int count = 0;
+        for (LayerModel const& layer : m_model.layers)
+        {
+            count += layer.surfacePoints ? layer.surfacePoints->pointCount() : 0;
+            count += layer.meshPoints ? layer.meshPoints->pointCount() : 0;
+        }
+        return count;
+    }
+
+    static int featurePoints(MarloHost::SolveModel const& solve)
+    {
+        int count = 0;
+        for (MarloHost::FeatureSetModel const& features : solve.features)
+        {
+            count += features.points.pointCount();
+        }
+        return count;
+    }
+
+    Json solveToJson(MarloHost::SolveModel const& solve) const
+    {
+        return {{"camera", solve.stereo ? "stereo" : "mono"},
+                {"legacy", solve.legacy},
+                {"layerPoints", solvedPoints()},
+                {"featureSets", solve.features.size()},
+                {"featurePoints", featurePoints(solve)},
+                {"assets", solve.assets.size()}};
+    }
+
+    QString solveLine(MarloHost::SolveModel const& solve) const
+    {
+        QString line = solve.stereo ? QStringLiteral("solve  stereo rig") : QStringLiteral("solve  one camera");
+        line += QStringLiteral(", points of layers: %1, features: %2 in sets: %3, models: %4")
+                    .arg(solvedPoints())
+                    .arg(featurePoints(solve))
+                    .arg(solve.features.size())
+                    .arg(solve.assets.size());
+        return solve.legacy ? line + QStringLiteral(", legacy") : line;
     }
 
     ProjectModel const& m_model;

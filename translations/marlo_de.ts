@@ -174,6 +174,49 @@ Stellen Sie sicher, dass Sie die nötigen Berechtigungen haben:
     </message>
 </context>
 <context>
+    <name>KV::CameraSolveExporter</name>
+    <message>
+        <source>Include automatic features</source>
+        <translation>Automatische Merkmale einschließen</translation>
+    </message>
+    <message>
+        <source>Also export the points that the solver found by itself.</source>
+        <translation>Auch die Punkte exportieren, die der Solver selbst gefunden hat.</translation>
+    </message>
+    <message>
+        <source>Use the reference frame of the scene</source>
+        <translation>Referenzbild der Szene verwenden</translation>
+    </message>
+    <message>
+        <source>Take the shape of meshes that are exported for one frame only from the frame in which the scene was oriented, not from the current one.</source>
+        <translation>Die Form von Netzen, die nur für ein Bild exportiert werden, aus dem Bild nehmen, in dem die Szene ausgerichtet wurde, nicht aus dem aktuellen.</translation>
+    </message>
+    <message>
+        <source>Leave the scene at its origin</source>
+        <translation>Szene an ihrem Ursprung lassen</translation>
+    </message>
+    <message>
+        <source>Export camera and points without the position, rotation and scale that were given to the scene as a whole.</source>
+        <translation>Kamera und Punkte ohne die Position, Drehung und Skalierung exportieren, die der Szene als Ganzem gegeben wurden.</translation>
+    </message>
+    <message>
+        <source>Point size</source>
+        <translation>Punktgröße</translation>
+    </message>
+    <message>
+        <source>How large the markers of points are: in proportion to the scene, or one fixed size.</source>
+        <translation>Wie groß die Markierungen der Punkte sind: im Verhältnis zur Szene oder eine feste Größe.</translation>
+    </message>
+    <message>
+        <source>The position of these points is too inaccurate to attach something to them: %1</source>
+        <translation>Die Position dieser Punkte ist zu ungenau, um etwas an sie zu heften: %1</translation>
+    </message>
+    <message>
+        <source>The position of these points is too inaccurate to attach something to them: %1 and %2 more</source>
+        <translation>Die Position dieser Punkte ist zu ungenau, um etwas an sie zu heften: %1 und %2 weitere</translation>
+    </message>
+</context>
+<context>
     <name>TrackingDataFormat</name>
     <message>
         <source>After Effects CS3 Corner Pin</source>

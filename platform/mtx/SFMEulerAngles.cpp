@@ -35,21 +35,15 @@ Order orderOf(int code)
     return {axis, odd ? afterNext : next, odd ? next : afterNext, odd, (code & 2) != 0, (code & 1) != 0};
 }
 
+// An order code on loan in a coordinate; anything but a whole code is refused.
+Order orderOf(double code)
+{
+    return orderOf(code >= 0.0 && code < 24.0 && code == std::floor(code) ? static_cast<int>(code) : -1);
+}
+
 Mtx_Vector4 withFactor(Mtx_Vector4 const& angles, double factor)
 {
     return {angles.x * factor, angles.y * factor, angles.z * factor, angles.w};
-}
-
-Sabrel::Matrix33 matrixOf(Mtx_Vector4 const& q)
-{
-    double const norm = q.x * q.x + q.y * q.y + q.z * q.z + q.w * q.w;
-    double const s = norm > 0.0 ? 2.0 / norm : 0.0;
-    double const xs = q.x * s;
-    double const ys = q.y * s;
-    double const zs = q.z * s;
-    return {{1.0 - (q.y * ys + q.z * zs), q.x * ys - q.w * zs, q.x * zs + q.w * ys, q.x * ys + q.w * zs,
-             1.0 - (q.x * xs + q.z * zs), q.y * zs - q.w * xs, q.x * zs - q.w * ys, q.y * zs + q.w * xs,
-             1.0 - (q.x * xs + q.y * ys)}};
 }
 
 }
@@ -75,7 +69,7 @@ Mtx_Vector4 eul_to_degrees(Mtx_Vector4 const& radians)
 
 Mtx_Vector4 eul_to_quat(Mtx_Vector4 const& radians)
 {
-    Order const order = orderOf(static_cast<int>(radians.w));
+    Order const order = orderOf(radians.w);
     double const first = order.moving ? radians.z : radians.x;
     double const third = order.moving ? radians.x : radians.z;
     double const ti = first * 0.5;
@@ -114,39 +108,65 @@ Mtx_Vector4 eul_to_quat(Mtx_Vector4 const& radians)
     return {a[0], a[1], a[2], w};
 }
 
-Mtx_Vector4 eul_from_quat(Mtx_Vector4 const& quaternion, int order)
+Sabrel::Matrix33 quat_to_matrix(Mtx_Vector4 const& q)
 {
-    return eul_from_matrix(matrixOf(quaternion), order);
+    double const norm = q.x * q.x + q.y * q.y + q.z * q.z + q.w * q.w;
+    double const s = norm > 0.0 ? 2.0 / norm : 0.0;
+    double const xs = q.x * s;
+    double const ys = q.y * s;
+    double const zs = q.z * s;
+    return {{1.0 - (q.y * ys + q.z * zs), q.x * ys - q.w * zs, q.x * zs + q.w * ys, q.x * ys + q.w * zs,
+             1.0 - (q.x * xs + q.z * zs), q.y * zs - q.w * xs, q.x * zs - q.w * ys, q.y * zs + q.w * xs,
+             1.0 - (q.x * xs + q.y * ys)}};
+}
+
+Mtx_Vector4 eul_from_quat(Mtx_Vector4 const& quaternion, int order, Mtx_Vector4 const* previous)
+{
+    return eul_from_matrix(quat_to_matrix(quaternion), order, previous);
 }
 
 Sabrel::Matrix33 eul_to_matrix(Mtx_Vector4 const& radians)
 {
-    return matrixOf(eul_to_quat(radians));
+    return quat_to_matrix(eul_to_quat(radians));
 }
 
-Mtx_Vector4 eul_from_matrix(Sabrel::Matrix33 const& rotation, int code)
+// Near gimbal lock the two outer angles are quotients of two small numbers, so that what
+// rounding leaves of them is noise. Below this size of the small numbers the noise would
+// pass a millionth of a radian; to take them for 0 there turns the rotation by no more
+// than their size.
+Mtx_Vector4 eul_from_matrix(Sabrel::Matrix33 const& rotation, int code, Mtx_Vector4 const* previous)
 {
-    constexpr double NOTHING = 16 * std::numeric_limits<double>::epsilon();
+    constexpr double NOTHING = 1e-10;
     Order const order = orderOf(code);
     auto const& [i, j, k, odd, repeats, moving] = order;
+    double const small =
+        repeats ? std::hypot(rotation(i, j), rotation(i, k)) : std::hypot(rotation(i, i), rotation(j, i));
     double x;
-    double y;
-    double z;
-    if (repeats)
+    double y = repeats ? std::atan2(small, rotation(i, i)) : std::atan2(-rotation(k, i), small);
+    double z = 0.0;
+    if (small <= NOTHING)
     {
-        double const sine = std::hypot(rotation(i, j), rotation(i, k));
-        bool const locked = sine <= NOTHING;
-        x = locked ? std::atan2(-rotation(j, k), rotation(j, j)) : std::atan2(rotation(i, j), rotation(i, k));
-        y = std::atan2(sine, rotation(i, i));
-        z = locked ? 0.0 : std::atan2(rotation(j, i), -rotation(k, i));
+        if (previous)
+        {
+            z = (odd ? -1.0 : 1.0) * (moving ? previous->x : previous->z);
+        }
+        // What is left for the first axis when the turn by z, about k or again about i, is
+        // taken away: the row j of that.
+        int const other = repeats ? k : i;
+        double const sine = repeats ? std::sin(z) : -std::sin(z);
+        auto const left = [&, row = j](int column)
+        { return std::cos(z) * rotation(row, column) + sine * rotation(other, column); };
+        x = std::atan2(-left(k), left(j));
+    }
+    else if (repeats)
+    {
+        x = std::atan2(rotation(i, j), rotation(i, k));
+        z = std::atan2(rotation(j, i), -rotation(k, i));
     }
     else
     {
-        double const cosine = std::hypot(rotation(i, i), rotation(j, i));
-        bool const locked = cosine <= NOTHING;
-        x = locked ? std::atan2(-rotation(j, k), rotation(j, j)) : std::atan2(rotation(k, j), rotation(k, k));
-        y = std::atan2(-rotation(k, i), cosine);
-        z = locked ? 0.0 : std::atan2(rotation(j, i), rotation(i, i));
+        x = std::atan2(rotation(k, j), rotation(k, k));
+        z = std::atan2(rotation(j, i), rotation(i, i));
     }
     if (odd)
     {

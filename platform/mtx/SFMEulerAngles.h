@@ -28,17 +28,27 @@ MARLO_MTX_API Mtx_Vector4 eul_to_radians(Mtx_Vector4 const& degrees);
 MARLO_MTX_API Mtx_Vector4 eul_to_degrees(Mtx_Vector4 const& radians);
 
 /// @param radians packed angles
+/// @throws std::range_error for an order outside of 0 to 23; so do all of the following
 MARLO_MTX_API Mtx_Vector4 eul_to_quat(Mtx_Vector4 const& radians);
 
-/// Packed angles in radians. Where two axes coincide (gimbal lock) one of the outer angles
-/// is 0.
-MARLO_MTX_API Mtx_Vector4 eul_from_quat(Mtx_Vector4 const& quaternion, int order);
+/// Packed angles in radians. Where two axes coincide (gimbal lock) only a sum or difference
+/// of the outer angles is given: the one about the axis that is applied last is that of
+/// `previous`, or else 0.
+///
+/// @param previous packed angles of the same order; the rotation before this one in time
+MARLO_MTX_API Mtx_Vector4 eul_from_quat(Mtx_Vector4 const& quaternion, int order,
+                                        Mtx_Vector4 const* previous = nullptr);
+
+MARLO_MTX_API Sabrel::Matrix33 quat_to_matrix(Mtx_Vector4 const& quaternion);
 
 /// @param radians packed angles
 MARLO_MTX_API Sabrel::Matrix33 eul_to_matrix(Mtx_Vector4 const& radians);
 
+/// As eul_from_quat.
+///
 /// @param rotation a proper rotation; noise of rounding is fine
-MARLO_MTX_API Mtx_Vector4 eul_from_matrix(Sabrel::Matrix33 const& rotation, int order);
+MARLO_MTX_API Mtx_Vector4 eul_from_matrix(Sabrel::Matrix33 const& rotation, int order,
+                                          Mtx_Vector4 const* previous = nullptr);
 
 }
 

@@ -41,6 +41,16 @@ Matrix33 operator*(Matrix33 const& a, Matrix33 const& b)
     return product;
 }
 
+Matrix33 operator*(double factor, Matrix33 const& matrix)
+{
+    Matrix33 product = matrix;
+    for (double& entry : product.m)
+    {
+        entry *= factor;
+    }
+    return product;
+}
+
 Vector3 operator*(Matrix33 const& matrix, Vector3 const& v)
 {
     auto const row = [&](int i) { return matrix(i, 0) * v.x + matrix(i, 1) * v.y + matrix(i, 2) * v.z; };

@@ -47,6 +47,7 @@ struct MARLO_MTX_API Matrix33
 };
 
 MARLO_MTX_API Matrix33 operator*(Matrix33 const& a, Matrix33 const& b);
+MARLO_MTX_API Matrix33 operator*(double factor, Matrix33 const& matrix);
 MARLO_MTX_API Vector3 operator*(Matrix33 const& matrix, Vector3 const& v);
 
 /// A two-component value on loan to code that is written for another vector type.

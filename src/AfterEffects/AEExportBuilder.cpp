@@ -69,6 +69,32 @@ void AEExportBuilder::addExportHeader(float fps, unsigned int width, unsigned in
     addField("Comp Pixel Aspect Ratio", aspect);
 }
 
+void AEExportBuilder::addExport3DHeader(float filmSize, float focalLength, std::vector<NullHeaderInfo> const& nulls,
+                                        float version)
+{
+    m_text += QLatin1String("*Marlo 3D Track Importer ");
+    Text::appendFixed(m_text, static_cast<double>(version), 1);
+    m_text += QLatin1String(" Data\n*FilmSize: ");
+    Text::appendGeneral(m_text, static_cast<double>(filmSize));
+    m_text += QLatin1String("\n*FocalLength: ");
+    Text::appendGeneral(m_text, static_cast<double>(focalLength));
+    m_text += QLatin1String("\n*NumberOfNulls: ");
+    Text::appendInteger(m_text, static_cast<long long>(nulls.size()));
+    m_text += LINE_END;
+    for (NullHeaderInfo const& null : nulls)
+    {
+        m_text += QLatin1String(null.isParent ? "*NullParent: " : "*NullObject: ");
+        m_text += null.name;
+        if (!null.parent.isEmpty())
+        {
+            m_text += QLatin1String(" Parent: ");
+            m_text += null.parent;
+        }
+        m_text += LINE_END;
+    }
+    m_text += QLatin1String("*EndHeader\n");
+}
+
 void AEExportBuilder::newEffect(QString const& name)
 {
     m_effectName = name;

@@ -7,6 +7,7 @@
 #include <QStringList>
 
 #include <cstdint>
+#include <vector>
 
 namespace Export
 {
@@ -43,6 +44,23 @@ public:
     /// @param width,height source size in pixels
     /// @param pixelAspect of source and composition, width to height
     virtual void addExportHeader(float fps, unsigned int width, unsigned int height, double pixelAspect);
+
+    /// One null of a 3D motion text.
+    struct NullHeaderInfo
+    {
+        QString name;
+
+        /// Name of the null that carries it; empty for none.
+        QString parent;
+
+        /// Whether others may hang under it.
+        bool isParent = false;
+    };
+
+    /// What comes ahead of the documents of a 3D motion text: the order of the nulls is that
+    /// of their documents.
+    /// @param filmSize,focalLength width of the film back and focal length, in one unit
+    void addExport3DHeader(float filmSize, float focalLength, std::vector<NullHeaderInfo> const& nulls, float version);
 
     /// Blocks from here on belong to this effect; effects count from 1.
     void newEffect(QString const& name);

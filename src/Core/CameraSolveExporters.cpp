@@ -3,6 +3,7 @@
 
 #include "Core/ExporterTables.h"
 
+#include "AfterEffects/AE3DMotionExporter.h"
 #include "Host/CameraSolveExporter.h"
 
 namespace Export
@@ -12,7 +13,12 @@ namespace Export
 // is offered whatever the product's categories are.
 std::vector<CameraSolveRow> cameraSolveRows()
 {
-    return {};
+    using F = CameraSolveFormat;
+    using Row = CameraSolveRow;
+    return {
+        {&F::AE, &Row::make<AE3DMotionExporter, 2>},
+        {&F::AE_legacy, &Row::make<AE3DMotionExporter, 1>},
+    };
 }
 
 }

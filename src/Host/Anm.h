@@ -154,6 +154,9 @@ private:
     ProxyScale m_scale;
 };
 
+/// The time that many host frames ahead of the context.
+MARLO_HOST_API Time operator-(BaseContext const& context, int frames);
+
 class MARLO_HOST_API Context : public BaseContext
 {
 public:

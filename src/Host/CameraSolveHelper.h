@@ -126,7 +126,8 @@ public:
     ExporterHelper& operator=(ExporterHelper&& other) noexcept;
     ~ExporterHelper() override;
 
-    /// Fixes project, view and objects and forgets all earlier data and settings.
+    /// Fixes project, view and objects and forgets all earlier data and settings. The range
+    /// is that of the samples: all frames of the project.
     ///
     /// @param selectedOnly,visibleOnly which layers and feature sets are taken, beside
     ///        what `layers` says; both false takes all
@@ -197,20 +198,23 @@ public:
     PointAnimData pointAnimData(unsigned int id) const;
     PointAnimData pointAnimDataByType(PointType type, unsigned int index) const;
 
-    /// The same, kept until clearParamData(); null for a point that isn't there.
+    /// The same, kept until clearParamData(); null for a point that isn't there. Layer 0 means
+    /// the current feature set, whose data are kept until another one is chosen.
     PointAnimData const* cachedPointAnimData(bool worldSpace, unsigned int layerId, unsigned int id) const;
 
-    /// The pose of an object.
+    /// The pose of an object. Without a parent it is the one in the scene, whatever
+    /// `worldSpace` says.
     ///
-    /// @param worldSpace include the poses of what it hangs on
+    /// @param worldSpace true for all that it hangs on, false for its place within the
+    ///        outermost group; a model from a file stands relative to its layer always
     /// @param firstOnly only the first sample
     PointAnimData collectPointData(ZN::Point3DParameterSet const& points, bool worldSpace, bool firstOnly) const;
 
     /// @param animated a row of points per frame, where they move
     MeshAnimData meshData(PointType type, bool animated) const;
 
-    /// The scene's pose in the mode SceneApart, else the identity. In scene units; the
-    /// coordinate change is in it.
+    /// The scene's pose in the mode SceneApart, else the identity: what a node above the
+    /// exported data has to do, in the axes and units of these.
     KeyframePRS sceneTransformForExport() const;
 
     /// A size that suits markers for the exported points: the median of their distances
@@ -223,9 +227,6 @@ private:
     struct Data;
     std::unique_ptr<Data> m_data;
 };
-
-/// The time that many frames before the context.
-MARLO_HOST_API Anm::Time operator-(Anm::Context const& context, int frames);
 
 }
 }

@@ -116,6 +116,9 @@ public:
     void setFocalDistance(float distance);
 
 protected:
+    /// A fresh start for what isn't about one layer: a range of its own, both frames included.
+    void startWithoutLayer(KORV_ProjectManager const& project, Anm::View const& view, int first, int last);
+
     /// Leaves nothing to export.
     void clearRange();
 

@@ -117,6 +117,7 @@ public:
 
     /// The host's own record; opaque to exporters.
     Data& data();
+    Data const& data() const;
 
 private:
     std::unique_ptr<Data> m_data;

@@ -27,7 +27,9 @@ def good() -> Dict[str, Any]:
             {"name": "insert", "width": 640, "height": 481, "frameCount": 1,
              "footage": {"kind": "movie", "file": "a.mov"}},
         ],
-        "groups": [{"name": "outer", "moving": True}, {"name": "inner", "parent": "outer", "hidden": True}],
+        "groups": [{"name": "outer", "moving": True, "pose": {"firstFrame": 2, "positions": [0, 0, 0, 1, 0, 0],
+                                                              "rotations": [0, 0, 0, 0, 90, 0], "scales": [1, 2]}},
+                   {"name": "inner", "parent": "outer", "hidden": True}],
         "layers": [
             {"name": "Poster", "clip": "plate", "insertClip": "insert", "group": "inner", "in": 2, "out": 9,
              "selected": True, "moving": False, "hidden": False,
@@ -35,9 +37,23 @@ def good() -> Dict[str, Any]:
              "tracking": [{"view": "left", "firstFrame": 2, "homographies": _IDENTITY + _MOVED},
                           {"view": "right", "frames": [2, 5], "homographies": _IDENTITY + _MOVED}],
              "adjust": [{"frame": 2, "offsets": [0] * 8}, {"frame": 4, "offsets": [1, 0, 0, 2.5, 0, 0, -1, 0]}],
-             "stabilize": {"rangeStart": 3, "rangeEnd": 8, "fixedFrames": [4, 6]}},
+             "stabilize": {"rangeStart": 3, "rangeEnd": 8, "fixedFrames": [4, 6]},
+             "pose": {"positions": [1, 2, 3]},
+             "surfacePoints": {"positions": [0, 0, 0, 1, 0, 0, 0, 1, 0], "names": ["a", "b", "c"], "inaccurate": [0, 2],
+                               "faceCounts": [3], "faceIndices": [0, 1, 2], "uvs": [0, 0, 1, 0, 0, 1]},
+             "meshPoints": {"frames": [0, 9], "positions": [0, 0, 0, 1, 0, 0]}},
             {"name": "Poster", "surface": {"corners": [0, 0, 10, 0, 0, 10, 10, 10]}},
         ],
+        "solve": {
+            "camera": {"frames": [0, 19], "positions": [0, 1, 9, 0, 1, 5], "rotations": [0] * 6, "filmBackWidth": 24.9,
+                       "focalLength": {"frames": [0, 19], "values": [0.1, 10000]}},
+            "stereo": {"mode": "converged", "separation": 0.06, "convergence": 1.5, "shiftLeft": 2, "shiftRight": -2},
+            "scene": {"positions": [1, 0, 0], "rotations": [0, 90, 0], "scales": [2]}, "referenceFrame": 3, "legacy": False,
+            "features": [{"name": "wall", "positions": [0, 0, 0], "hidden": True, "selected": True},
+                         {"name": "car", "layer": "Poster", "frames": [0, 1], "positions": [0, 0, 0, 1, 1, 1]}],
+            "featureRoot": {"name": "root", "positions": [0, 0, 1]},
+            "assets": [{"path": "/models/car.abc", "layer": "Poster"}, {"path": "b.obj", "positions": [1, 2, 3]}],
+        },
     }
 
 
@@ -74,10 +90,16 @@ def _layer(*at: Any) -> Place:
     return ("layers", 0) + at
 
 
+def _solve(*at: Any) -> Place:
+    return ("solve",) + at
+
+
 # An unknown key is put into each kind of object.
 _OBJECTS: List[Place] = [
     (), _clip(), _clip("footage"), _clip("filmBack"), _clip("lens"), _clip("lens", "radial1"), ("clips", 1, "footage"),
     ("groups", 0), _layer(), _layer("surface"), _layer("tracking", 0), _layer("adjust", 0), _layer("stabilize"),
+    ("groups", 0, "pose"), _layer("surfacePoints"), _solve(), _solve("camera"), _solve("stereo"), _solve("scene"),
+    _solve("features", 0), _solve("featureRoot"), _solve("assets", 0),
 ]
 _REQUIRED: List[Place] = [
     ("marloProject",), ("clips",), _clip("name"), _clip("width"), _clip("height"), _clip("frameCount"),
@@ -85,6 +107,10 @@ _REQUIRED: List[Place] = [
     _clip("footage", "indexWidth"), ("clips", 1, "footage", "file"), _clip("lens", "radial1", "values"),
     ("groups", 0, "name"), _layer("name"), _layer("surface"), _layer("surface", "corners"),
     _layer("tracking", 0, "homographies"), _layer("adjust", 0, "frame"), _layer("adjust", 0, "offsets"),
+    _layer("pose", "positions"), _layer("surfacePoints", "positions"), _layer("surfacePoints", "faceCounts"),
+    _layer("surfacePoints", "faceIndices"), _solve("camera"), _solve("camera", "positions"), _solve("scene", "positions"),
+    _solve("stereo", "mode"), _solve("stereo", "separation"), _solve("features", 0, "name"),
+    _solve("features", 0, "positions"), _solve("assets", 0, "path"),
 ]
 _WRONG_TYPES: List[Tuple[Place, Any]] = [
     (("marloProject",), "1"), (("frameRate",), "25"), (("clips",), {}), (("views",), "left"), (("views", 0), 1),
@@ -95,6 +121,10 @@ _WRONG_TYPES: List[Tuple[Place, Any]] = [
     (_layer("surface", "corners"), "600"), (_layer("surface", "corners", 3), None), (_layer("tracking"), {}),
     (_layer("tracking", 0, "homographies", 4), "1"), (_layer("tracking", 1, "frames", 0), 2.5),
     (_layer("adjust", 0, "offsets", 0), []), (_layer("stabilize"), True),
+    (("solve",), []), (_solve("legacy"), 0), (_solve("camera", "positions", 2), "1"), (_solve("features"), {}),
+    (_solve("features", 0, "name"), 1), (_solve("assets", 0, "path"), 7), (_solve("stereo", "separation"), "wide"),
+    (_layer("pose"), [0, 0, 0]), (_layer("surfacePoints", "names", 1), 2), (_layer("surfacePoints", "uvs"), 1),
+    (_layer("surfacePoints", "faceIndices", 1), 0.5), (_layer("surfacePoints", "inaccurate", 0), True),
 ]
 _WRONG_VALUES: List[Tuple[Place, Any]] = [
     (("marloProject",), 2), (("frameRate",), 0), (("frameRate",), -25), (("clips",), []), (("views",), []),
@@ -105,7 +135,21 @@ _WRONG_VALUES: List[Tuple[Place, Any]] = [
     (_layer("surface", "corners"), [0, 0, 1, 0, 0, 1, 1]), (_layer("surface", "corners"), [0, 0, 1, 0, 0, 1, 1, 1, 2]),
     (_layer("tracking", 1, "frames"), [2, 2]), (_layer("tracking", 1, "firstFrame"), 2),
     (_layer("adjust", 1, "offsets"), [0] * 7), (_layer("stabilize", "fixedFrames"), [4, 4]), (_layer("in"), -1),
+    (("groups", 0, "moving"), False), (("groups", 0, "pose", "scales", 0), 0), (("groups", 0, "pose", "frames"), [0, 1]),
+    (_layer("pose", "firstFrame"), 2), (_layer("pose", "positions"), [1, 2]), (_layer("surfacePoints", "names", 0), ""),
+    (_layer("surfacePoints", "faceCounts"), [2]), (_layer("surfacePoints", "faceIndices"), [0, 1, -1]),
+    (_layer("surfacePoints", "inaccurate"), [1, 1]), (_layer("meshPoints", "frames"), []),
+    (_solve("camera", "focalLength"), 0.05), (_solve("camera", "focalLength", "values"), [35, 10001]),
+    (_solve("camera", "filmBackWidth"), 0), (_solve("camera", "frames"), []), (_solve("camera", "firstFrame"), 0),
+    (_solve("stereo", "mode"), "toed-in"), (_solve("stereo", "mode"), "parallel"), (_solve("stereo", "convergence"), 180),
+    (_solve("stereo", "separation"), -1), (_solve("scene", "positions"), [1, 2]), (_solve("scene", "scales"), [-1]),
+    (_solve("scene", "frames"), [0]), (_solve("features", 0, "name"), ""), (_solve("featureRoot", "name"), ""),
+    (_solve("assets", 0, "path"), ""), (_solve("assets", 1, "positions"), []), (_solve("assets", 0, "scales"), [1]),
+    (_solve("referenceFrame"), -1),
 ]
+
+
+_REPORTED_WITH_HOLDER = ("firstFrame", "frames", "kind", "mode", "moving", "scales")
 
 
 def seen_by_both() -> Iterator[Fault]:
@@ -115,13 +159,14 @@ def seen_by_both() -> Iterator[Fault]:
     for at in _REQUIRED:
         yield Fault(f"{path(at)} is missing", at, REMOVED, path(at[:-1]))
     for at, value in _WRONG_TYPES + _WRONG_VALUES:
-        # Keys that exclude one another, the kind of footage and a frame of a list may be reported with what holds them.
-        whole = at[-1] in ("firstFrame", "kind") or at[-2:-1] == ("frames",)
+        # Keys that need or exclude one another and an element of a list of numbers may be reported with what holds them.
+        whole = at[-1] in _REPORTED_WITH_HOLDER or at[-2:-1] in (("frames",), ("inaccurate",), ("faceIndices",), ("scales",))
         yield Fault(f"{path(at)} is {json.dumps(value)}", at, value, path(at[:-1] if whole else at))
 
 
 _DANGLING = [("currentLayer",), ("currentView",), ("displayClip",), ("groups", 1, "parent"), _layer("clip"),
-             _layer("insertClip"), _layer("group"), _layer("tracking", 0, "view")]
+             _layer("insertClip"), _layer("group"), _layer("tracking", 0, "view"), _solve("features", 1, "layer"),
+             _solve("assets", 0, "layer")]
 
 
 def seen_by_tool() -> Iterator[Fault]:
@@ -131,6 +176,7 @@ def seen_by_tool() -> Iterator[Fault]:
         whole = at[-1] in ("parent", "view")
         yield Fault(f"{path(at)} names nothing", at, "nobody", path(at[:-1] if whole else at))
     track = _layer("tracking", 0)
+    points = _layer("surfacePoints")
     cases: List[Tuple[str, Place, Any, Place]] = [
         ("group is its own parent", ("groups", 0, "parent"), "outer", ("groups",)),
         ("groups in a ring", ("groups", 0, "parent"), "inner", ("groups",)),
@@ -151,6 +197,22 @@ def seen_by_tool() -> Iterator[Fault]:
         ("fixed frames descend", _layer("stabilize", "fixedFrames"), [6, 4], _layer("stabilize", "fixedFrames")),
         ("lens keys descend", _clip("lens", "radial1", "frames"), [9, 0], _clip("lens")),
         ("fewer lens values than keys", _clip("lens", "radial1", "values"), [0.1], _clip("lens")),
+        ("pose with fewer rotations than positions", ("groups", 0, "pose", "rotations"), [0, 0, 0], ("groups", 0, "pose")),
+        ("pose with more scales than positions", ("groups", 0, "pose", "scales"), [1, 2, 3], ("groups", 0, "pose")),
+        ("pose beyond the clip", ("groups", 0, "pose", "firstFrame"), 19, ("groups", 0, "pose")),
+        ("points that aren't threes", points + ("positions",), [0] * 8, points),
+        ("a name too few", points + ("names",), ["a", "b"], points),
+        ("inaccurate points descend", points + ("inaccurate",), [2, 0], points),
+        ("inaccurate point that isn't there", points + ("inaccurate",), [3], points),
+        ("vertex that isn't there", points + ("faceIndices",), [0, 1, 3], points),
+        ("faces with more vertices than indices", points + ("faceCounts",), [4], points),
+        ("uvs of two points", points + ("uvs",), [0] * 4, points),
+        ("point frames descend", _layer("meshPoints", "frames"), [9, 0], _layer("meshPoints")),
+        ("more point frames than positions", _layer("meshPoints", "frames"), [0, 1, 2, 3], _layer("meshPoints")),
+        ("two feature sets of one name", _solve("features", 1, "name"), "wall", _solve("features")),
+        ("camera keys beyond the clip", _solve("camera", "frames"), [0, 20], _solve("camera")),
+        ("fewer camera keys than positions", _solve("camera", "frames"), [0], _solve("camera")),
+        ("reference frame beyond the clip", _solve("referenceFrame"), 20, _solve()),
         ("lens turns back inside the picture", _clip("lens", "radial2"), -50, _clip("lens")),
     ]
     for name, corners in (("three corners on a line", [0, 0, 10, 10, 0, 10, 20, 20]),
