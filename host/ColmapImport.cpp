@@ -384,7 +384,8 @@ PoseModel cameraPath(ColmapModel const& model)
     Angles before{};
     for (Image const& image : model.images)
     {
-        Mtx_Vector4 const radians = SFMEulerAngles::eul_from_quat(cameraTurn(image), 0);
+        Mtx_Vector4 const last = SFMEulerAngles::eul_to_radians({before[0], before[1], before[2], 0});
+        Mtx_Vector4 const radians = SFMEulerAngles::eul_from_quat(cameraTurn(image), 0, &last);
         Mtx_Vector4 const degrees = SFMEulerAngles::eul_to_degrees(radians);
         before = continued({degrees.x, degrees.y, degrees.z}, before);
         pose.rotations.insert(pose.rotations.end(), before.begin(), before.end());

@@ -249,33 +249,31 @@ TEST(Colmap, EveryCameraModelShowsPointsWhereItsFormulaDoes)
 
 TEST(Colmap, AnglesGoOnFromFrameToFrame)
 {
-    // Two full turns about y in steps of 20 degrees: the angles of a single matrix jump
-    // by 180 degrees at 90, and start anew at 180.
+    // Two full turns about y in steps of 30 degrees, leaning: the angles of a single matrix
+    // jump by 180 degrees beyond 90, are open at 90, and start anew at 180.
+    auto const turn = [](double angle, Eigen::Vector3d const& axis)
+    { return Eigen::AngleAxisd(angle * RADIANS, axis); };
+    Eigen::Quaterniond const half(turn(180, Eigen::Vector3d::UnitX()));
     QByteArray images;
-    std::vector<Eigen::Quaterniond> turns;
-    for (int i = 0; i <= 36; ++i)
+    for (int i = 0; i <= 24; ++i)
     {
-        Eigen::Quaterniond const q(Eigen::AngleAxisd(i * 20 * RADIANS, Eigen::Vector3d::UnitY()));
-        turns.push_back(q);
-        images += QStringLiteral("%1 %2 %3 %4 %5 0 0 0 1 %1.png\n\n")
-                      .arg(i)
-                      .arg(q.w(), 0, 'g', 17)
-                      .arg(q.x(), 0, 'g', 17)
-                      .arg(q.y(), 0, 'g', 17)
-                      .arg(q.z(), 0, 'g', 17)
-                      .toUtf8();
-    }
-    MarloHost::PoseModel const pose = import(read(CAMERA, images)).project.solve->camera.pose;
-    Eigen::Matrix3d const axes = Eigen::Vector3d(1, -1, -1).asDiagonal();
-    for (std::size_t i = 0; i < turns.size(); ++i)
-    {
-        EXPECT_LT((turnAt(pose, i) - axes * turns[i].toRotationMatrix().transpose() * axes).norm(), 1e-12);
-        for (std::size_t axis = 0; axis < 3 && i > 0; ++axis)
+        Eigen::Quaterniond const camera = turn(20, Eigen::Vector3d::UnitZ()) * turn(30 * i, Eigen::Vector3d::UnitY()) *
+                                          turn(10, Eigen::Vector3d::UnitX());
+        Eigen::Quaterniond const q = half.conjugate() * camera.conjugate() * half;
+        images += QByteArray::number(i);
+        for (double const part : {q.w(), q.x(), q.y(), q.z(), 0.0, 0.0, 0.0})
         {
-            EXPECT_LT(std::fabs(pose.rotations[3 * i + axis] - pose.rotations[3 * i - 3 + axis]), 20.001) << i;
+            images += ' ' + QByteArray::number(part, 'g', 17);
         }
+        images += " 1 " + QByteArray::number(i) + ".png\n\n";
     }
-    EXPECT_NEAR(std::fabs(pose.rotations[36 * 3 + 1]), 720, 1e-9);
+    std::vector<double> const angles = import(read(CAMERA, images)).project.solve->camera.pose.rotations;
+    for (std::size_t i = 0; i <= 24; ++i)
+    {
+        EXPECT_NEAR(angles[3 * i], 10, 1e-6) << i;
+        EXPECT_NEAR(angles[3 * i + 1], 30.0 * static_cast<double>(i), 1e-6) << i;
+        EXPECT_NEAR(angles[3 * i + 2], 20, 1e-6) << i;
+    }
 }
 
 TEST(Colmap, NamesGiveOrderAndFootage)
