@@ -40,17 +40,6 @@ Homography fromUnitSquare(Quad const& q)
 
 }
 
-Homography::Projected Homography::project(TXI::Pos2 const& p) const
-{
-    return {m[0] * p.x + m[1] * p.y + m[2], m[3] * p.x + m[4] * p.y + m[5], m[6] * p.x + m[7] * p.y + m[8]};
-}
-
-TXI::Pos2 Homography::apply(TXI::Pos2 const& p) const
-{
-    Projected const q = project(p);
-    return {q.x / q.w, q.y / q.w};
-}
-
 Homography Homography::inverse() const
 {
     return {{m[4] * m[8] - m[5] * m[7], m[2] * m[7] - m[1] * m[8], m[1] * m[5] - m[2] * m[4], m[5] * m[6] - m[3] * m[8],

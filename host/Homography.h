@@ -24,8 +24,16 @@ struct Homography
         double w;
     };
 
-    Projected project(TXI::Pos2 const& p) const;
-    TXI::Pos2 apply(TXI::Pos2 const& p) const;
+    Projected project(TXI::Pos2 const& p) const
+    {
+        return {m[0] * p.x + m[1] * p.y + m[2], m[3] * p.x + m[4] * p.y + m[5], m[6] * p.x + m[7] * p.y + m[8]};
+    }
+
+    TXI::Pos2 apply(TXI::Pos2 const& p) const
+    {
+        Projected const q = project(p);
+        return {q.x / q.w, q.y / q.w};
+    }
 
     /// The adjugate: the inverse up to a factor, which a homography doesn't have.
     Homography inverse() const;

@@ -80,7 +80,12 @@ LayerMotion::LayerMotion(LayerModel const& layer, TrackModel const& track, Motio
     }
 }
 
-std::optional<PointRow> LayerMotion::row(std::size_t index) const
+PointRow LayerMotion::base() const
+{
+    return {m_base[0], m_base[1], m_base[2], m_base[3], m_centre};
+}
+
+std::optional<Homography> LayerMotion::map(std::size_t index) const
 {
     // The adjusted map is solved from carried corners, which hide a corner that went
     // past infinity on the way.
@@ -96,13 +101,18 @@ std::optional<PointRow> LayerMotion::row(std::size_t index) const
         bool const forwards = m_choice.invert && m_choice.option == ZN_TRACKING_OPTION_STABILIZED;
         motion = forwards ? motion * m_reference.inverse() : m_reference * motion.inverse();
     }
-    PointRow const base{m_base[0], m_base[1], m_base[2], m_base[3], m_centre};
-    if (!keepsInFront(motion, base))
+    return keepsInFront(motion, base()) ? std::optional<Homography>(motion) : std::nullopt;
+}
+
+std::optional<PointRow> LayerMotion::row(std::size_t index) const
+{
+    std::optional<Homography> const motion = map(index);
+    if (!motion)
     {
         return std::nullopt;
     }
-    PointRow row;
-    std::transform(base.begin(), base.end(), row.begin(), [&](TXI::Pos2 const& p) { return motion.apply(p); });
+    PointRow row = base();
+    std::transform(row.begin(), row.end(), row.begin(), [&](TXI::Pos2 const& p) { return motion->apply(p); });
     return row;
 }
 

@@ -46,12 +46,19 @@ public:
     /// @param track must outlive this, as must the layer; it has at least one frame
     LayerMotion(LayerModel const& layer, TrackModel const& track, MotionChoice const& choice);
 
-    /// The row of the tracked frame at `index`; empty where the homography throws a
+    /// The motion at the tracked frame at `index` as one map: of the surface, or of the
+    /// picture where the motion goes onto the footage itself. Empty where it throws a
     /// corner to or past infinity. Numbers that aren't finite pass through.
+    std::optional<Homography> map(std::size_t index) const;
+
+    /// The four corners and the centre through map().
     std::optional<PointRow> row(std::size_t index) const;
 
-private:
+    /// The homography of the tracked frame at `index`, without the user's corrections.
     Homography tracked(std::size_t index) const;
+
+private:
+    PointRow base() const;
     Homography surfaceTo(std::size_t index) const;
     bool isAdjusted() const;
     std::array<double, 8> adjustOffsets(int frame) const;

@@ -214,7 +214,7 @@ private:
             KORV_Layer::Data* const here = record.get();
             data->stack.push_back(boost::make_shared<KORV_Layer>(std::move(record)));
             data->items.emplace(id, data->stack.back());
-            addShapes(*data->stack.back(), *here);
+            addShapes(*data->stack.back(), *here, *m_project.views);
             if (above)
             {
                 above->below = data->stack.back().get();

@@ -105,7 +105,8 @@ AngleSequence::AngleSequence(SolveSpace const& space) : m_space(space)
 
 Vector3 AngleSequence::next(Matrix33 const& rotation)
 {
-    m_previous = m_space.angles(rotation, m_previous ? &*m_previous : nullptr);
+    Mtx_Vector4 const angles = m_space.angles(rotation, m_previous ? &*m_previous : nullptr);
+    m_previous = m_previous ? SFMEulerAngles::eul_continued(angles, *m_previous) : angles;
     return m_space.degrees(*m_previous);
 }
 

@@ -57,7 +57,8 @@ private:
     Sabrel::Matrix33 m_positionMatrix;
 };
 
-/// Turns the rotations of one thing, in the order of time, into angles.
+/// Turns the rotations of one thing, in the order of time, into angles without jumps, so
+/// that what lies between two frames is in between for a program that interpolates.
 class AngleSequence
 {
 public:

@@ -8,7 +8,8 @@
 namespace
 {
 
-constexpr double RADIANS_PER_DEGREE = 3.14159265358979323846 / 180.0;
+constexpr double PI = 3.14159265358979323846;
+constexpr double RADIANS_PER_DEGREE = PI / 180.0;
 
 /// What an order code says.
 struct Order
@@ -123,6 +124,28 @@ Sabrel::Matrix33 quat_to_matrix(Mtx_Vector4 const& q)
 Mtx_Vector4 eul_from_quat(Mtx_Vector4 const& quaternion, int order, Mtx_Vector4 const* previous)
 {
     return eul_from_matrix(quat_to_matrix(quaternion), order, previous);
+}
+
+Mtx_Vector4 eul_continued(Mtx_Vector4 const& radians, Mtx_Vector4 const& previous)
+{
+    bool const repeats = orderOf(static_cast<int>(radians.w)).repeats;
+    Mtx_Vector4 const folded{radians.x + PI, (repeats ? 0.0 : PI) - radians.y, radians.z + PI, radians.w};
+    auto const nearest = [](double angle, double before)
+    { return angle + 2 * PI * std::round((before - angle) / (2 * PI)); };
+    Mtx_Vector4 best;
+    double least = std::numeric_limits<double>::infinity();
+    for (Mtx_Vector4 const& same : {radians, folded})
+    {
+        Mtx_Vector4 const near{nearest(same.x, previous.x), nearest(same.y, previous.y), nearest(same.z, previous.z),
+                               same.w};
+        double const distance = std::hypot(near.x - previous.x, near.y - previous.y, near.z - previous.z);
+        if (distance < least)
+        {
+            least = distance;
+            best = near;
+        }
+    }
+    return best;
 }
 
 Sabrel::Matrix33 eul_to_matrix(Mtx_Vector4 const& radians)

@@ -50,6 +50,11 @@ MARLO_MTX_API Sabrel::Matrix33 eul_to_matrix(Mtx_Vector4 const& radians);
 MARLO_MTX_API Mtx_Vector4 eul_from_matrix(Sabrel::Matrix33 const& rotation, int order,
                                           Mtx_Vector4 const* previous = nullptr);
 
+/// Of the packed angles in radians that mean the same rotation, those nearest to the ones
+/// before: full turns are added, and the two outer angles may turn by a half while the
+/// middle one folds over. So a motion through many samples has no jumps.
+MARLO_MTX_API Mtx_Vector4 eul_continued(Mtx_Vector4 const& radians, Mtx_Vector4 const& previous);
+
 }
 
 /// The product of two rotations as quaternions: `second` first, then `first`, when they

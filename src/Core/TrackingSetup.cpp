@@ -32,9 +32,21 @@ void setUpTrackingHelper(Korvane::TrackingExporterHelper& helper, KORV_ProjectMa
 Korvane::ExportedFiles textResult(QString const& path, QString const& text, int failedCount,
                                   QStringList const& failures)
 {
+    return fileResult(path, text.toUtf8(), failedCount, failures);
+}
+
+Korvane::ExportedFiles fileResult(QString const& path, QByteArray const& contents, int failedCount,
+                                  QStringList const& failures)
+{
     Korvane::ExportedFiles result;
-    result.files.insert(path, text.toUtf8());
+    result.files.insert(path, contents);
     result.failedCount = failedCount;
+    appendFailures(result, path, failures);
+    return result;
+}
+
+void appendFailures(Korvane::ExportedFiles& result, QString const& path, QStringList const& failures)
+{
     for (QString const& failure : failures)
     {
         if (!failure.isEmpty())
@@ -42,7 +54,6 @@ Korvane::ExportedFiles textResult(QString const& path, QString const& text, int 
             result.messages.append(Text::pathMessage(path, failure));
         }
     }
-    return result;
 }
 
 }

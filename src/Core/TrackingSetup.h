@@ -37,4 +37,11 @@ void setUpTrackingHelper(Korvane::TrackingExporterHelper& helper, KORV_ProjectMa
 Korvane::ExportedFiles textResult(QString const& path, QString const& text, int failedCount,
                                   QStringList const& failures);
 
+/// The same of an export that has its bytes already.
+Korvane::ExportedFiles fileResult(QString const& path, QByteArray const& contents, int failedCount,
+                                  QStringList const& failures);
+
+/// Adds the failures to the messages, in the same form.
+void appendFailures(Korvane::ExportedFiles& result, QString const& path, QStringList const& failures);
+
 }

@@ -70,7 +70,7 @@ struct CameraAnimData
     std::vector<Anm::Context> contexts;
     std::vector<Sabrel::Vector3> positions;
 
-    /// Degrees, in the order that setRotateOrder() fixed.
+    /// Degrees, in the order that setRotateOrder() fixed; without jumps from one to the next.
     std::vector<Sabrel::Vector3> rotations;
 
     /// In the units that setFocalLengthExportUnits() fixed.
@@ -85,7 +85,7 @@ struct PointAnimData
     std::vector<Anm::Context> contexts;
     std::vector<Sabrel::Vector3> positions;
 
-    /// Degrees, in the order that setRotateOrder() fixed.
+    /// Degrees, in the order that setRotateOrder() fixed; without jumps from one to the next.
     std::vector<Sabrel::Vector3> rotations;
 
     /// Percent from pointAnimData() and its sisters, factors from collectPointData().

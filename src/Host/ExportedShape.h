@@ -28,7 +28,8 @@ struct MARLO_HOST_API KORV_NumericOptimiser
 /// The homography of a layer at one frame.
 struct KORV_ExportHomography
 {
-    /// Row by row, in pixels; the last is KORV_NumericOptimiser::s_matrixScale.
+    /// Row by row, in the coordinates of the curves; the last is
+    /// KORV_NumericOptimiser::s_matrixScale.
     std::array<double, 9> m{};
 
     /// Shown frame number.
@@ -77,7 +78,8 @@ private:
 
 /// Points of a closed or open X-spline after Blanc and Schlick ("X-splines", SIGGRAPH
 /// 1995). A weight of 0 makes a corner, 1 a round bend that passes by the point, -1 one
-/// that goes through it.
+/// that goes through it. An open one begins and ends in its end points, whatever their
+/// weights.
 class MARLO_HOST_API ExportXSplineCurve : public ExportCurveBase
 {
 public:
@@ -129,7 +131,8 @@ public:
     /// @param firstFrame,lastFrame host frames, both included
     /// @param flags of ExportedShapeFlags
     /// @param scale times the distance of blur curves from the outlines
-    /// @param offset moves only transform(): T(offset) H T(-offset)
+    /// @param offset in the coordinates of the curves; moves only transform(): T(offset) H
+    ///        T(-offset)
     /// @param reserved has no effect
     ExportedShape(KORV_ProjectManager const& project, int firstFrame, int lastFrame, KORV_Layer const& layer,
                   Anm::View const& view, unsigned int flags, double scale, QPointF const& offset, bool reserved);

@@ -111,7 +111,7 @@ TEST(Motion3D, TextOfACameraALayerAndAPoint)
                           "\tFrame\tX percent\tY percent\tZ percent\n"
                           "\t0\t100\t100\t100\n";
     QString const position = "\nTransform\tPosition\n\tFrame\tX pixels\tY pixels\tZ pixels\n";
-    QString const footer = "\n\nEnd of Keyframe Data\n";
+    QString const footer = "\nEnd of Keyframe Data\n";
 
     EXPECT_EQ(textOf(builder), "*Marlo 3D Track Importer 2.0 Data\n"
                                "*FilmSize: 102.049\n"

@@ -8,6 +8,7 @@
 #include "Host/KORV_Clip.h"
 #include "Host/KORV_Exception.h"
 #include "Host/KORV_Layer.h"
+#include "Host/MeshTracking.h"
 #include "Host/PluginHost.h"
 #include "Host/Product.h"
 #include "Host/Scene3D.h"
@@ -43,6 +44,10 @@ Time Time::fromInt(int frame)
 {
     return Time(frame);
 }
+Time Time::fromDouble(double frame)
+{
+    return Time(frame);
+}
 bool Time::isValid() const
 {
     return m_frame > -1e299;
@@ -73,6 +78,10 @@ int View::id() const
 bool View::operator==(View const& other) const
 {
     return m_id == other.m_id;
+}
+QString Views::name(View const&) const
+{
+    return QString();
 }
 ProxyScale::ProxyScale(Enum scale) : m_scale(scale)
 {
@@ -263,6 +272,20 @@ double ImageFormat::par() const
     return m_par;
 }
 Layer::~Layer() = default;
+NormalizedSpace::NormalizedSpace(QSize const&)
+{
+}
+void NormalizedSpace::toImage(Mtx_Vector2_f&) const
+{
+}
+Mtx_Vector2_f MeshTracking::Vertex::pos(Anm::Context const&) const
+{
+    return {};
+}
+std::vector<MeshTracking::Vertex> const& MeshTracking::ParameterSet::vertices() const
+{
+    return m_vertices;
+}
 struct Scene3DParameterSet::Data
 {
 };
@@ -273,14 +296,6 @@ Scene3DParameterSet::~Scene3DParameterSet() = default;
 Camera3DParameterSet const* Scene3DParameterSet::cameraParameters(unsigned int) const
 {
     return nullptr;
-}
-struct Camera3DParameterSet::Data
-{
-    Anm::Parameter<unsigned int> solved;
-};
-Anm::Parameter<unsigned int> const& Camera3DParameterSet::solved() const
-{
-    return m_data->solved;
 }
 
 }
@@ -416,6 +431,10 @@ KORV_Layer const* KORV_Layer::layerBelow() const
 {
     return nullptr;
 }
+std::shared_ptr<ZN::MeshTracking::ParameterSet> KORV_Layer::trackMesh() const
+{
+    return nullptr;
+}
 
 struct KORV_SelectionManager::Data
 {
@@ -429,6 +448,10 @@ KORV_SelectionManager::~KORV_SelectionManager() = default;
 KORV_Layer* KORV_SelectionManager::layerFromNumericID(unsigned int id, bool) const
 {
     return id == 7 ? m_data->layer.get() : nullptr;
+}
+boost::shared_ptr<KORV_Layer> KORV_SelectionManager::findLayer(unsigned int id, bool) const
+{
+    return id == 7 ? m_data->layer : nullptr;
 }
 QVector<boost::shared_ptr<Korvane::LayerBase>> KORV_SelectionManager::findLayers(QString const&, bool) const
 {
@@ -477,6 +500,10 @@ unsigned int KORV_ToolManager::currentLayerID() const
 int ProjectProperties::trimInPoint() const
 {
     return 0;
+}
+boost::shared_ptr<Anm::Views const> ProjectProperties::views() const
+{
+    return nullptr;
 }
 
 struct KORV_ProjectManager::Data
@@ -573,6 +600,14 @@ Korvane::ShapeExporter::~ShapeExporter() = default;
 void Korvane::ShapeExporter::copyToClipboard(Fnd::IClipboard&, QString const&, bool) const
 {
 }
+Korvane::GlimmersetShapeExporter::~GlimmersetShapeExporter() = default;
+std::shared_ptr<QMap<QString, QByteArray>> Korvane::GlimmersetShapeExporter::exportShape(KORV_ProjectManager&,
+                                                                                         QString const&,
+                                                                                         QList<unsigned int> const&,
+                                                                                         Options const&) const
+{
+    throw std::logic_error("this host has no contours");
+}
 KV::CameraSolveExporter::CameraSolveExporter() = default;
 KV::CameraSolveExporter::~CameraSolveExporter() = default;
 void KV::CameraSolveExporter::setUserOptions(ExportOptionsReceiver&) const
@@ -631,6 +666,30 @@ KORV_ProjectManager const* ExporterHelperBase::projectManager() const
 ZN_BaseClipInfo const* ExporterHelperBase::baseClipInfo() const
 {
     return &m_base->clip->info();
+}
+int ExporterHelperBase::baseClipOffset() const
+{
+    return 0;
+}
+int ExporterHelperBase::numFrames() const
+{
+    return FRAMES;
+}
+Anm::View ExporterHelperBase::view() const
+{
+    return Anm::View::defaultView();
+}
+unsigned int ExporterHelperBase::layerId() const
+{
+    return 7;
+}
+float ExporterHelperBase::verticalScale() const
+{
+    return 1;
+}
+float ExporterHelperBase::frameStep() const
+{
+    return 1;
 }
 Anm::Time ExporterHelperBase::firstFrame() const
 {

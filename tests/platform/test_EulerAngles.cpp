@@ -117,6 +117,26 @@ TEST(EulerAngles, GimbalLockKeepsTheRotationAndTheOuterAngleBefore)
     }
 }
 
+// A slow turn through everything: no step is larger than the turn asks for, and each triple
+// is the rotation that it continues to.
+TEST(EulerAngles, ContinuedAnglesDoNotJump)
+{
+    for (int order = 0; order < 24; ++order)
+    {
+        SCOPED_TRACE(order);
+        Mtx_Vector4 before = eul_pack(0.3, 0.4, 0.5, order);
+        for (int step = 1; step <= 400; ++step)
+        {
+            double const t = step * 0.05;
+            Matrix3d const wanted = composed(order, {0.3 + t, 0.4 + 0.7 * t, 0.5 - 0.9 * t});
+            Mtx_Vector4 const now = eul_continued(eul_from_matrix(fromEigen(wanted), order), before);
+            ASSERT_LT((fromAngles(now) - wanted).norm(), 1e-12);
+            ASSERT_LT(std::abs(now.x - before.x) + std::abs(now.y - before.y) + std::abs(now.z - before.z), 0.14);
+            before = now;
+        }
+    }
+}
+
 // Where lock is near but not there, the angles are the true ones but for a millionth.
 TEST(EulerAngles, NearTheLockAnglesAreAccurate)
 {

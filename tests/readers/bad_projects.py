@@ -10,6 +10,7 @@ REMOVED = object()
 
 _IDENTITY = [1, 0, 0, 0, 1, 0, 0, 0, 1]
 _MOVED = [1, 0, 2.5, 0, 1, -1, 0, 0, 1]
+_VERTICES = [600, 300, -5, 0, 5, 0, 900, 310, 0, 0, 0, 0]
 _SINGULAR = [1, 2, 3, 2, 4, 6, 0, 0, 1]
 
 
@@ -38,6 +39,16 @@ def good() -> Dict[str, Any]:
                           {"view": "right", "frames": [2, 5], "homographies": _IDENTITY + _MOVED}],
              "adjust": [{"frame": 2, "offsets": [0] * 8}, {"frame": 4, "offsets": [1, 0, 0, 2.5, 0, 0, -1, 0]}],
              "stabilize": {"rangeStart": 3, "rangeEnd": 8, "fixedFrames": [4, 6]},
+             "invert": True, "blend": "subtract", "colour": [255, 128, 0, 255], "overlayColour": [0, 0, 0, 255],
+             "contours": [
+                 {"name": "edge", "type": "bezier", "closed": True, "active": False, "veilML": ["left"],
+                  "keys": [{"frame": 2, "points": list(_VERTICES), "feather": list(_VERTICES)},
+                           {"frame": 19, "points": list(_VERTICES)}]},
+                 {"name": "edge", "type": "xspline",
+                  "keys": [{"frame": 0, "points": [0, 0, 1, 9, 0, -1, 9, 9, 0.5]}]}],
+             "mesh": {"vertexCount": 3, "faceCounts": [3], "faceIndices": [0, 1, 2],
+                      "tracks": [{"view": "left", "firstFrame": 4, "positions": [0, 0, 9, 0, 0, 9] * 2},
+                                 {"view": "right", "frames": [2, 7], "positions": [0, 0, 9, 0, 0, 9] * 2}]},
              "pose": {"positions": [1, 2, 3]},
              "surfacePoints": {"positions": [0, 0, 0, 1, 0, 0, 0, 1, 0], "names": ["a", "b", "c"], "inaccurate": [0, 2],
                                "faceCounts": [3], "faceIndices": [0, 1, 2], "uvs": [0, 0, 1, 0, 0, 1]},
@@ -98,6 +109,7 @@ def _solve(*at: Any) -> Place:
 _OBJECTS: List[Place] = [
     (), _clip(), _clip("footage"), _clip("filmBack"), _clip("lens"), _clip("lens", "radial1"), ("clips", 1, "footage"),
     ("groups", 0), _layer(), _layer("surface"), _layer("tracking", 0), _layer("adjust", 0), _layer("stabilize"),
+    _layer("contours", 0), _layer("contours", 1, "keys", 0), _layer("mesh"), _layer("mesh", "tracks", 0),
     ("groups", 0, "pose"), _layer("surfacePoints"), _solve(), _solve("camera"), _solve("stereo"), _solve("scene"),
     _solve("features", 0), _solve("featureRoot"), _solve("assets", 0),
 ]
@@ -107,6 +119,9 @@ _REQUIRED: List[Place] = [
     _clip("footage", "indexWidth"), ("clips", 1, "footage", "file"), _clip("lens", "radial1", "values"),
     ("groups", 0, "name"), _layer("name"), _layer("surface"), _layer("surface", "corners"),
     _layer("tracking", 0, "homographies"), _layer("adjust", 0, "frame"), _layer("adjust", 0, "offsets"),
+    _layer("contours", 0, "name"), _layer("contours", 0, "keys"), _layer("contours", 0, "keys", 0, "frame"),
+    _layer("contours", 1, "keys", 0, "points"), _layer("mesh", "vertexCount"), _layer("mesh", "faceCounts"),
+    _layer("mesh", "faceIndices"), _layer("mesh", "tracks"), _layer("mesh", "tracks", 0, "positions"),
     _layer("pose", "positions"), _layer("surfacePoints", "positions"), _layer("surfacePoints", "faceCounts"),
     _layer("surfacePoints", "faceIndices"), _solve("camera"), _solve("camera", "positions"), _solve("scene", "positions"),
     _solve("stereo", "mode"), _solve("stereo", "separation"), _solve("features", 0, "name"),
@@ -120,7 +135,10 @@ _WRONG_TYPES: List[Tuple[Place, Any]] = [
     (_clip("lens", "focalLength"), "1.2"), (_layer("in"), None), (_layer("surface"), [1]),
     (_layer("surface", "corners"), "600"), (_layer("surface", "corners", 3), None), (_layer("tracking"), {}),
     (_layer("tracking", 0, "homographies", 4), "1"), (_layer("tracking", 1, "frames", 0), 2.5),
-    (_layer("adjust", 0, "offsets", 0), []), (_layer("stabilize"), True),
+    (_layer("adjust", 0, "offsets", 0), []), (_layer("stabilize"), True), (_layer("invert"), 1), (_layer("blend"), 1),
+    (_layer("colour"), "red"), (_layer("contours"), {}), (_layer("contours", 0, "closed"), "yes"),
+    (_layer("contours", 0, "veilML"), "left"), (_layer("contours", 0, "keys", 0, "points", 3), "0"),
+    (_layer("mesh"), []), (_layer("mesh", "vertexCount"), 3.5), (_layer("mesh", "tracks", 0, "positions"), "0"),
     (("solve",), []), (_solve("legacy"), 0), (_solve("camera", "positions", 2), "1"), (_solve("features"), {}),
     (_solve("features", 0, "name"), 1), (_solve("assets", 0, "path"), 7), (_solve("stereo", "separation"), "wide"),
     (_layer("pose"), [0, 0, 0]), (_layer("surfacePoints", "names", 1), 2), (_layer("surfacePoints", "uvs"), 1),
@@ -135,6 +153,13 @@ _WRONG_VALUES: List[Tuple[Place, Any]] = [
     (_layer("surface", "corners"), [0, 0, 1, 0, 0, 1, 1]), (_layer("surface", "corners"), [0, 0, 1, 0, 0, 1, 1, 1, 2]),
     (_layer("tracking", 1, "frames"), [2, 2]), (_layer("tracking", 1, "firstFrame"), 2),
     (_layer("adjust", 1, "offsets"), [0] * 7), (_layer("stabilize", "fixedFrames"), [4, 4]), (_layer("in"), -1),
+    (_layer("blend"), "multiply"), (_layer("colour"), [0, 0, 0]), (_layer("colour"), [0, 0, 0, 256]),
+    (_layer("overlayColour"), [0.5, 0, 0, 0]), (_layer("contours", 0, "name"), ""),
+    (_layer("contours", 0, "veilML"), ["left", "left"]), (_layer("contours", 0, "keys"), []),
+    (_layer("contours", 0, "keys", 0, "points"), _VERTICES[:6]), (_layer("contours", 0, "keys", 0, "points", 0), 2e7),
+    (_layer("contours", 1, "keys", 0, "points"), [0, 0, 1, 9, 0, 1]), (_layer("mesh", "vertexCount"), 2),
+    (_layer("mesh", "faceCounts"), [2]), (_layer("mesh", "faceIndices"), [0, 1, -1]), (_layer("mesh", "tracks"), []),
+    (_layer("mesh", "tracks", 1, "firstFrame"), 2),
     (("groups", 0, "moving"), False), (("groups", 0, "pose", "scales", 0), 0), (("groups", 0, "pose", "frames"), [0, 1]),
     (_layer("pose", "firstFrame"), 2), (_layer("pose", "positions"), [1, 2]), (_layer("surfacePoints", "names", 0), ""),
     (_layer("surfacePoints", "faceCounts"), [2]), (_layer("surfacePoints", "faceIndices"), [0, 1, -1]),
@@ -150,23 +175,24 @@ _WRONG_VALUES: List[Tuple[Place, Any]] = [
 
 
 _REPORTED_WITH_HOLDER = ("firstFrame", "frames", "kind", "mode", "moving", "scales")
+_LISTS = (("frames",), ("inaccurate",), ("faceIndices",), ("scales",), ("points",))
 
 
 def seen_by_both() -> Iterator[Fault]:
     """Faults of form, which the schema describes."""
     for at in _OBJECTS:
-        yield Fault(f"unknown key in {path(at)}", at + ("colour",), 1, path(at))
+        yield Fault(f"unknown key in {path(at)}", at + ("flavour",), 1, path(at))
     for at in _REQUIRED:
         yield Fault(f"{path(at)} is missing", at, REMOVED, path(at[:-1]))
     for at, value in _WRONG_TYPES + _WRONG_VALUES:
         # Keys that need or exclude one another and an element of a list of numbers may be reported with what holds them.
-        whole = at[-1] in _REPORTED_WITH_HOLDER or at[-2:-1] in (("frames",), ("inaccurate",), ("faceIndices",), ("scales",))
+        whole = at[-1] in _REPORTED_WITH_HOLDER or at[-2:-1] in _LISTS
         yield Fault(f"{path(at)} is {json.dumps(value)}", at, value, path(at[:-1] if whole else at))
 
 
 _DANGLING = [("currentLayer",), ("currentView",), ("displayClip",), ("groups", 1, "parent"), _layer("clip"),
-             _layer("insertClip"), _layer("group"), _layer("tracking", 0, "view"), _solve("features", 1, "layer"),
-             _solve("assets", 0, "layer")]
+             _layer("insertClip"), _layer("group"), _layer("tracking", 0, "view"), _layer("contours", 0, "veilML", 0),
+             _layer("mesh", "tracks", 0, "view"), _solve("features", 1, "layer"), _solve("assets", 0, "layer")]
 
 
 def seen_by_tool() -> Iterator[Fault]:
@@ -176,6 +202,7 @@ def seen_by_tool() -> Iterator[Fault]:
         whole = at[-1] in ("parent", "view")
         yield Fault(f"{path(at)} names nothing", at, "nobody", path(at[:-1] if whole else at))
     track = _layer("tracking", 0)
+    keys, spline, mesh = _layer("contours", 0, "keys"), _layer("contours", 1, "keys", 0, "points"), _layer("mesh")
     points = _layer("surfacePoints")
     cases: List[Tuple[str, Place, Any, Place]] = [
         ("group is its own parent", ("groups", 0, "parent"), "outer", ("groups",)),
@@ -197,6 +224,18 @@ def seen_by_tool() -> Iterator[Fault]:
         ("fixed frames descend", _layer("stabilize", "fixedFrames"), [6, 4], _layer("stabilize", "fixedFrames")),
         ("lens keys descend", _clip("lens", "radial1", "frames"), [9, 0], _clip("lens")),
         ("fewer lens values than keys", _clip("lens", "radial1", "values"), [0.1], _clip("lens")),
+        ("contour keys descend", keys + (1, "frame"), 1, keys),
+        ("contour key behind the clip", keys + (1, "frame"), 20, keys),
+        ("half a vertex", keys + (1, "points"), _VERTICES + [0, 0, 0], keys),
+        ("another number of vertices in a key", keys + (1, "points"), _VERTICES * 2, keys),
+        ("another number of vertices in a feather", keys + (0, "feather"), _VERTICES * 2, keys),
+        ("weight above 1", spline + (2,), 1.5, spline),
+        ("face of a vertex that isn't there", mesh + ("faceIndices",), [0, 1, 3], mesh),
+        ("fewer face indices than the faces have", mesh + ("faceCounts",), [3, 3], mesh),
+        ("half a frame of a mesh", mesh + ("tracks", 0, "positions"), [0] * 9, mesh),
+        ("mesh beyond the clip", mesh + ("tracks", 0, "firstFrame"), 19, mesh),
+        ("two mesh tracks of one view", mesh + ("tracks", 1, "view"), "left", mesh),
+        ("mesh frames descend", mesh + ("tracks", 1, "frames"), [7, 2], mesh),
         ("pose with fewer rotations than positions", ("groups", 0, "pose", "rotations"), [0, 0, 0], ("groups", 0, "pose")),
         ("pose with more scales than positions", ("groups", 0, "pose", "scales"), [1, 2, 3], ("groups", 0, "pose")),
         ("pose beyond the clip", ("groups", 0, "pose", "firstFrame"), 19, ("groups", 0, "pose")),

@@ -14,6 +14,7 @@ from typing import Any, Iterator, List, Tuple
 import jsonschema
 
 import bad_projects
+import scene_shots
 import shots
 from tool import Tool
 
@@ -70,6 +71,7 @@ def good_files(source: Path, check: Check) -> Iterator[Tuple[str, Path]]:
     texts += [(f"example {i} of the page", text) for i, text in enumerate(re.findall(r"```json\n(.*?)```", page, re.S))]
     texts += [("hand-made shot", json.dumps(shots.hand_made(shots.STRONG))),
               ("interlaced shot", json.dumps(shots.interlaced()))]
+    texts += [(f"solved shot {name}", json.dumps(make())) for name, make in scene_shots.PROJECTS.items()]
     for name, text in texts:
         yield name, check.saved(text)
     for sample in sorted((source / "samples").glob("*.json")):

@@ -48,7 +48,7 @@ def malformed() -> Iterator[Fault]:
     yield "not UTF-8", GOOD.replace("Pin-0001", "Pin-\xff").encode("latin-1")
 
 
-class _Text:
+class EditableText:
     """A text in blocks of title and rows that can be changed and put together again."""
 
     def __init__(self, data: bytes) -> None:
@@ -63,72 +63,80 @@ class _Text:
         """Indices of the blocks whose title starts with these words."""
         return [i for i, block in enumerate(self._titles) if block[0].startswith(title)]
 
+    def drop(self, block: int) -> None:
+        del self._titles[block], self.rows[block]
+
     def data(self) -> bytes:
         blocks = ["\n".join(title + ["\t".join([""] + row) for row in rows])
                   for title, rows in zip(self._titles, self.rows)]
         return "\n\n".join(self._head + blocks + [self._foot]).encode("utf-8")
 
 
-def _changed(data: bytes, change: Callable[[_Text], None]) -> bytes:
-    text = _Text(data)
+def _changed(data: bytes, change: Callable[[EditableText], None]) -> bytes:
+    text = EditableText(data)
     change(text)
     if text.data() == data:
         raise ValueError("the fault changes nothing")
     return text.data()
 
 
-def _map_column(rows: Rows, column: int, change: Callable[[float], float]) -> None:
+def two_units_off(number: str) -> str:
+    """A printed number with 2 more units of its sixth digit."""
+    value = float(number)
+    step = 4.0 * float(half_units(value)) or 2e-5
+    # 999.999 is lowered, as it would turn into a number with a coarser sixth digit.
+    coarser = half_units(value + step) > step / 2.0
+    return f"{value - step if coarser else value + step:.6g}"
+
+
+def map_column(rows: Rows, column: int, change: Callable[[float], float]) -> None:
     for row in rows:
         row[column] = f"{change(float(row[column])):.6g}"
 
 
 def misplaced(data: bytes) -> Iterator[Fault]:
     """Well-formed texts with the usual rows in which the picture is wrong."""
-    text = _Text(data)
+    text = EditableText(data)
     pins, scales, rotations = text.find("Effects"), text.find("Scale"), text.find("Rotation")
 
-    def flip(changed: _Text) -> None:
+    def flip(changed: EditableText) -> None:
         for block in pins or changed.find("Position"):
-            _map_column(changed.rows[block], 2, lambda y: changed.height - y)
+            map_column(changed.rows[block], 2, lambda y: changed.height - y)
     yield "y flipped", _changed(data, flip)
 
     for one, other in combinations(pins, 2):
-        def swap(changed: _Text) -> None:
+        def swap(changed: EditableText) -> None:
             changed.rows[one], changed.rows[other] = changed.rows[other], changed.rows[one]
         yield f"corners {one} and {other} swapped", _changed(data, swap)
 
     for block in pins or text.find("Position"):
-        def shift(changed: _Text) -> None:
+        def shift(changed: EditableText) -> None:
             values = [row[1:] for row in changed.rows[block]]
             for row, earlier in zip(changed.rows[block], values[:1] + values[:-1]):
                 row[1:] = earlier
         yield f"block {block} one frame late", _changed(data, shift)
 
     for block in rotations:
-        yield "rotation reversed", _changed(data, lambda changed: _map_column(changed.rows[block], 1, lambda r: -r))
+        yield "rotation reversed", _changed(data, lambda changed: map_column(changed.rows[block], 1, lambda r: -r))
     for block in scales:
-        def grow(changed: _Text) -> None:
-            _map_column(changed.rows[block], 1, lambda percent: percent * 1.01)
-            _map_column(changed.rows[block], 2, lambda percent: percent * 1.01)
+        def grow(changed: EditableText) -> None:
+            map_column(changed.rows[block], 1, lambda percent: percent * 1.01)
+            map_column(changed.rows[block], 2, lambda percent: percent * 1.01)
         yield "scale 1 % off", _changed(data, grow)
 
 
 def incomplete(data: bytes) -> Iterator[Fault]:
     """Texts that lack a row, one for each block."""
-    for block, rows in enumerate(_Text(data).rows):
+    for block, rows in enumerate(EditableText(data).rows):
         for at in sorted({0, len(rows) // 2, len(rows) - 1}):
             yield f"block {block} without row {at}", _changed(data, lambda changed: changed.rows[block].pop(at))
 
 
 def imprecise(data: bytes) -> Iterator[Fault]:
     """Texts in which one value is off by 2 units of its sixth digit, one for each column of each block."""
-    for block, rows in enumerate(_Text(data).rows):
+    for block, rows in enumerate(EditableText(data).rows):
         at = len(rows) // 2
         for column in range(1, len(rows[at])):
-            def raise_value(changed: _Text) -> None:
-                value = float(changed.rows[block][at][column])
-                step = 4.0 * float(half_units(value)) or 2e-5
-                # 999.999 is lowered, as it would turn into a number with a coarser sixth digit.
-                coarser = half_units(value + step) > step / 2.0
-                changed.rows[block][at][column] = f"{value - step if coarser else value + step:.6g}"
+            def raise_value(changed: EditableText) -> None:
+                changed.rows[block][at][column] = two_units_off(changed.rows[block][at][column])
             yield f"block {block}, row {at}, value {column} off by 2 units", _changed(data, raise_value)

@@ -28,7 +28,8 @@ HEADER_FIELDS = ("Units Per Second", "Source Width", "Source Height", "Source Pi
                  "Comp Pixel Aspect Ratio")
 
 # Properties of a layer and their columns; the parameters of a pin effect are points.
-LAYER_PROPERTIES = {
+Properties = Dict[str, Tuple[str, ...]]
+LAYER_PROPERTIES: Properties = {
     "Anchor Point": ("X pixels", "Y pixels", "Z pixels"),
     "Position": ("X pixels", "Y pixels", "Z pixels"),
     "Scale": ("X percent", "Y percent", "Z percent"),
@@ -82,7 +83,7 @@ def half_units(values: np.ndarray) -> np.ndarray:
     return np.where(values > 0.0, 0.5 * 10.0 ** (exponents - DIGITS + 1), 0.0)
 
 
-class _Lines:
+class Lines:
     """The lines of the text, handed out one after the other."""
 
     def __init__(self, data: bytes) -> None:
@@ -128,20 +129,26 @@ class _Lines:
         return float(text)
 
 
-def parse(data: bytes) -> Document:
-    """Reads a whole text; raises KeyframeTextError at the first thing that is out of order."""
-    lines = _Lines(data)
+def parse(data: bytes, properties: Properties = LAYER_PROPERTIES, lines_behind_header: int = 0) -> Document:
+    """Reads a whole text; raises KeyframeTextError at the first thing that is out of order.
+
+    `properties` are those that a layer may have, with their columns. Some formats have more than the one empty line
+    between header and first block.
+    """
+    lines = Lines(data)
     title = lines.take()
     if title not in FILE_TITLES:
         raise lines.error(f"unknown file title {title!r}")
     lines.take_exactly("")
     header = _header(lines)
+    for _ in range(lines_behind_header):
+        lines.take_exactly("")
     blocks = []
     while True:
         lines.take_exactly("")
         if lines.peek() == FOOTER:
             break
-        blocks.append(_block(lines))
+        blocks.append(_block(lines, properties))
     lines.take()
     if lines.peek() is not None:
         lines.take()
@@ -149,7 +156,7 @@ def parse(data: bytes) -> Document:
     return Document(title, header, blocks)
 
 
-def _header(lines: _Lines) -> Dict[str, float]:
+def _header(lines: Lines) -> Dict[str, float]:
     header = {}
     for name in HEADER_FIELDS:
         fields = lines.take().split("\t")
@@ -161,12 +168,12 @@ def _header(lines: _Lines) -> Dict[str, float]:
     return header
 
 
-def _block(lines: _Lines) -> Block:
+def _block(lines: Lines, properties: Properties) -> Block:
     title = lines.take()
     effect = _EFFECT.fullmatch(title)
-    if effect is None and title not in LAYER_PROPERTIES:
+    if effect is None and title not in properties:
         raise lines.error(f"unknown title {title!r}")
-    columns = LAYER_PROPERTIES[title] if effect is None else EFFECT_POINT
+    columns = properties[title] if effect is None else EFFECT_POINT
     lines.take_exactly("\tFrame\t" + "\t".join(columns))
     rows: Dict[float, Tuple[float, ...]] = {}
     while lines.peek():

@@ -36,7 +36,7 @@ def imported_error(corners: np.ndarray, imported: Dict[str, Any]) -> float:
     return float(np.abs(shot.corners - corners).max())
 
 
-def _motion(frames: int, reference: int, aspect: float, middle, path, turn: float, zoom: float, perspective):
+def motion(frames: int, reference: int, aspect: float, middle, path, turn: float, zoom: float, perspective):
     """Homographies against the frame at index `reference` of a plane about `middle` that moves by `path`, turns
     by `turn` degrees (counter-clockwise), grows by the factor `zoom` and tilts, everything per frame."""
     square = np.diag([aspect, 1.0, 1.0])
@@ -55,7 +55,7 @@ def _shift(x: float, y: float) -> np.ndarray:
     return np.array([[1.0, 0.0, x], [0.0, 1.0, y], [0.0, 0.0, 1.0]])
 
 
-def _flat(matrices) -> list:
+def flat_numbers(matrices) -> list:
     """The nine numbers of each matrix, times a factor that changes nothing."""
     return [(1.0, -2.5, 4e-3)[i % 3] * float(value) for i, matrix in enumerate(matrices) for value in matrix.ravel()]
 
@@ -67,7 +67,7 @@ STRONG, GENTLE = (1.5e-3, -2e-3), (2e-4, -3e-4)
 
 def hand_made(tilt) -> Dict[str, Any]:
     """Wide pixels, a surface far from the middle, perspective, a turn of 450 degrees, corrections by hand."""
-    motion = _motion(19, 2, 2.0, (560, 130), (-7.5, 9.25), 25.0, 1.015, tilt)
+    poses = motion(19, 2, 2.0, (560, 130), (-7.5, 9.25), 25.0, 1.015, tilt)
     corners = [500, 60, 640, 75, 490, 210, 622, 198]
     return {
         "marloProject": 1,
@@ -78,7 +78,7 @@ def hand_made(tilt) -> Dict[str, Any]:
         "layers": [{
             "name": "Poster", "in": 12, "out": 30,
             "surface": {"referenceFrame": 14, "corners": corners},
-            "tracking": [{"firstFrame": 12, "homographies": _flat(motion)}],
+            "tracking": [{"firstFrame": 12, "homographies": flat_numbers(poses)}],
             "adjust": [
                 {"frame": 13, "offsets": [4, -3, 0, 2.5, -6, 1, 3, 3]},
                 {"frame": 21, "offsets": [0, 0, 5.5, -4, 2, 2, -1, 6]},
@@ -92,7 +92,7 @@ def hand_made(tilt) -> Dict[str, Any]:
 def interlaced() -> Dict[str, Any]:
     """Fields of a PAL clip; the layer starts on a second field. Corners and homographies are in field lines."""
     aspect = 59 / 54
-    motion = _motion(19, 0, aspect / 2, (180, 70), (11.0, 4.5), -13.0, 0.985, (-5e-4, 8e-4))
+    poses = motion(19, 0, aspect / 2, (180, 70), (11.0, 4.5), -13.0, 0.985, (-5e-4, 8e-4))
     return {
         "marloProject": 1,
         "frameRate": 25,
@@ -101,6 +101,6 @@ def interlaced() -> Dict[str, Any]:
         "layers": [{
             "name": "Screen", "in": 3, "out": 21,
             "surface": {"corners": [100, 30, 255, 42, 112, 115, 240, 104]},
-            "tracking": [{"homographies": _flat(motion)}],
+            "tracking": [{"homographies": flat_numbers(poses)}],
         }],
     }

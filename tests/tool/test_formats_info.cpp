@@ -106,6 +106,31 @@ TEST(InfoCommand, ShowsWhatAProjectHolds)
               "layer* Floor: frames 1002 to 1003, not tracked, hidden\n");
 }
 
+TEST(InfoCommand, TellsWhatASolveHolds)
+{
+    ProjectBuilder project(3);
+    project.addLayer("A").layer().surfacePoints.emplace();
+    project.layer().surfacePoints->positions = {0, 0, 0, 1, 0, 0};
+    ToolFolder folder;
+    folder.write("shot.json", project);
+    EXPECT_TRUE(folder.run({"info", "shot.json", "--json"}).json().at("solve").is_null());
+    project.model.solve.emplace();
+    project.model.solve->legacy = true;
+    project.model.solve->features.resize(1);
+    project.model.solve->features[0].name = "set";
+    project.model.solve->features[0].points.positions.resize(9);
+    folder.write("solved.json", project);
+    EXPECT_EQ(folder.run({"info", "solved.json", "--json"}).json().at("solve"), Json({{"camera", "mono"},
+                                                                                      {"legacy", true},
+                                                                                      {"layerPoints", 2},
+                                                                                      {"featureSets", 1},
+                                                                                      {"featurePoints", 3},
+                                                                                      {"assets", 0}}));
+    EXPECT_TRUE(
+        folder.run({"info", "solved.json"})
+            .out.endsWith("\nsolve  one camera, points of layers: 2, features: 3 in sets: 1, models: 0, legacy\n"));
+}
+
 TEST(InfoCommand, InterlacedFieldsAreShownAsFrames)
 {
     ProjectBuilder project(7);

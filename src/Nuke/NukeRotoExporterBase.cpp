@@ -1,0 +1,354 @@
+// Roto shapes as a node for Nuke: the user pastes the text into the node graph, or opens
+// the file.
+//
+//   Roto {
+//    curves {AnimTree: "" {
+//    Version: 1.1
+//    RootNode: 1
+//    Node: {
+//     NodeName: "Root" {
+//      ...
+//     }
+//     NumOfChildren: 1
+//     Node: {
+//      NodeName: "Layer" {        one for each layer and view, the lowest layer first
+//       NodeType: 1
+//       Transform2: ...           when its shapes move alike
+//       ...
+//      }
+//      NumOfChildren: 1
+//      Node: {                    a shape; NukeRotoShape.cpp
+//      ...
+//    }
+//   }
+//   }
+//   name Roto_Layer
+//   }
+
+#include "Nuke/NukeRotoExporterBase.h"
+
+#include "Core/ThrowHelpers.h"
+#include "Host/Contour.h"
+#include "Host/ExporterHelper.h"
+#include "Host/KORV_ProjectManager.h"
+#include "text/Names.h"
+#include "text/NumberText.h"
+
+#include <QPointF>
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
+namespace Export
+{
+
+namespace
+{
+
+constexpr char ROOT_NODE[] =
+    " Node: {\n"
+    "  NodeName: \"Root\" {\n"
+    "   NodeType: 1\n"
+    "   NumOfAttributes: 10\n"
+    "   \"vis\" S 0 1 \"opc\" S 0 1 \"mbo\" S 0 1 \"mb\" S 0 1 \"mbs\" S 0 0.5 \"fo\" S 0 1 \"fx\" S 0 0 \"fy\" S 0 0 "
+    "\"ff\" S 0 1 \"ft\" S 0 0\n"
+    "  }\n";
+
+constexpr char LAYER_ATTRIBUTES[] =
+    " \"opc\" S 0 1 \"mbo\" S 0 1 \"mb\" S 0 1 \"mbs\" S 0 0.5 \"fo\" S 0 1 \"fx\" S 0 0 \"fy\" S 0 0 \"ff\" S 0 1 "
+    "\"ft\" S 0 0\n"
+    "   }\n";
+
+constexpr int UNLIMITED = 2147483647;
+
+/// What a QByteArray can hold, with a little room for its own record.
+constexpr qint64 LARGEST_TEXT = std::numeric_limits<int>::max() - 64;
+
+constexpr qint64 CURVES_PER_VERTEX = 12;
+
+// Bytes of a key: at least ("" 0 0 0 1 0 1 258 0), and as a rule.
+constexpr qint64 LEAST_KEY = 21;
+constexpr qint64 USUAL_KEY = 44;
+
+constexpr unsigned int OUTLINE_FLAGS = Korvane::ShapeInPixels | Korvane::ShapeWithBlur | Korvane::ShapeXSplinesToBezier;
+
+void setUp(Korvane::TrackingExporterHelper& helper, KORV_ProjectManager const& project, KORV_Layer const& layer,
+           Anm::View const& view, int framesToExport)
+{
+    helper.initialiseWithPMAndRange(project, layer.numericID(), view, framesToExport, Anm::Time::fromInt(-UNLIMITED),
+                                    Anm::Time::fromInt(UNLIMITED), false);
+}
+
+/// How many keys the points of all contours have together.
+qint64 pointKeyCount(Korvane::ExportedShape const& shape)
+{
+    qint64 count = 0;
+    for (int contour = 0; contour < shape.numContours(); ++contour)
+    {
+        for (int part = 0; part < shape.numContourCC(contour); ++part)
+        {
+            Korvane::ExportedShape::Curves const& mask = shape.maskShape(contour, part);
+            count += mask.isEmpty() ? 0 : qint64(mask.size()) * mask.first()->numSpans();
+        }
+    }
+    return count;
+}
+
+/// Makes room in steps that double, so that many small layers don't move the text each.
+void reserveMore(QByteArray& out, qint64 size)
+{
+    qint64 const wanted = out.size() + size;
+    if (wanted > out.capacity())
+    {
+        out.reserve(static_cast<int>(std::min(LARGEST_TEXT, std::max(wanted, qint64(out.capacity()) * 2))));
+    }
+}
+
+/// The motion that all contours of a layer have in common; null where they differ.
+std::vector<KORV_ExportHomography> const* commonMotion(Korvane::ExportedShape const& shape)
+{
+    std::vector<KORV_ExportHomography> const* common = nullptr;
+    for (int contour = 0; contour < shape.numContours(); ++contour)
+    {
+        for (int part = 0; part < shape.numContourCC(contour); ++part)
+        {
+            std::vector<KORV_ExportHomography> const& motion = shape.transform(contour, part);
+            if (!common)
+            {
+                common = &motion;
+            }
+            else if (common != &motion && *common != motion)
+            {
+                return nullptr;
+            }
+        }
+    }
+    return common;
+}
+
+bool isFinite(KORV_ExportHomography const& homography)
+{
+    return std::isfinite(homography.time) &&
+           std::all_of(homography.m.begin(), homography.m.end(), [](double entry) { return std::isfinite(entry); });
+}
+
+/// @param leftOut goes up by the number of homographies that aren't finite
+std::vector<KORV_ExportHomography> finiteMotion(std::vector<KORV_ExportHomography> const& motion, unsigned int& leftOut)
+{
+    std::vector<KORV_ExportHomography> finite;
+    finite.reserve(motion.size());
+    std::copy_if(motion.begin(), motion.end(), std::back_inserter(finite), isFinite);
+    leftOut += static_cast<unsigned int>(motion.size() - finite.size());
+    return finite;
+}
+
+}
+
+/// A layer in one view.
+struct NukeRotoExporterBase::LayerNode
+{
+    boost::shared_ptr<KORV_Layer const> layer;
+    Anm::View view;
+    QString name;
+};
+
+NukeRotoExporterBase::NukeRotoExporterBase(bool withMatrix) : m_withMatrix(withMatrix)
+{
+}
+
+NukeRotoExporterBase::NukeRotoExporterBase(bool withMatrix, std::uint64_t fileSeed, double classBias)
+    : Obfuscate(fileSeed, classBias), m_withMatrix(withMatrix)
+{
+}
+
+NukeRotoExporterBase::~NukeRotoExporterBase() = default;
+
+std::shared_ptr<QMap<QString, QByteArray>> NukeRotoExporterBase::exportShape(KORV_ProjectManager& project,
+                                                                             QString const& path,
+                                                                             QList<unsigned int> const& layerIds,
+                                                                             Options const& options) const
+{
+    QByteArray text;
+    unsigned int const leftOut = appendDocument(text, project, layerIds, options);
+    return result(path, text, leftOut);
+}
+
+std::shared_ptr<QMap<QString, QByteArray>> NukeRotoExporterBase::result(QString const& path, QByteArray const& text,
+                                                                        unsigned int leftOut)
+{
+    auto files = std::make_shared<QMap<QString, QByteArray>>();
+    files->insert(path, text);
+    if (leftOut > 0)
+    {
+        QString const failure = QStringLiteral("%1 keyframes were left out, as their values aren't finite");
+        files->insert(ERROR_FILENAME, failure.arg(leftOut).toUtf8());
+    }
+    return files;
+}
+
+QString NukeRotoExporterBase::getFormatVersion() const
+{
+    return QStringLiteral(" Version: 1.1\n");
+}
+
+QString NukeRotoExporterBase::getFormatRootNode() const
+{
+    return QStringLiteral(" RootNode: 1\n");
+}
+
+unsigned int NukeRotoExporterBase::appendDocument(QByteArray& out, KORV_ProjectManager& project,
+                                                  QList<unsigned int> const& layerIds, Options const& options) const
+{
+    if (!project.sm()->hasLayers())
+    {
+        return 0;
+    }
+    auto const layers = Korvane::ShapeExportHelper::getLayersToExport(project, options.layerExportMode, layerIds);
+    std::vector<LayerNode> const nodes = plannedNodes(project, layers, options);
+
+    out += getFormatName().toUtf8();
+    out += " {\n"
+           " curves {AnimTree: \"\" {\n";
+    out += getFormatVersion().toUtf8();
+    out += getFormatRootNode().toUtf8();
+    out += ROOT_NODE;
+    out += "  NumOfChildren: ";
+    Text::appendInteger(out, static_cast<long long>(nodes.size()));
+    out += '\n';
+    unsigned int leftOut = 0;
+    for (LayerNode const& node : nodes)
+    {
+        KORV_Clip const* const clip = project.frameManager()->getClip(node.layer->getBaseClipID());
+        leftOut += layerToStr(out, project, clip, *node.layer, node.view, node.name,
+                              static_cast<unsigned int>(options.framesToExport), options.viewMode != 0);
+    }
+    out += " }\n"
+           "}\n"
+           "}\n";
+    if (!layers.isEmpty())
+    {
+        out += "name Roto_";
+        out += Text::blanksToUnderscores(layers.first()->name()).toUtf8();
+        out += '\n';
+    }
+    out += "}\n";
+    return leftOut;
+}
+
+// Refuses before anything is computed, as far as counts tell.
+std::vector<NukeRotoExporterBase::LayerNode>
+NukeRotoExporterBase::plannedNodes(KORV_ProjectManager const& project,
+                                   QVector<boost::shared_ptr<KORV_Layer const>> const& layers,
+                                   Options const& options) const
+{
+    std::vector<Anm::View> views = options.views;
+    if (views.empty())
+    {
+        views.push_back(Anm::View::defaultView());
+    }
+    bool const isMultiView = !options.views.empty() && project.views()->viewCount() > 1;
+    std::vector<LayerNode> nodes;
+    qint64 size = 0;
+    for (auto it = layers.crbegin(); it != layers.crend(); ++it)
+    {
+        KORV_Layer const& layer = **it;
+        if ((options.layerExportMode == ZN::VisibleLayers && layer.isHidden(true)) ||
+            !Korvane::ExporterHelperBase::layerIsWithinProject(
+                project, layer.numericID(), Anm::Time::fromInt(-UNLIMITED), Anm::Time::fromInt(UNLIMITED), false))
+        {
+            continue;
+        }
+        for (Anm::View const& view : views)
+        {
+            QString const suffix = isMultiView ? QLatin1Char('.') + project.views()->name(view) : QString();
+            nodes.push_back({*it, view, layer.name() + suffix});
+            size += leastSize(project, nodes.back(), options);
+            requireSize(size);
+        }
+    }
+    return nodes;
+}
+
+/// Bytes that the node of a layer has at least.
+qint64 NukeRotoExporterBase::leastSize(KORV_ProjectManager const& project, LayerNode const& node,
+                                       Options const& options) const
+{
+    Korvane::TrackingExporterHelper helper;
+    setUp(helper, project, *node.layer, node.view, options.framesToExport);
+    qint64 const keys = m_withMatrix ? std::min(helper.numFrames(), 2) : helper.numFrames();
+    qint64 points = 0;
+    for (boost::shared_ptr<Korvane::Contour const> const& contour : node.layer->activeContours())
+    {
+        points += static_cast<qint64>(contour->allPoints().size());
+    }
+    return keys > 1 ? points * CURVES_PER_VERTEX * keys * LEAST_KEY : 0;
+}
+
+void NukeRotoExporterBase::requireSize(qint64 size)
+{
+    if (size > LARGEST_TEXT)
+    {
+        throwOperationFailed("NukeRotoExporterBase", 0, QStringLiteral("exportShape"),
+                             QStringLiteral("The shapes need more than the 2 GB that one file can hold. Export fewer "
+                                            "layers, or layers with a shorter range."));
+    }
+}
+
+unsigned int NukeRotoExporterBase::layerToStr(QByteArray& out, KORV_ProjectManager const& project,
+                                              KORV_Clip const* clip, KORV_Layer const& layer, Anm::View const& view,
+                                              QString const& name, unsigned int framesToExport, bool viewMode) const
+{
+    Korvane::TrackingExporterHelper helper;
+    setUp(helper, project, layer, view, static_cast<int>(framesToExport));
+    Korvane::ExportedShape const shape(
+        project, static_cast<int>(helper.firstFrame().value()), static_cast<int>(helper.lastFrame().value()), layer,
+        view, OUTLINE_FLAGS | (m_withMatrix ? Korvane::ShapeMotionApart : 0U), 1.0, QPointF(0, 0), viewMode);
+    qint64 const pointKeys = pointKeyCount(shape) * CURVES_PER_VERTEX;
+    reserveMore(out, pointKeys * USUAL_KEY);
+
+    unsigned int leftOut = 0;
+    std::vector<KORV_ExportHomography> const* const common = commonMotion(shape);
+    std::vector<KORV_ExportHomography> const layerMotion =
+        common ? finiteMotion(*common, leftOut) : std::vector<KORV_ExportHomography>();
+    out += "  Node: {\n"
+           "   NodeName: \"";
+    out += Text::blanksToUnderscores(name).toUtf8();
+    out += "\" {\n"
+           "    NodeType: 1\n";
+    if (!layerMotion.empty())
+    {
+        out += "    ";
+        getTransformBlock(out, layerMotion);
+    }
+    out += "    NumOfAttributes: 10\n"
+           "    \"vis\" S 0 ";
+    out += layer.isHidden(true) ? '0' : '1';
+    out += LAYER_ATTRIBUTES;
+    out += "   NumOfChildren: ";
+    Text::appendInteger(out, shape.numShapes());
+    out += '\n';
+
+    Anm::View const defaultView = Anm::View::defaultView();
+    auto const blend = static_cast<ZN_BlendMode>(layer.blendMode().value(defaultView));
+    bool const isInverted = layer.invert().staticValue(defaultView);
+    QList<boost::shared_ptr<Korvane::Contour const>> const& contours = layer.activeContours();
+    for (int contour = 0; contour < contours.size(); ++contour)
+    {
+        for (int part = 0; part < shape.numContourCC(contour); ++part)
+        {
+            std::vector<KORV_ExportHomography> motion;
+            if (!common)
+            {
+                motion = finiteMotion(shape.transform(contour, part), leftOut);
+            }
+            leftOut += shapeToStr(out, project, contours[contour]->name(), clip, view, shape.maskShape(contour, part),
+                                  shape.blurShape(contour, part), motion, helper, blend, isInverted, layer.fillColour(),
+                                  layer.overlayColour());
+        }
+    }
+    out += "  }\n";
+    return leftOut;
+}
+
+}

@@ -1,0 +1,388 @@
+// Roto text: numbers, curves and shapes worked by hand, and what of a project becomes
+// which node.
+
+#include "Host/ExportedShape.h"
+#include "Host/ExporterHelper.h"
+#include "Host/KORV_Exception.h"
+#include "Nuke/NukeRotoExporters.h"
+#include "ProjectBuilder.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <random>
+
+using namespace Export;
+
+namespace
+{
+
+using Roto = NukeRotoExporterBase;
+using Curves = Korvane::ExportedShape::Curves;
+using Spans = std::vector<Sabrel::BezierSpan>;
+
+QByteArray shortText(double value)
+{
+    QByteArray text;
+    Roto::appendFormattedS(text, value, ";");
+    return text;
+}
+
+TEST(RotoNumbers, FiveDigitsThreeDecimalsAndASnap)
+{
+    struct
+    {
+        double value;
+        char const* text;
+    } const cases[] = {
+        {1234.5678, "1234.6;"}, {0.123456, "0.123;"},        {3.0000001, "3;"},
+        {30.5, "30.500;"},      {999.95, "999.95;"},         {12345.678, "12346;"},
+        {2.4999999, "2.500;"},  {99.9996, "100.000;"}, // decimals are those of the value before it is rounded
+        {0.0004, "0;"},         {0.0005, "0.001;"},          {-0.0, "0;"},
+        {-0.0001, "-0;"},       {1e15, "1000000000000000;"},
+    };
+    for (auto const& [value, text] : cases)
+    {
+        EXPECT_EQ(shortText(value), text) << value;
+    }
+    EXPECT_EQ(Roto::digitLimit(0.05, 5, 5), 5);
+    EXPECT_EQ(Roto::digitLimit(12.34567, 5, 5), 3);
+    EXPECT_EQ(Roto::digitLimit(12.34567, 5, 2), 2);
+    EXPECT_EQ(Roto::digitLimit(12.000004, 5, 5), 0);
+    EXPECT_EQ(Roto::roundToDigit(-1.25, 1), -1.2);
+}
+
+// Close to the powers of ten, where the rounding of a logarithm decides, and all over.
+TEST(RotoNumbers, AreTheTextOfQtForTheRuleAsItIsWritten)
+{
+    std::vector<double> values;
+    for (double power = 1e-4; power < 1e7; power *= 10)
+    {
+        double below = power;
+        double above = power;
+        for (int step = 0; step < 2000; ++step)
+        {
+            below = std::nextafter(below, 0.0) * (step % 3 ? 1 : 1 - 1e-13);
+            above = std::nextafter(above, 1e9) * (step % 3 ? 1 : 1 + 1e-13);
+            values.insert(values.end(), {below, -below, above});
+        }
+    }
+    std::mt19937 engine(1);
+    std::uniform_real_distribution<double> exponent(-5, 6);
+    for (int i = 0; i < 20000; ++i)
+    {
+        double const value = std::pow(10.0, exponent(engine)) * (i % 2 ? 1 : -1);
+        values.insert(values.end(), {value, std::round(value * 16) / 16});
+    }
+    for (double const value : values)
+    {
+        double const rounded = Roto::roundToDigit(value, 3);
+        double const shown = std::abs(value - rounded) < 1e-06 ? rounded : value;
+        QByteArray const expected = QByteArray::number(shown, 'f', Roto::digitLimit(value, 5, 3)) + ';';
+        ASSERT_EQ(shortText(value), expected) << QByteArray::number(value, 'g', 17).constData();
+    }
+}
+
+TEST(RotoNumbers, KeysOfShapesAndOfMatrices)
+{
+    QByteArray text;
+    Roto::appendFormattedF(text, Anm::Time::fromDouble(1001), 960.0625, -0.25, 1.0 / 3);
+    Roto::appendTransformBlock(text, Anm::Time::fromDouble(1001.5), 12.345678, "0 1 0 1 258 0 ");
+    EXPECT_EQ(text, "\"\" 1001 960.06 -0.250 1 0.333 1 258 0 \"\" 1001.5 12.346 0 1 0 1 258 0 ");
+}
+
+boost::shared_ptr<Korvane::ExportCurveBase> bezier(double time, Spans const& spans, bool closed = true)
+{
+    return boost::shared_ptr<Korvane::ExportCurveBase>(new Korvane::ExportBezierCurve(time, closed, spans));
+}
+
+Spans const LENS{{{10, 20}, {1, 2}, {-3, -4}}, {{30.5, 40.25}, {5, 6}, {-7, -8}}};
+Spans const LENS_FEATHER{{{8, 20}, {1.5, 2}, {-3, -4.25}}, {{31, 40.25}, {5, 6}, {-7, -8}}};
+
+struct Shape
+{
+    Curves mask{bezier(1001, LENS)};
+    Curves blur{bezier(1001, LENS_FEATHER)};
+    std::vector<KORV_ExportHomography> motion{};
+    ZN_BlendMode blend = ZN_BLEND_ADD;
+    bool inverted = false;
+    int first = 0;
+    int last = 9;
+    unsigned int leftOut = 0;
+
+    /// In a project of ten frames that are shown from 1001 on.
+    QByteArray text()
+    {
+        ProjectBuilder builder(10);
+        builder.clip().frameOffset = 1001;
+        builder.addLayer("A").range(first, last).track([](int) { return ProjectBuilder::identity(); });
+        auto const project = builder.make();
+        Korvane::TrackingExporterHelper helper;
+        helper.initialiseWithPMAndRange(*project, project->toolManager()->currentLayerID(), Anm::View::defaultView(),
+                                        2147483647, Anm::Time::fromInt(0), Anm::Time::fromInt(9), false);
+        QByteArray text;
+        leftOut = NukeRotoExporter(true).shapeToStr(text, *project, "my lens", nullptr, Anm::View::defaultView(), mask,
+                                                    blur, motion, helper, blend, inverted, QColor(255, 128, 0),
+                                                    QColor(0, 0, 51, 10));
+        return text;
+    }
+};
+
+TEST(RotoShape, AStillShapeAsItIsWritten)
+{
+    EXPECT_EQ(Shape().text(),
+              "   Node: {\n"
+              "    NodeName: \"my_lens\" {\n"
+              "     NodeType: 3\n"
+              "     CurveGroup: \"\" {\n"
+              "      Flag: 0\n"
+              "      NumOfCubicCurves: 2\n"
+              "      CubicCurve: \"\" {\n"
+              "       Type: 0 Flag: 8224 Dim: 2\n"
+              "       NumOfPoints: 6\n"
+              "       0 "
+              "S 1 1001 -7 S 1 1001 -8 0 0 S 1 1001 10 S 1 1001 20 0 0 S 1 1001 1 S 1 1001 2 0 0 "
+              "S 1 1001 -3 S 1 1001 -4 0 0 S 1 1001 30.500 S 1 1001 40.250 0 0 S 1 1001 5 S 1 1001 6 0\n"
+              "      }\n"
+              "      CubicCurve: \"\" {\n"
+              "       Type: 0 Flag: 8224 Dim: 2\n"
+              "       NumOfPoints: 6\n"
+              "       0 "
+              "S 1 1001 -7 S 1 1001 -8 0 0 S 1 1001 -2 S 1 1001 0 0 0 S 1 1001 1.500 S 1 1001 2 0 0 "
+              "S 1 1001 -3 S 1 1001 -4.250 0 0 S 1 1001 0.500 S 1 1001 0 0 0 S 1 1001 5 S 1 1001 6 0\n"
+              "      }\n"
+              "      NumOfAttributes: 27\n"
+              "      \"vis\" S 0 1 \"r\" S 0 1 \"g\" S 0 0.501961 \"b\" S 0 0 \"a\" S 0 1 "
+              "\"ro\" S 0 0 \"go\" S 0 0 \"bo\" S 0 0.2 \"ao\" S 0 1 \"opc\" S 0 1 \"bm\" S 0 0 \"inv\" S 0 0 "
+              "\"mbo\" S 0 0 \"mb\" S 0 1 \"mbs\" S 0 0.5 \"mbsot\" S 0 0 \"mbso\" S 0 0 \"fo\" S 0 1 \"fx\" S 0 0 "
+              "\"fy\" S 0 0 \"ff\" S 0 1 \"ft\" S 0 0 \"nv\" S 0 1 \"view1\" S 0 1 "
+              "\"ltn\" S 0 1001 \"ltm\" S 0 1010 \"ltt\" S 0 0\n"
+              "     }\n"
+              "    }\n"
+              "    NumOfChildren: 0\n"
+              "   }\n");
+}
+
+TEST(RotoShape, SlopesAreDifferencesPerFrameAndZeroWhereKeysMeet)
+{
+    Shape shape;
+    shape.mask.clear();
+    shape.blur.clear();
+    Spans spans = LENS;
+    double const keys[][2] = {{1001, 10}, {1003, 15}, {1003.005, 15.1}};
+    for (auto const& [time, x] : keys)
+    {
+        spans[0].start.x = x;
+        shape.mask.append(bezier(time, spans, false));
+        shape.blur.append(bezier(time, spans, false));
+    }
+    shape.blend = ZN_BLEND_SUBTRACT;
+    shape.inverted = true;
+    QByteArray const text = shape.text();
+    EXPECT_TRUE(text.contains(" 0 0 L 0 4096 0.5 2 0 0 \"\" 0 3 \"\" 1001 10 0 1 2.500 1 258 0 "
+                              "\"\" 1003 15 2.500 1 0 1 258 0 \"\" 1003.0 15.100 0 1 0 1 258 0 10 L 0 4096"))
+        << text.constData();
+    EXPECT_EQ(text.count("Type: 0 Flag: 8192 Dim: 2\n"), 2);
+    EXPECT_TRUE(text.contains(" \"bm\" S 0 12 \"inv\" S 0 1 "));
+    EXPECT_TRUE(text.contains(" 258 0 6 0\n      }\n")) << "the last y, a blank and a 0";
+}
+
+TEST(RotoShape, LifetimeTellsWhichEndsOfTheProjectTheShapeReaches)
+{
+    int const cases[][3] = {{0, 9, 0}, {0, 5, 1}, {3, 3, 2}, {0, 0, 2}, {9, 9, 2}, {3, 9, 3}, {3, 5, 4}};
+    for (auto const& [first, last, type] : cases)
+    {
+        Shape shape;
+        shape.first = first;
+        shape.last = last;
+        QString const expected = QString(" \"ltn\" S 0 %1 \"ltm\" S 0 %2 \"ltt\" S 0 %3\n");
+        EXPECT_TRUE(shape.text().contains(expected.arg(1001 + first).arg(1001 + last).arg(type).toUtf8()))
+            << first << " " << last;
+    }
+}
+
+TEST(RotoShape, TheMatrixHasItsSlotsAndAloneItIsTheIdentity)
+{
+    Shape shape;
+    shape.motion = {{{1000000.5, 1, 2, 3, 4, 5, 6.123456, 0.05, 8}, 1001}};
+    QByteArray const head = "      Transform2: 0 0 S 0 0 S 0 0 S 0 0 S 0 1 S 0 1 S 0 0 S 0 0 S 0 0 ";
+    QByteArray const zeros = "S 0 0 S 0 0 S 0 0 S 0 0 ";
+    EXPECT_TRUE(shape.text().contains(head + "S 0 1 " + zeros + "S 0 1 " + zeros + "S 0 1 " + zeros +
+                                      "S 0 1 \n      Flag: 0\n"));
+
+    shape.motion.push_back({{-1, 1, 2, 3, 4, 5, 6, 7, 8}, 1002});
+    QByteArray expected = head;
+    char const* const slots[][2] = {{"1000001", "-1"}, {"1", "1"},       {"0", "0"}, {"2", "2"}, {"3", "3"}, {"4", "4"},
+                                    {"0", "0"},        {"5", "5"},       {"0", "0"}, {"0", "0"}, {"M", "M"}, {"0", "0"},
+                                    {"6.1235", "6"},   {"0.05000", "7"}, {"0", "0"}, {"8", "8"}};
+    for (auto const& [first, second] : slots)
+    {
+        expected += QByteArray("L 0 4096 0.5 2 0 0 \"\" 0 2 \"\" 1001 ") + first + " 0 1 0 1 258 0 \"\" 1002 " +
+                    second + " 0 1 0 1 258 0 0 ";
+    }
+    expected.replace("M", QByteArray::number(KORV_NumericOptimiser::s_matrixScale, 'f', 0));
+    EXPECT_TRUE(shape.text().contains(expected + "\n      Flag: 0\n")) << shape.text().left(3000).constData();
+}
+
+QString refusal(Shape shape)
+{
+    try
+    {
+        shape.text();
+    }
+    catch (KORV_Exception const& error)
+    {
+        return error.message();
+    }
+    return {};
+}
+
+TEST(RotoShape, WhatCanNotBeWrittenIsRefusedOrLeftOut)
+{
+    double const nan = std::nan("");
+    Shape spline;
+    spline.blur = {boost::shared_ptr<Korvane::ExportCurveBase>(new Korvane::ExportXSplineCurve(1001, true, {}))};
+    EXPECT_EQ(refusal(spline), "X-Splines are not supported");
+
+    Shape uneven;
+    uneven.blur = {bezier(1001, {LENS[0]})};
+    EXPECT_EQ(refusal(uneven), "The keys of the shape \"my lens\" differ in their vertices");
+    uneven.blur.clear();
+    EXPECT_EQ(refusal(uneven), "The keys of the shape \"my lens\" differ in their vertices");
+
+    Shape broken;
+    Spans spans = LENS;
+    spans[1].control2.y = nan;
+    broken.blur = {bezier(1001, spans)};
+    EXPECT_EQ(refusal(broken), "The shape \"my lens\" has no outline with finite values");
+
+    Shape partly;
+    partly.mask.append(bezier(1002, spans));
+    partly.blur.append(bezier(1002, LENS));
+    EXPECT_EQ(partly.text(), Shape().text());
+    EXPECT_EQ(partly.leftOut, 1u);
+}
+
+QByteArray exported(Korvane::ShapeExporter const& exporter, ProjectBuilder const& builder,
+                    Korvane::ShapeExporter::Options options = {})
+{
+    auto const project = builder.make();
+    auto const files = exporter.exportShape(*project, "out.nk", {project->toolManager()->currentLayerID()}, options);
+    EXPECT_EQ(files->keys(), QStringList("out.nk"));
+    return files->value("out.nk");
+}
+
+Korvane::ShapeExporter::Options allLayers(ZN::LayerExportMode mode = ZN::AllLayers)
+{
+    Korvane::ShapeExporter::Options options;
+    options.layerExportMode = mode;
+    return options;
+}
+
+QByteArray layerNode(char const* name, char const* visible = "1")
+{
+    return QByteArray("  Node: {\n   NodeName: \"") + name +
+           "\" {\n    NodeType: 1\n    NumOfAttributes: 10\n    \"vis\" S 0 " + visible +
+           " \"opc\" S 0 1 \"mbo\" S 0 1 \"mb\" S 0 1 \"mbs\" S 0 0.5 \"fo\" S 0 1 \"fx\" S 0 0 \"fy\" S 0 0 \"ff\" S "
+           "0 "
+           "1 \"ft\" S 0 0\n   }\n   NumOfChildren: 0\n  }\n";
+}
+
+QByteArray document(char const* type, char const* count, QByteArray const& nodes, char const* nameLine)
+{
+    return QByteArray(type) +
+           " {\n curves {AnimTree: \"\" {\n Version: 1.1\n RootNode: 1\n Node: {\n  NodeName: \"Root\" {\n   NodeType: "
+           "1\n   NumOfAttributes: 10\n   \"vis\" S 0 1 \"opc\" S 0 1 \"mbo\" S 0 1 \"mb\" S 0 1 \"mbs\" S 0 0.5 "
+           "\"fo\" S 0 1 \"fx\" S 0 0 \"fy\" S 0 0 \"ff\" S 0 1 \"ft\" S 0 0\n  }\n  NumOfChildren: " +
+           count + "\n" + nodes + " }\n}\n}\n" + nameLine + "}\n";
+}
+
+TEST(RotoDocument, LayersFromTheLowestUpAndTheTopmostGivesTheName)
+{
+    ProjectBuilder builder;
+    builder.addLayer("top layer").addLayer("low %1");
+    builder.layer().hidden = true;
+    EXPECT_EQ(exported(NukeRotoExporter(false), builder, allLayers()),
+              document("Roto", "2", layerNode("low_%1", "0") + layerNode("top_layer"), "name Roto_top_layer\n"));
+    EXPECT_EQ(exported(NukeRotoPaintExporter(true), builder, allLayers(ZN::VisibleLayers)),
+              document("RotoPaint", "1", layerNode("top_layer"), "name Roto_top_layer\n"));
+    EXPECT_EQ(exported(NukeSplineWarpExporter(), builder),
+              document("SplineWarp3", "1", layerNode("low_%1", "0"), "name Roto_low_%1\n"));
+}
+
+TEST(RotoDocument, ViewsGetNodesOfTheirOwn)
+{
+    ProjectBuilder builder;
+    builder.addLayer("A b");
+    builder.model.views = QStringList{"left", "right eye"};
+    Korvane::ShapeExporter::Options options = allLayers();
+    EXPECT_TRUE(exported(NukeRotoExporter(false), builder, options).contains("NodeName: \"A_b\""));
+    options.views = {Anm::View(Anm::View::defaultViewId()), Anm::View(Anm::View::defaultViewId() + 1)};
+    EXPECT_EQ(exported(NukeRotoExporter(false), builder, options),
+              document("Roto", "2", layerNode("A_b.left") + layerNode("A_b.right_eye"), "name Roto_A_b\n"));
+}
+
+TEST(RotoDocument, WithoutLayersThereIsNoNodeAndWithoutAChoiceNoName)
+{
+    EXPECT_EQ(exported(NukeRotoExporter(false), ProjectBuilder(), allLayers()), "");
+    ProjectBuilder hidden;
+    hidden.addLayer("A").layer().hidden = true;
+    EXPECT_EQ(exported(NukeRotoExporter(false), hidden, allLayers(ZN::VisibleLayers)), document("Roto", "0", "", ""));
+}
+
+ProjectBuilder makeMovingLens()
+{
+    ProjectBuilder builder(3);
+    builder.clip().frameOffset = 1001;
+    builder.addLayer("A").track([](int frame) { return ProjectBuilder::translation(20 * frame, 0.5 * frame * frame); });
+    builder.layer().contours.push_back(
+        {"a lens", false, true, true, {}, {{0, {10, 20, -7, -8, 1, 2, 30, 40, -3, -4, 5, 6}, {}}}});
+    return builder;
+}
+
+TEST(RotoDocument, MotionIsInEveryKeyOrInTheMatrixOfTheLayer)
+{
+    QByteArray const basic = exported(NukeRotoExporter(false), makeMovingLens());
+    EXPECT_FALSE(basic.contains("Transform2"));
+    EXPECT_TRUE(basic.contains(" 0 0 L 0 4096 0.5 2 0 0 \"\" 0 3 \"\" 1001 10 0 1 20 1 258 0 "
+                               "\"\" 1002 30 20 1 20 1 258 0 \"\" 1003 50 20 1 0 1 258 0 10 "
+                               "L 0 4096 0.5 2 0 0 \"\" 0 3 \"\" 1001 20 0 1 0.500 1 258 0 "
+                               "\"\" 1002 20.500 0.500 1 1.500 1 258 0 \"\" 1003 22 1.500 1 0 1 258 0 20 0 0 L 0 "))
+        << basic.constData();
+    EXPECT_TRUE(basic.contains("   NumOfChildren: 1\n   Node: {\n    NodeName: \"a_lens\" {\n"));
+
+    QByteArray const apart = exported(NukeRotoExporter(true), makeMovingLens());
+    EXPECT_EQ(apart.count("Transform2"), 1);
+    EXPECT_TRUE(apart.contains("\n    NodeType: 1\n    Transform2: 0 0 S 0 0 "));
+    EXPECT_TRUE(apart.contains("\"\" 0 3 \"\" 1001 0 0 1 0 1 258 0 \"\" 1002 20000000 0 1 0 1 258 0 "
+                               "\"\" 1003 40000000 0 1 0 1 258 0 0 "))
+        << apart.constData();
+    EXPECT_TRUE(apart.contains(" 0 0 L 0 4096 0.5 2 0 0 \"\" 0 2 \"\" 1001 10 0 1 0 1 258 0 "
+                               "\"\" 1003 10 0 1 0 1 258 0 10 "));
+}
+
+TEST(RotoDocument, MoreThanAFileHoldsIsRefusedAlsoInParts)
+{
+    constexpr int FRAMES = 25000;
+    for (int const layerCount : {1, 2})
+    {
+        ProjectBuilder builder(FRAMES);
+        for (int layer = 0; layer < layerCount; ++layer)
+        {
+            builder.addLayer(QString::number(layer));
+            std::vector<double> const points(static_cast<std::size_t>(6 * 400 / layerCount), 100.0);
+            builder.layer().contours.push_back({"crowd", false, true, true, {}, {{0, points, {}}}});
+        }
+        try
+        {
+            exported(NukeRotoExporter(false), builder, allLayers());
+            FAIL() << "was written";
+        }
+        catch (KORV_OperationFailed const& error)
+        {
+            EXPECT_TRUE(error.message().startsWith("The shapes need more than the 2 GB that one file can hold."));
+        }
+    }
+}
+
+}

@@ -1,0 +1,116 @@
+"""Strict reader of mask text for After Effects, and of the outlines in it (docs/outline-text.md)."""
+
+import re
+from dataclasses import dataclass
+from typing import Dict, List, Optional, Tuple
+
+import numpy as np
+
+from bounded import Bounded, cosine, sine, stacked
+from keyframe_text import FOOTER, HEADER_FIELDS, half_units
+from text_lines import Lines, TextError, decoded, six_digits
+
+TITLE = "Adobe After Effects 6.0 Keyframe Data"
+
+# The parts of the homography beside the outlines, in the order of the text.
+COMPONENTS = ("Translation X", "Translation Y", "Scale", "Rotation", "Shear X", "Shear Y", "Perspective X",
+              "Perspective Y")
+COLUMNS: Dict[str, Tuple[str, ...]] = {name: () for name in (
+    "Shape data",) + COMPONENTS + ("Blend mode", "Invert", "Opacity", "Layer name", "Film-back width", "Film-back height")}
+COLUMNS["Shape colour"] = ("alpha", "red", "green", "blue")
+
+# The rows of a block, a frame and a text each; the frame of a static row is None.
+Rows = List[Tuple[Optional[float], str]]
+
+
+@dataclass(frozen=True)
+class Mask:
+    blocks: Dict[str, Rows]
+
+    def frames(self, name: str) -> List[Optional[float]]:
+        return [frame for frame, _ in self.blocks[name]]
+
+    def values(self, name: str) -> Bounded:
+        """Values of a keyed block, and how far they may be from what was meant."""
+        values = np.array([six_digits(text) for _, text in self.blocks[name]])
+        return Bounded(values, half_units(values))
+
+    def static(self, name: str) -> str:
+        rows = self.blocks[name]
+        if len(rows) != 1 or rows[0][0] is not None:
+            raise TextError(f"{name!r} is not one static row")
+        return rows[0][1]
+
+
+@dataclass(frozen=True)
+class Outlines:
+    """The curve and its feather as printed: numbers (vertices, 6) or, of an X-spline, (points, 3)."""
+    kind: str
+    closed: bool
+    points: np.ndarray
+    feather: Optional[np.ndarray]
+
+
+def parse(data: bytes) -> Tuple[Dict[str, float], List[Mask]]:
+    """Header fields and masks; raises TextError at the first thing that is out of order."""
+    lines = Lines(decoded(data))
+    lines.expect(TITLE, "")
+    header = {name: six_digits(lines.match(f"\t{name}\t(.*)")[0]) for name in HEADER_FIELDS}
+    lines.expect("", "")
+    masks: List[Mask] = []
+    while lines.peek() != FOOTER:
+        masks.append(Mask({}))
+        for name, columns in COLUMNS.items():
+            masks[-1].blocks[name] = _block(lines, len(masks), name, columns)
+    lines.expect(FOOTER)
+    lines.end()
+    return header, masks
+
+
+def _block(lines: Lines, index: int, name: str, columns: Tuple[str, ...]) -> Rows:
+    lines.expect(f"Effects\tmarlo shape #{index}\t{name}", "\t".join(("", "Frame") + columns))
+    rows: Rows = []
+    while lines.peek() != "":
+        frame, value = lines.match(r"\t([^\t]*)\t(.*)")
+        rows.append((six_digits(frame) if frame else None, value))
+    lines.expect("")
+    return rows
+
+
+def outlines(text: str) -> Outlines:
+    match = re.fullmatch(r"(bezier|xspline);(closed|open);([^/]*)(?:/([^/]*))?", text)
+    if match is None:
+        raise TextError(f"{text[:60]!r} is not an outline")
+    kind = match.group(1)
+    width = 6 if kind == "bezier" else 3
+
+    def points(part: str) -> np.ndarray:
+        rows = [[six_digits(number) for number in vertex.split(",")] for vertex in part.split(";")]
+        if any(len(row) != width for row in rows):
+            raise TextError(f"a vertex of {text[:60]!r} has not {width} numbers")
+        return np.array(rows)
+    inner = points(match.group(3))
+    outer = points(match.group(4)) if match.group(4) is not None else None
+    if outer is not None and outer.shape != inner.shape:
+        raise TextError(f"the feather of {text[:60]!r} has another number of vertices")
+    return Outlines(kind, match.group(2) == "closed", inner, outer)
+
+
+def control_points(numbers: np.ndarray) -> Bounded:
+    """Points as outlines have them, (vertices, 3, 2) or (points, 1, 2), from printed numbers."""
+    printed = Bounded(numbers, half_units(numbers))
+    vertex = printed[:, 0:2]
+    if numbers.shape[1] == 3:
+        return stacked([vertex], axis=1)
+    return stacked([vertex + printed[:, 2:4], vertex, vertex + printed[:, 4:6]], axis=1)
+
+
+def homographies(mask: Mask) -> Bounded:
+    """One matrix per frame, (frames, 3, 3), put together from the eight parts."""
+    tx, ty, scale, turn, shear_x, shear_y, px, py = (mask.values(name) for name in COMPONENTS)
+    cos, sin = cosine(turn), sine(turn)
+    wide, narrow = shear_x + 1.0, shear_x * -1.0 + 1.0
+    one = Bounded(np.ones(len(turn.value)), np.zeros(len(turn.value)))
+    rows = [[scale * (cos * wide - sin * shear_y), scale * (cos * shear_y - sin * narrow), tx],
+            [scale * (sin * wide + cos * shear_y), scale * (sin * shear_y + cos * narrow), ty], [px, py, one]]
+    return stacked([stacked(row) for row in rows], axis=-2)
