@@ -337,37 +337,6 @@ void notePrincipalPoint(std::vector<Camera const*> const& used, ColmapProject& r
     }
 }
 
-using Angles = std::array<double, 3>;
-
-/// The angle, full turns added, that is nearest to another one; degrees.
-double nearest(double angle, double other)
-{
-    return angle + 360 * std::round((other - angle) / 360);
-}
-
-/// The triple that is nearest to the one before, of those that mean the same rotation:
-/// about x, y, z they are (a, b, c) and (a + 180, 180 - b, c + 180), and full turns.
-Angles continued(Angles const& angles, Angles const& before)
-{
-    Angles best{};
-    double least = INFINITY;
-    for (Angles candidate : {angles, Angles{angles[0] + 180, 180 - angles[1], angles[2] + 180}})
-    {
-        double distance = 0;
-        for (std::size_t i = 0; i < 3; ++i)
-        {
-            candidate[i] = nearest(candidate[i], before[i]);
-            distance += std::pow(candidate[i] - before[i], 2);
-        }
-        if (distance < least)
-        {
-            least = distance;
-            best = candidate;
-        }
-    }
-    return best;
-}
-
 /// Turned about x by half a turn, on both sides: A R^T A of the quaternion of R.
 Mtx_Vector4 cameraTurn(Image const& image)
 {
@@ -381,18 +350,17 @@ PoseModel cameraPath(ColmapModel const& model)
     std::size_t const count = model.images.size();
     pose.positions.reserve(3 * count);
     pose.rotations.reserve(3 * count);
-    Angles before{};
+    Mtx_Vector4 angles{};
     for (Image const& image : model.images)
     {
-        Mtx_Vector4 const last = SFMEulerAngles::eul_to_radians({before[0], before[1], before[2], 0});
-        Mtx_Vector4 const radians = SFMEulerAngles::eul_from_quat(cameraTurn(image), 0, &last);
-        Mtx_Vector4 const degrees = SFMEulerAngles::eul_to_degrees(radians);
-        before = continued({degrees.x, degrees.y, degrees.z}, before);
-        pose.rotations.insert(pose.rotations.end(), before.begin(), before.end());
+        Mtx_Vector4 const turn = cameraTurn(image);
+        angles = SFMEulerAngles::eul_continued(SFMEulerAngles::eul_from_quat(turn, 0, &angles), angles);
+        Mtx_Vector4 const degrees = SFMEulerAngles::eul_to_degrees(angles);
+        pose.rotations.insert(pose.rotations.end(), {degrees.x, degrees.y, degrees.z});
 
         // A C = -(A R^T A) A t.
         auto const [tx, ty, tz] = image.translation;
-        Sabrel::Vector3 const position = SFMEulerAngles::eul_to_matrix(radians) * Sabrel::Vector3{-tx, ty, tz};
+        Sabrel::Vector3 const position = SFMEulerAngles::quat_to_matrix(turn) * Sabrel::Vector3{-tx, ty, tz};
         pose.positions.insert(pose.positions.end(), {position.x, position.y, position.z});
         if (count > 1)
         {
