@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <set>
 
 namespace MarloHost
 {
@@ -16,6 +17,35 @@ double valueAt(KeyedNumber const& number, double frame)
     }
     auto const [first, second, fraction] = keysAround(number.frames, frame);
     return number.values[first] + fraction * (number.values[second] - number.values[first]);
+}
+
+std::optional<int> firstFoldedFrame(ClipModel const& clip)
+{
+    if (!clip.lens)
+    {
+        return std::nullopt;
+    }
+    LensModel const& lens = *clip.lens;
+    std::set<int> frames{0};
+    for (KeyedNumber const* number : {&lens.focalLength, &lens.centreX, &lens.centreY, &lens.radial[0], &lens.radial[1],
+                                      &lens.radial[2], &lens.tangential[0], &lens.tangential[1], &lens.squeeze})
+    {
+        frames.insert(number->frames.begin(), number->frames.end());
+    }
+    double const width = clip.width;
+    double const lines = clip.interlaced ? clip.height / 2 : clip.height;
+    for (int const frame : frames)
+    {
+        ClipLens const at(clip, frame);
+        for (TXI::Pos2 const corner : {TXI::Pos2{0, 0}, {width, 0}, {0, lines}, {width, lines}})
+        {
+            if (!at.undistort(corner))
+            {
+                return frame;
+            }
+        }
+    }
+    return std::nullopt;
 }
 
 ClipLens::ClipLens(ClipModel const& clip, double frame)

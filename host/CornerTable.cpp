@@ -5,18 +5,14 @@
 //   2 1372.85 482.874 1375.97 884.481 679.964 707.829 786.1 305.722
 
 #include "Homography.h"
+#include "TextLines.h"
 #include "marlohost/CornerTable.h"
 
 #include "Host/KORV_Exception.h"
 
-#include <QFile>
-
 #include <algorithm>
-#include <charconv>
 #include <cmath>
-#include <limits>
 #include <optional>
-#include <string_view>
 
 namespace MarloHost
 {
@@ -24,65 +20,10 @@ namespace MarloHost
 namespace
 {
 
-using Token = std::string_view;
-
 constexpr qint64 MAX_FILE_BYTES = 256LL << 20;
 constexpr int MAX_FRAME = 10'000'000;
 constexpr double MAX_COORDINATE = 1e6;
 constexpr std::size_t NUMBERS = 8;
-
-bool isBlank(char c)
-{
-    return c == ' ' || c == '\t' || c == '\v' || c == '\f';
-}
-
-bool isDigit(char c)
-{
-    return c >= '0' && c <= '9';
-}
-
-QString textOf(Token token)
-{
-    return QString::fromUtf8(token.data(), static_cast<int>(token.size()));
-}
-
-/// The token in an error text, which stays one readable line whatever the file holds.
-QString quoted(Token token)
-{
-    constexpr int MOST_CHARACTERS = 40;
-    QString text = textOf(token);
-    if (text.size() > MOST_CHARACTERS)
-    {
-        text = text.left(MOST_CHARACTERS) + QStringLiteral("...");
-    }
-    for (QChar& c : text)
-    {
-        c = c.isPrint() ? c : QChar(QChar::ReplacementCharacter);
-    }
-    return QLatin1Char('"') + text + QLatin1Char('"');
-}
-
-Token withoutSign(Token token)
-{
-    return !token.empty() && (token.front() == '+' || token.front() == '-') ? token.substr(1) : token;
-}
-
-/// The whole token as a decimal number. No hexadecimal, no infinity, no locale.
-std::optional<double> numberOf(Token token)
-{
-    Token const digits = withoutSign(token);
-    if (digits.empty() || !(isDigit(digits.front()) || digits.front() == '.'))
-    {
-        return std::nullopt;
-    }
-    double number = 0;
-    auto const [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), number);
-    if (error != std::errc() || end != digits.data() + digits.size())
-    {
-        return std::nullopt;
-    }
-    return token.front() == '-' ? -number : number;
-}
 
 /// Whether the token is the word NaN.
 bool isNaN(Token token)
@@ -115,19 +56,16 @@ Token lastDigits(Token name)
 class TableReader
 {
 public:
-    TableReader(QByteArray const& text, QString const& fileName)
-        : m_rest(text.constData(), static_cast<std::size_t>(text.size()))
+    TableReader(QByteArray const& text, QString const& fileName) : m_lines(text, fileName)
     {
         m_table.fileName = fileName;
     }
 
     CornerTable read()
     {
-        skipByteOrderMark();
-        while (!m_rest.empty())
+        while (!m_lines.atEnd())
         {
-            ++m_line;
-            splitLine(takeLine());
+            splitLine(m_lines.take());
             if (!m_tokens.empty() && !isHeader())
             {
                 readRow();
@@ -145,39 +83,9 @@ public:
     }
 
 private:
-    [[noreturn]] void fail(QString const& cause) const
-    {
-        QString const place = QStringLiteral("line %1").arg(m_line);
-        throw KORV_BadFile(__FILE__, __LINE__,
-                           m_table.fileName + QStringLiteral(": ") + place + QStringLiteral(": ") + cause, place);
-    }
-
     [[noreturn]] void failAt(Token token, char const* cause) const
     {
-        fail(quoted(token) + QLatin1Char(' ') + QLatin1String(cause));
-    }
-
-    void skipByteOrderMark()
-    {
-        Token const utf8("\xEF\xBB\xBF");
-        if (m_rest.substr(0, 2) == "\xFF\xFE" || m_rest.substr(0, 2) == "\xFE\xFF")
-        {
-            m_line = 1;
-            fail(QStringLiteral("the file is UTF-16; save it as UTF-8"));
-        }
-        if (m_rest.substr(0, utf8.size()) == utf8)
-        {
-            m_rest.remove_prefix(utf8.size());
-        }
-    }
-
-    Token takeLine()
-    {
-        std::size_t const end = std::min(m_rest.find_first_of("\r\n"), m_rest.size());
-        Token const line = m_rest.substr(0, end);
-        bool const isPair = m_rest.substr(end, 2) == "\r\n";
-        m_rest.remove_prefix(std::min(m_rest.size(), end + (isPair ? 2 : 1)));
-        return line;
+        m_lines.fail(quoted(token) + QLatin1Char(' ') + QLatin1String(cause));
     }
 
     /// Fills m_tokens. A "#" inside of a word, as file names may have it, is no comment.
@@ -217,7 +125,7 @@ private:
     {
         if (isEmpty)
         {
-            fail(QStringLiteral("an empty cell; write NaN for a number that is missing"));
+            m_lines.fail(QStringLiteral("an empty cell; write NaN for a number that is missing"));
         }
     }
 
@@ -234,20 +142,21 @@ private:
     {
         if (m_tokens.size() != NUMBERS && m_tokens.size() != NUMBERS + 1)
         {
-            fail(QStringLiteral("%1 values; expected eight numbers, with a frame number or a file name in front or not")
-                     .arg(m_tokens.size()));
+            m_lines.fail(
+                QStringLiteral("%1 values; expected eight numbers, with a frame number or a file name in front or not")
+                    .arg(m_tokens.size()));
         }
         bool const hasFrame = m_tokens.size() == NUMBERS + 1;
         if (m_firstRowLine == 0)
         {
-            m_firstRowLine = m_line;
+            m_firstRowLine = m_lines.number();
             m_table.hasFrameNumbers = hasFrame;
         }
         if (hasFrame != m_table.hasFrameNumbers)
         {
-            fail(QStringLiteral("%1 a frame number, unlike line %2")
-                     .arg(hasFrame ? QStringLiteral("has") : QStringLiteral("lacks"))
-                     .arg(m_firstRowLine));
+            m_lines.fail(QStringLiteral("%1 a frame number, unlike line %2")
+                             .arg(hasFrame ? QStringLiteral("has") : QStringLiteral("lacks"))
+                             .arg(m_firstRowLine));
         }
         int const frame = hasFrame ? frameNumber(m_tokens.front()) : m_table.lastFrame + 1;
         addFrame(frame);
@@ -279,20 +188,21 @@ private:
 
     void addFrame(int frame)
     {
-        bool const isFirst = m_line == m_firstRowLine;
+        bool const isFirst = m_lines.number() == m_firstRowLine;
         if (!isFirst && frame == m_table.lastFrame)
         {
-            fail(QStringLiteral("frame %1 stands twice").arg(frame));
+            m_lines.fail(QStringLiteral("frame %1 stands twice").arg(frame));
         }
         if (!isFirst && frame < m_table.lastFrame)
         {
-            fail(QStringLiteral("frame %1 comes after frame %2; frames must ascend").arg(frame).arg(m_table.lastFrame));
+            m_lines.fail(
+                QStringLiteral("frame %1 comes after frame %2; frames must ascend").arg(frame).arg(m_table.lastFrame));
         }
         m_table.firstFrame = isFirst ? frame : m_table.firstFrame;
         m_table.lastFrame = frame;
         if (frame - m_table.firstFrame >= MAX_FRAME)
         {
-            fail(QStringLiteral("more than %1 frames").arg(MAX_FRAME));
+            m_lines.fail(QStringLiteral("more than %1 frames").arg(MAX_FRAME));
         }
     }
 
@@ -300,7 +210,7 @@ private:
     {
         CornerTable::Row row;
         row.frame = frame;
-        row.line = m_line;
+        row.line = m_lines.number();
         bool isMissing = false;
         for (std::size_t i = 0; i < NUMBERS; ++i)
         {
@@ -325,17 +235,16 @@ private:
         std::array<double, NUMBERS> const& c = row.corners;
         if (!isProperQuad({{{c[0], c[1]}, {c[2], c[3]}, {c[4], c[5]}, {c[6], c[7]}}}))
         {
-            fail(QStringLiteral("three of the corners of frame %1 lie on a line; "
-                                "write NaN for a frame without corners, or leave it out")
-                     .arg(frame));
+            m_lines.fail(QStringLiteral("three of the corners of frame %1 lie on a line; "
+                                        "write NaN for a frame without corners, or leave it out")
+                             .arg(frame));
         }
         m_table.rows.push_back(row);
     }
 
-    Token m_rest;
+    TextLines m_lines;
     CornerTable m_table;
     std::vector<Token> m_tokens;
-    int m_line = 0;
     int m_firstRowLine = 0;
     bool m_sawText = false;
 };
@@ -368,25 +277,7 @@ CornerTable readCornerTable(QByteArray const& text, QString const& fileName)
 
 CornerTable readCornerTableFile(QString const& path)
 {
-    auto const refuse = [&](QString const& cause)
-    { return KORV_BadFile(__FILE__, __LINE__, path + QStringLiteral(": ") + cause, QString()); };
-
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
-    {
-        throw refuse(QStringLiteral("can't be opened (%1)").arg(file.errorString()));
-    }
-    QByteArray const bytes = file.read(MAX_FILE_BYTES + 1);
-    // An error behind the first bytes shows as missing ones only.
-    if (file.error() != QFileDevice::NoError || bytes.size() < qMin(file.size(), MAX_FILE_BYTES))
-    {
-        throw refuse(QStringLiteral("can't be read (%1)").arg(file.errorString()));
-    }
-    if (bytes.size() > MAX_FILE_BYTES)
-    {
-        throw refuse(QStringLiteral("larger than %1 bytes").arg(MAX_FILE_BYTES));
-    }
-    return readCornerTable(bytes, path);
+    return readCornerTable(readWholeFile(path, MAX_FILE_BYTES), path);
 }
 
 }

@@ -14,7 +14,6 @@
 
 #include <functional>
 #include <limits>
-#include <set>
 
 namespace MarloHost
 {
@@ -46,30 +45,12 @@ LensModel readLens(JsonCursor const& cursor, int frameCount)
     return lens;
 }
 
-// A lens that shows nothing at a corner of the picture can't have taken it. Keyed
-// lenses are checked at their keys.
 void checkLens(JsonCursor const& cursor, ClipModel const& clip)
 {
-    LensModel const& lens = *clip.lens;
-    std::set<int> frames{0};
-    for (KeyedNumber const* number : {&lens.focalLength, &lens.centreX, &lens.centreY, &lens.radial[0], &lens.radial[1],
-                                      &lens.radial[2], &lens.tangential[0], &lens.tangential[1], &lens.squeeze})
+    if (std::optional<int> const frame = firstFoldedFrame(clip))
     {
-        frames.insert(number->frames.begin(), number->frames.end());
-    }
-    double const width = clip.width;
-    double const lines = clip.interlaced ? clip.height / 2 : clip.height;
-    for (int const frame : frames)
-    {
-        ClipLens const at(clip, frame);
-        for (TXI::Pos2 const corner : {TXI::Pos2{0, 0}, {width, 0}, {0, lines}, {width, lines}})
-        {
-            if (!at.undistort(corner))
-            {
-                cursor.fail(QStringLiteral("at frame %1 the lens folds over inside the picture; check its coefficients")
-                                .arg(frame));
-            }
-        }
+        cursor.fail(
+            QStringLiteral("at frame %1 the lens folds over inside the picture; check its coefficients").arg(*frame));
     }
 }
 

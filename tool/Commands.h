@@ -16,3 +16,4 @@ ExitStatus runPresetList(Options const& options, Console& console);
 ExitStatus runPresetAdd(Options const& options, Console& console);
 ExitStatus runPresetRemove(Options const& options, Console& console);
 ExitStatus runImportCorners(Options const& options, Console& console);
+ExitStatus runImportColmap(Options const& options, Console& console);

@@ -14,7 +14,7 @@ enum ExitStatus
     Refused = 1,
     WrongUsage = 2,
 
-    /// A project, preset or table file can't be read.
+    /// A project, preset, table or model file can't be read.
     UnreadableInput = 3,
 
     /// Written, but some frames failed.

@@ -2,15 +2,32 @@
 
 #include "OptionTypes.h"
 
+namespace
+{
+
+void addTarget(CLI::App* app, ImportTarget& target)
+{
+    addText(app, "-o,--output", "Project file to write",
+            [&target](QString const& path) { target.project = notEmpty("-o", path); })
+        ->type_name("PROJECT")
+        ->required();
+    app->add_flag("--overwrite", target.overwrite, "Replace an existing project file");
+}
+
+void addFrameRate(CLI::App* app, double& rate)
+{
+    addText(app, "--fps", "Frames per second; default: 24", [&rate](QString const& text) { rate = frameRate(text); })
+        ->type_name("R");
+}
+
+}
+
 void addCornerOptions(CLI::App* app, CornerImportChoices& corners)
 {
     addText(app, "TABLE", "Text file: a frame number or a file name and eight numbers in each line",
             [&corners](QString const& path) { corners.table = path; })
         ->required();
-    addText(app, "-o,--output", "Project file to write",
-            [&corners](QString const& path) { corners.project = notEmpty("-o", path); })
-        ->type_name("PROJECT")
-        ->required();
+    addTarget(app, corners.target);
     auto const takeSize = [&corners](QString const& text)
     {
         QSize const size = rasterSize(text);
@@ -18,9 +35,7 @@ void addCornerOptions(CLI::App* app, CornerImportChoices& corners)
         corners.import.height = size.height();
     };
     addText(app, "--size", "Size of the footage in pixels", takeSize)->type_name("WxH")->required();
-    addText(app, "--fps", "Frames per second; default: 24",
-            [&corners](QString const& text) { corners.import.frameRate = frameRate(text); })
-        ->type_name("R");
+    addFrameRate(app, corners.import.frameRate);
     addText(app, "--name", "Name of the layer; default: Layer 1",
             [&corners](QString const& name) { corners.import.layerName = notEmpty("--name", name); })
         ->type_name("LAYER");
@@ -28,5 +43,13 @@ void addCornerOptions(CLI::App* app, CornerImportChoices& corners)
     addText(app, "--order", "Corners of a row: upper and lower, left and right; default: ul,ur,lr,ll",
             [&corners](QString const& text) { corners.import.order = cornerOrder(text); })
         ->type_name("ul,ur,lr,ll");
-    app->add_flag("--overwrite", corners.overwrite, "Replace an existing project file");
+}
+
+void addColmapOptions(CLI::App* app, ColmapImportChoices& colmap)
+{
+    addText(app, "DIR", "Folder of a model as text: cameras.txt, images.txt and points3D.txt",
+            [&colmap](QString const& path) { colmap.folder = notEmpty("DIR", path); })
+        ->required();
+    addTarget(app, colmap.target);
+    addFrameRate(app, colmap.import.frameRate);
 }

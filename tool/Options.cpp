@@ -321,11 +321,17 @@ private:
         CLI::App* const import = m_app.add_subcommand("import", "Make a project of other programs' data");
         import->require_subcommand(1);
         addLanguage(import);
-        CLI::App* const app =
+        CLI::App* const corners =
             addCommand(import, "corners", "Make a project of a table of corners", Options::ImportCorners);
-        addCornerOptions(app, m_options.corners);
-        addJson(app);
-        app->add_flag("--quiet", m_options.quiet, "Print nothing but warnings and errors");
+        addCornerOptions(corners, m_options.corners);
+        CLI::App* const colmap =
+            addCommand(import, "colmap", "Make a project of a camera solve of COLMAP", Options::ImportColmap);
+        addColmapOptions(colmap, m_options.colmap);
+        for (CLI::App* const app : {corners, colmap})
+        {
+            addJson(app);
+            app->add_flag("--quiet", m_options.quiet, "Print nothing but warnings and errors");
+        }
     }
 
     Options& m_options;

@@ -1,6 +1,7 @@
 #pragma once
 // What the command line says, before anything is looked up in a project.
 
+#include "marlohost/ColmapModel.h"
 #include "marlohost/CornerTable.h"
 
 #include "Host/CameraSolveExporter.h"
@@ -51,12 +52,25 @@ struct WritingChoices
     bool dryRun = false;
 };
 
+/// Where the commands below `import` write.
+struct ImportTarget
+{
+    QString project;
+    bool overwrite = false;
+};
+
 struct CornerImportChoices
 {
     QString table;
-    QString project;
+    ImportTarget target;
     MarloHost::CornerImport import;
-    bool overwrite = false;
+};
+
+struct ColmapImportChoices
+{
+    QString folder;
+    ImportTarget target;
+    MarloHost::ColmapImport import;
 };
 
 /// What `batch` and `preset` say about the presets file. What a stored export holds is
@@ -85,7 +99,8 @@ struct Options
         PresetList,
         PresetAdd,
         PresetRemove,
-        ImportCorners
+        ImportCorners,
+        ImportColmap
     };
 
     Command command = Formats;
@@ -102,6 +117,7 @@ struct Options
     WritingChoices writing;
     PresetChoices presets;
     CornerImportChoices corners;
+    ColmapImportChoices colmap;
 };
 
 /// Reads the command line.

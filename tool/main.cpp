@@ -53,6 +53,8 @@ ExitStatus runCommand(Options const& options, Console& console)
         return runPresetRemove(options, console);
     case Options::ImportCorners:
         return runImportCorners(options, console);
+    case Options::ImportColmap:
+        return runImportColmap(options, console);
     }
     return Success;
 }

@@ -63,6 +63,11 @@ private:
     std::array<double, 2> m_tangential;
 };
 
+/// The first host frame in which a corner of the picture lies beyond the rim where the
+/// formula of the clip's lens turns back: such a lens can't have taken the picture. Keyed
+/// lenses are checked at their keys. Empty for a lens, or none, that is fine.
+MARLO_HOST_API std::optional<int> firstFoldedFrame(ClipModel const& clip);
+
 /// The number at a frame.
 MARLO_HOST_API double valueAt(KeyedNumber const& number, double frame);
 

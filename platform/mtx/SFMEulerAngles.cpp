@@ -177,8 +177,8 @@ Mtx_Vector4 eul_from_matrix(Sabrel::Matrix33 const& rotation, int code, Mtx_Vect
         // taken away: the row j of that.
         int const other = repeats ? k : i;
         double const sine = repeats ? std::sin(z) : -std::sin(z);
-        auto const left = [&](int column)
-        { return std::cos(z) * rotation(j, column) + sine * rotation(other, column); };
+        auto const left = [&, row = j](int column)
+        { return std::cos(z) * rotation(row, column) + sine * rotation(other, column); };
         x = std::atan2(-left(k), left(j));
     }
     else if (repeats)

@@ -1,4 +1,5 @@
-// `import corners`, from the table to corners in an exported file.
+// `import`: from a table to corners in an exported file, and what an import of a COLMAP
+// model says.
 
 #include "ToolRun.h"
 
@@ -123,7 +124,7 @@ TEST_F(ImportCommand, RefusalsWriteNothing)
     }
     EXPECT_EQ(folder.run({"import", "corners", "none.txt", "-o", "p.json", "--size", "1x1"}).status, 3);
     EXPECT_EQ(folder.run({"import", "pictures"}).err,
-              "marlo-export: there is no command \"pictures\"; there are corners\n");
+              "marlo-export: there is no command \"pictures\"; there are corners, colmap\n");
 }
 
 TEST_F(ImportCommand, KeepsAnOldProjectUnlessToldOtherwise)
@@ -136,6 +137,112 @@ TEST_F(ImportCommand, KeepsAnOldProjectUnlessToldOtherwise)
     EXPECT_EQ(import(TABLE, {"--size", "640x480", "--overwrite"}).status, 0);
     EXPECT_EQ(folder.run({"info", "p.json"}).status, 0);
     EXPECT_EQ(folder.run({"import", "corners", "t.txt", "-o", ".", "--size", "640x480", "--overwrite"}).status, 1);
+}
+
+class ImportColmap : public testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        QDir(folder.path("")).mkdir("m");
+        folder.write("m/cameras.txt", "1 OPENCV 640 480 500 500 324 239 -0.1 0 0.001 0\n2 PINHOLE 640 480 5 5 0 0\n");
+        folder.write("m/images.txt", "1 1 0 0 0 0 0 0 1 f12.png\n1 1 7\n2 1 0 0 0 1 2 3 1 f9.png\n\n"
+                                     "3 1 0 0 0 1 2 3 1 f10.png\n\n4 1 0 0 0 1 2 3 1 f11.png\n");
+        folder.write("m/points3D.txt", "7 0 0 1 0 0 0 0.5 1 0\n8 0 0 1 0 0 0 0.25\n9 0 0 1 0 0 0 9\n");
+    }
+
+    ToolResult import(QStringList const& options)
+    {
+        return folder.run(QStringList{"import", "colmap", "m/", "-o", "shot.json"} + options);
+    }
+
+    ToolFolder folder;
+};
+
+constexpr char OFF_CENTRE[] = "the principal point lies off the middle of the picture, by 4.00 pixels to the right and "
+                              "-1.00 down; the camera of the scene looks through the middle, so move its picture by as "
+                              "much";
+
+TEST_F(ImportColmap, TellsWhatItFoundAndLeftOut)
+{
+    ToolResult const people = import({"--fps", "25"});
+    EXPECT_EQ(people.status, 0);
+    EXPECT_EQ(people.err, QByteArray("marlo-export: warning: ") + OFF_CENTRE + '\n');
+    EXPECT_EQ(
+        people.out,
+        "shot.json\n"
+        "images: 4 of 640x480, footage: sequence\n"
+        "frames: 9 (f9.png) to 12 (f12.png)\n"
+        "points: 3, median error: 0.50 px, inaccurate: 1\n"
+        "camera: focal length 28.13 mm on a film back of 36 mm, pixel aspect 1, principal point off the middle by "
+        "4.00, -1.00 px (right, down)\n"
+        "lens: radial1, tangential1\n"
+        "left out: 1 2D points and their tracks, colours of the points, a camera without images\n");
+    nlohmann::json const info = folder.run({"info", "shot.json", "--json"}).json();
+    EXPECT_EQ(info.at("frameRate"), 25);
+    EXPECT_EQ(info.at("clips")[0].at("name"), "shot");
+
+    EXPECT_EQ(import({"--json"}).status, 1) << "the project exists";
+    EXPECT_EQ(import({"--json", "--overwrite"}).json(),
+              nlohmann::json(
+                  {{"project", "shot.json"},
+                   {"status", "written"},
+                   {"images", 4},
+                   {"firstFrame", 9},
+                   {"lastFrame", 12},
+                   {"firstImage", "f9.png"},
+                   {"lastImage", "f12.png"},
+                   {"footage", "sequence"},
+                   {"points", 3},
+                   {"inaccurate", 1},
+                   {"medianError", 0.5},
+                   {"focalLength", {28.125, 28.125}},
+                   {"pixelAspect", 1.0},
+                   {"principalPoint", {4.0, -1.0}},
+                   {"lens", {"radial1", "tangential1"}},
+                   {"leftOut", {"1 2D points and their tracks", "colours of the points", "a camera without images"}},
+                   {"warnings", {OFF_CENTRE}},
+                   {"reason", ""}}));
+    EXPECT_TRUE(import({"--quiet", "--overwrite"}).out.isEmpty());
+}
+
+TEST_F(ImportColmap, RefusalsWriteNothing)
+{
+    struct
+    {
+        char const* folder;
+        QStringList options;
+        int status;
+        char const* words;
+    } const cases[] = {
+        {"none", {}, 3, "none/cameras.txt: can't be opened"},
+        {"binary", {}, 3, "binary: holds a model in binary form; convert it to text"},
+        {"broken", {"--json"}, 3, "broken/cameras.txt: line 1: the camera model \"1\""},
+        {"m", {"-o", "-"}, 2, "import: -o needs the path of a project file"},
+        {"m", {"--fps", "0"}, 2, "isn't a rate"},
+        {"m", {"--size", "1x1"}, 2, "--size"},
+        {"", {}, 2, "DIR"},
+    };
+    for (char const* const name : {"binary", "broken"})
+    {
+        QDir(folder.path("")).mkdir(name);
+    }
+    folder.write("binary/cameras.bin", "\x01");
+    folder.write("broken/cameras.txt", "1 1 1 1\n");
+    for (auto const& c : cases)
+    {
+        QStringList const target = c.options.contains("-o") ? QStringList() : QStringList{"-o", "shot.json"};
+        ToolResult const result = folder.run(QStringList{"import", "colmap", c.folder} + target + c.options);
+        SCOPED_TRACE(result.err.toStdString());
+        EXPECT_EQ(result.status, c.status);
+        EXPECT_TRUE(result.err.contains(c.words));
+        EXPECT_EQ(result.err.count('\n'), 1);
+        EXPECT_FALSE(folder.files().contains("shot.json"));
+        if (c.options.contains("--json"))
+        {
+            EXPECT_EQ(result.json().at("status"), "failed");
+        }
+    }
 }
 
 }

@@ -21,6 +21,7 @@ _marlo_export_options()
         batch) echo "$common --preset -o --output $writing" ;;
         "preset add") echo "$common -o --output $stored" ;;
         "import corners") echo "$common -o --output --size --fps --name --y-up --order --overwrite --json --quiet" ;;
+        "import colmap") echo "$common -o --output --fps --overwrite --json --quiet" ;;
         *) echo "$common" ;;
     esac
 }
@@ -31,7 +32,7 @@ _marlo_export_words()
     case $1:$2 in
         :*) echo "formats info export all batch preset import" ;;
         preset:*) echo "list add remove" ;;
-        import:*) echo "corners" ;;
+        import:*) echo "corners colmap" ;;
         export:1 | "preset add:2") _marlo_export_formats ;;
     esac
 }

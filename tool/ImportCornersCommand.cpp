@@ -3,13 +3,11 @@
 #include "Commands.h"
 #include "Console.h"
 #include "Host/KORV_Exception.h"
+#include "ImportedProject.h"
 #include "Record.h"
-#include "WriteProvider.h"
 #include "marlohost/CornerTable.h"
 #include "marlohost/ProjectFile.h"
-#include "text/PartFile.h"
 
-#include <QDir>
 #include <QFileInfo>
 
 namespace
@@ -64,7 +62,7 @@ struct ImportReport
     CornerTable const& table;
     CornerImport const& import;
     QString project;
-    QString warning;
+    QStringList warnings;
 
     Json toJson() const
     {
@@ -82,7 +80,7 @@ struct ImportReport
                 {"frameNumbers", table.hasFrameNumbers ? "table" : "counted"},
                 {"axis", import.yUp ? "y up" : "y down"},
                 {"order", jsonText(orderText(import))},
-                {"warnings", jsonTexts(warning.isEmpty() ? QStringList() : QStringList(warning))},
+                {"warnings", jsonTexts(warnings)},
                 {"reason", ""}};
     }
 
@@ -107,21 +105,6 @@ struct ImportReport
                      orderText(import))};
     }
 };
-
-void writeProjectFile(CornerImportChoices const& corners, QByteArray const& bytes, Console& console)
-{
-    QFileInfo const target(corners.project);
-    bool const mustAsk = target.exists() && !target.isDir() && !corners.overwrite;
-    if (mustAsk && !console.ask(corners.project + QStringLiteral(" exists. Replace it?")))
-    {
-        throw Failure(Refused, QStringLiteral("nothing written; the old file stays"));
-    }
-    QDir().mkpath(target.absolutePath());
-    if (!Text::writeWholeFile(corners.project, bytes))
-    {
-        throw Failure(Refused, QStringLiteral("Could not write to file ") + corners.project);
-    }
-}
 
 CornerTable readTable(QString const& path)
 {
@@ -150,31 +133,17 @@ MarloHost::ProjectModel makeModel(CornerTable const& table, CornerImport const& 
 void importCorners(Options const& options, Console& console)
 {
     CornerImportChoices const& corners = options.corners;
-    if (corners.project == QLatin1String("-"))
-    {
-        throw usageError(QStringLiteral("import: -o needs the path of a project file"));
-    }
-    refuseExisting(corners.project, corners.overwrite, console);
+    checkImportTarget(corners.target, console);
     CornerTable const table = readTable(corners.table);
     CornerImport import = corners.import;
     QString const baseName = QFileInfo(corners.table).completeBaseName();
     import.clipName = baseName.isEmpty() ? QStringLiteral("clip") : baseName;
-    writeProjectFile(corners, MarloHost::writeProject(makeModel(table, import)), console);
+    writeImportedProject(corners.target, MarloHost::writeProject(makeModel(table, import)), console);
 
-    ImportReport const report{table, import, corners.project, orientationWarning(table, import)};
-    if (!report.warning.isEmpty())
-    {
-        console.warning(report.warning);
-    }
-    if (options.json)
-    {
-        console.result(jsonBytes(report.toJson()));
-        return;
-    }
-    for (QString const& line : options.quiet ? QStringList() : report.lines())
-    {
-        console.result(line);
-    }
+    QString const warning = orientationWarning(table, import);
+    QStringList const warnings = warning.isEmpty() ? QStringList() : QStringList(warning);
+    ImportReport const report{table, import, corners.target.project, warnings};
+    reportImport(options, warnings, report.toJson(), report.lines(), console);
 }
 
 }
