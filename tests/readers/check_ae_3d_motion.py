@@ -41,8 +41,9 @@ FAULTY: Tuple[Tuple[str, bool, bool, bool], ...] = (
 class Check:
     """Collects what is wrong and prints what was measured."""
 
-    def __init__(self, tool: Tool, scratch: Path) -> None:
+    def __init__(self, tool: Tool, source: Path, scratch: Path) -> None:
         self.tool = tool
+        self.source = source
         self.scratch = scratch
         self.failures: List[str] = []
         self.good = 0
@@ -91,6 +92,14 @@ def check_exports(check: Check) -> None:
     for name, options in cases():
         project = scene_shots.PROJECTS[name]()
         check.judge(name, check.export(name, project, options), SceneModel(project), options)
+
+
+def check_sample(check: Check) -> None:
+    """A real solve: thousands of points, a view for each frame."""
+    project = json.loads((check.source / "samples" / "castle.json").read_text(encoding="utf-8"))
+    for hierarchy in (True, False):
+        options = Options(hierarchy)
+        check.judge("castle", check.export("castle", project, options), SceneModel(project), options)
 
 
 def check_combinations(check: Check) -> None:
@@ -236,10 +245,10 @@ def main() -> int:
     if len(sys.argv) != 4:
         print(__doc__, file=sys.stderr)
         return 2
-    program, scratch = sys.argv[1], Path(sys.argv[3])
+    program, source, scratch = sys.argv[1], Path(sys.argv[2]), Path(sys.argv[3])
     scratch.mkdir(parents=True, exist_ok=True)
-    check = Check(Tool(program), scratch)
-    for part in (check_by_hand, check_bound, check_reader, check_exports, check_combinations,
+    check = Check(Tool(program), source, scratch)
+    for part in (check_by_hand, check_bound, check_reader, check_exports, check_sample, check_combinations,
                  check_faults_are_noticed):
         part(check)
     print(f"{check.good} texts are good, {len(check.failures)} failures")

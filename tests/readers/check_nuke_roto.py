@@ -43,6 +43,12 @@ class Case:
     arguments: Tuple[str, ...]
 
 
+def sample(source: Path) -> Case:
+    """Shapes on the real shot."""
+    project = json.loads((source / "samples" / "paper004-roto.json").read_text(encoding="utf-8"))
+    return Case("paper shot", Scene(project, [layer["name"] for layer in project["layers"]]), ("--layers", "all"))
+
+
 def cases() -> Tuple[Case, ...]:
     layers, stereo = shape_projects.layers(), shape_projects.stereo()
     names = [layer["name"] for layer in layers["layers"]]
@@ -129,7 +135,7 @@ def body(check: Check, source: Path) -> None:
         data = (golden / key / "out.nk").read_bytes()
         check.verdict(f"golden, {key}", judged(data, key, Scene.of_golden(golden), check.scratch))
     check_x_splines(check)
-    for case in cases():
+    for case in cases() + (sample(source),):
         check_case(check, case)
 
 
