@@ -109,6 +109,7 @@ void run(Session& session, FormatEntry const& format, ExportPlan const& plan, Wr
 void runPlan(Session& session, FormatEntry const& format, ExportPlan const& plan, WritingChoices const& writing,
              ExportRecord& record, Console& console)
 {
+    record.messagesAreFailures = format.kind() != Kind::Camera;
     try
     {
         if (plan.obstacle.isEmpty())

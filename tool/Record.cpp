@@ -9,7 +9,7 @@ void ExportRecord::fail(Failure const& failure)
 
 bool ExportRecord::hasFailedFrames() const
 {
-    return failedCount > 0 || !messages.isEmpty();
+    return failedCount > 0 || (messagesAreFailures && !messages.isEmpty());
 }
 
 nlohmann::ordered_json ExportRecord::toJson() const

@@ -31,7 +31,8 @@ struct ExportRecord
     Status status = Failed;
     std::vector<File> files;
 
-    /// Frames and layers that failed, a line each.
+    /// Frames and layers that failed, a line each; for camera formats what the user should
+    /// know of points that were exported.
     QStringList messages;
     QStringList warnings;
     QStringList notices;
@@ -39,6 +40,9 @@ struct ExportRecord
 
     /// Why it was skipped or failed.
     QString reason;
+
+    /// Whether `messages` are failures; not in the JSON.
+    bool messagesAreFailures = true;
 
     /// What the program ends with for this export alone; not in the JSON.
     ExitStatus exitStatus = Refused;

@@ -317,6 +317,32 @@ TEST_F(ExportCommand, ChosenViewIsExported)
     EXPECT_EQ(rowsOf(folder.run(command).out).value(0), "0\t960\t490");
 }
 
+// The left eye stands half a unit to the left; positions of a rig come in hundredths. The point
+// is too inaccurate, which is no failure of a frame.
+TEST_F(ExportCommand, EitherEyeOfARigIsExported)
+{
+    ProjectBuilder project(1, 200, 100);
+    project.model.views = QStringList{"left", "right"};
+    MarloHost::SolveModel solve;
+    solve.camera.focalLength.value = 36;
+    solve.stereo.emplace();
+    solve.stereo->separation.value = 1;
+    solve.features.resize(1);
+    solve.features[0].name = "set";
+    solve.features[0].points.positions = {1, 0, -1};
+    solve.features[0].points.inaccurate = {0};
+    project.model.solve = solve;
+    folder.write("rig.json", project);
+    for (auto const& [view, x] : {std::pair("left", "-10000"), std::pair("right", "10000")})
+    {
+        ToolResult const result =
+            folder.run({"export", "rig.json", "after_effects_3D_motion", "--view", view, "-o", "-"});
+        EXPECT_EQ(result.status, 0) << result.err.toStdString();
+        EXPECT_TRUE(result.out.contains("Z pixels\n\t0\t" + QByteArray(x) + "\t0\t0\n")) << view;
+        EXPECT_TRUE(result.err.contains("set: Feature 1")) << result.err.toStdString();
+    }
+}
+
 TEST_F(ExportCommand, AllWritesWhatTheProjectCanFeed)
 {
     folder.write("shot.json", movingProject());
