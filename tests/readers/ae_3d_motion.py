@@ -137,14 +137,18 @@ class Reading:
     # --- the scene that the program builds from them
 
     def reprojection(self) -> Comparison:
-        """Pixels of all nulls through the camera, both from the text alone, against those of the solve."""
-        values, errors = self.printed()
-        found = self.pixels(*values)
+        """Pixels of all nulls through the camera, both from the text alone, against those of the solve. What only
+        carries others may lie behind the camera; it is seen in them."""
         camera = Camera(self.camera.place.position, self.camera.place.rotation, self.focal_pixels())
-        world = np.stack([null.world for null in self.nulls], axis=1)
-        shown = np.stack([null.shown for null in self.nulls], axis=1)
-        labels = [f"frame {frame:g}" for frame in self.rows]
-        return reprojected(labels, self.names(), found, camera, world, spread(self.pixels, values, errors), shown)
+        seen = [i for i, null in enumerate(self.nulls) if not null.is_parent or camera.sees(null.world[:, None])]
+        values, errors = self.printed()
+        for numbers in (values, errors):
+            numbers[2] = numbers[2][:, seen]
+        found = self.pixels(*values)
+        world = np.stack([self.nulls[i].world for i in seen], axis=1)
+        shown = np.stack([self.nulls[i].shown for i in seen], axis=1)
+        labels, names = [f"frame {frame:g}" for frame in self.rows], [self.names()[i] for i in seen]
+        return reprojected(labels, names, found, camera, world, spread(self.pixels, values, errors), shown)
 
     def printed(self) -> Tuple[List[np.ndarray], List[np.ndarray]]:
         """Numbers of the camera, the lens and each null with all its parents, and how far each may be off."""

@@ -7,6 +7,7 @@ between the keys. Then faults are put into the scripts, and each has to be notic
 """
 
 import itertools
+import json
 import sys
 from dataclasses import dataclass
 from pathlib import Path

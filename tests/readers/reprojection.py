@@ -30,6 +30,14 @@ class Camera:
     rotation: np.ndarray
     focal: np.ndarray
 
+    def sees(self, points: np.ndarray) -> bool:
+        """Whether all points are well in front of the camera in all frames."""
+        try:
+            self.project(points)
+        except ProjectionError:
+            return False
+        return True
+
     def project(self, points: np.ndarray) -> np.ndarray:
         """(frames, points, 2) pixels from the middle of the picture, x right and y up, of (frames, points, 3).
 
