@@ -5,6 +5,7 @@
 
 #include <QDir>
 #include <QFileInfo>
+#include <QRegularExpression>
 
 namespace
 {
@@ -27,6 +28,14 @@ void rehearse(QString const& path)
     {
         throw Failure(Refused, QStringLiteral("Cannot write to ") + folder);
     }
+}
+
+// Notices are written for a dialog, with a few tags in them.
+QString withoutMarkup(QString text)
+{
+    static QRegularExpression const paragraph(QStringLiteral("</?p>"));
+    static QRegularExpression const tag(QStringLiteral("<[^>]*>"));
+    return text.replace(paragraph, QStringLiteral(" ")).remove(tag);
 }
 
 }
@@ -72,7 +81,8 @@ void WriteProvider::showNotices(std::vector<ExportNotice> const& notices)
 {
     for (ExportNotice const& notice : notices)
     {
-        m_record.notices += notice.title.isEmpty() ? notice.text : notice.title + QStringLiteral(": ") + notice.text;
+        QString const text = withoutMarkup(notice.text);
+        m_record.notices += notice.title.isEmpty() ? text : notice.title + QStringLiteral(": ") + text;
     }
 }
 

@@ -77,6 +77,21 @@
     </message>
 </context>
 <context>
+    <name>Export::AE3DMotionExporter</name>
+    <message>
+        <source>No 3D solution ready, please solve the scene first</source>
+        <translation>Es gibt noch keine 3D-Lösung, bitte zuerst die Szene berechnen</translation>
+    </message>
+    <message>
+        <source>Loading 3D Motion data in After Effects requires the %1 Adobe Plug-In to be installed.&lt;p&gt;If you do not have this Plug-In installed, please download it from &lt;a href=&quot;%2&quot;&gt;%2&lt;/a&gt;.</source>
+        <translation>Um 3D-Bewegungsdaten in After Effects zu laden, muss das Adobe-Plug-in %1 installiert sein.&lt;p&gt;Wenn Sie dieses Plug-in nicht installiert haben, laden Sie es bitte herunter von &lt;a href=&quot;%2&quot;&gt;%2&lt;/a&gt;.</translation>
+    </message>
+    <message>
+        <source>Static_auto_features</source>
+        <translation>Statische_Auto_Features</translation>
+    </message>
+</context>
+<context>
     <name>Export::CameraSolveExporterFactory</name>
     <message>
         <source>Invalid export format</source>

@@ -341,6 +341,9 @@ TEST_F(ExportCommand, EitherEyeOfARigIsExported)
         EXPECT_TRUE(result.out.contains("Z pixels\n\t0\t" + QByteArray(x) + "\t0\t0\n")) << view;
         EXPECT_TRUE(result.err.contains("set: Feature 1")) << result.err.toStdString();
     }
+    // What is meant for a dialog comes without its tags.
+    QByteArray const notes = folder.run({"export", "rig.json", "after_effects_3D_motion", "-o", "rig.txt"}).err;
+    EXPECT_TRUE(notes.contains("to be installed. If you") && !notes.contains('<')) << notes.toStdString();
 }
 
 TEST_F(ExportCommand, AllWritesWhatTheProjectCanFeed)
