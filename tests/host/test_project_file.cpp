@@ -2,6 +2,7 @@
 // writing loses nothing.
 
 #include "ProjectBuilder.h"
+#include "Refusals.h"
 
 #include "Host/KORV_Clip.h"
 #include "Host/KORV_Exception.h"
@@ -173,42 +174,13 @@ TEST(ProjectFile, NumbersThatJsonCannotHoldAreNotWritten)
     EXPECT_THROW(writeProject(builder.model), KORV_BadArgument);
 }
 
-struct Refusal
-{
-    char const* replace;
-    char const* by;
-    char const* path;
-    char const* cause;
-};
-
-std::ostream& operator<<(std::ostream& out, Refusal const& refusal)
-{
-    return out << refusal.by << " for " << refusal.replace;
-}
-
 class Refused : public testing::TestWithParam<Refusal>
 {
 };
 
 TEST_P(Refused, WithPathAndCauseInOneLine)
 {
-    Refusal const& refusal = GetParam();
-    QByteArray text = fullProject();
-    ASSERT_EQ(text.count(refusal.replace), 1) << refusal.replace;
-    text.replace(refusal.replace, refusal.by);
-    try
-    {
-        readProject(text, "a%1.json");
-        FAIL() << "was accepted";
-    }
-    catch (KORV_BadFile const& error)
-    {
-        QString const message = error.message();
-        EXPECT_TRUE(message.startsWith("a%1.json: " + QString(refusal.path) + ": ")) << error.what();
-        EXPECT_TRUE(message.contains(refusal.cause)) << error.what();
-        EXPECT_FALSE(message.contains('\n')) << error.what();
-        EXPECT_EQ(error.detail(), refusal.path);
-    }
+    expectRefused(fullProject(), GetParam());
 }
 
 INSTANTIATE_TEST_SUITE_P(

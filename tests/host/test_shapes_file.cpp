@@ -1,6 +1,7 @@
 // Contours and meshes in project files: what is read, written back and refused.
 
 #include "ShapeFixtures.h"
+#include "Refusals.h"
 
 #include "Host/MeshTracking.h"
 #include "Host/ShapeExporter.h"
@@ -88,40 +89,13 @@ TEST(ShapeFile, WritingLosesNothingAndLeavesDefaultsOut)
     }
 }
 
-struct Refusal
-{
-    char const* replace;
-    char const* by;
-    char const* path;
-    char const* cause;
-};
-
-std::ostream& operator<<(std::ostream& out, Refusal const& refusal)
-{
-    return out << refusal.by << " for " << refusal.replace;
-}
-
 class ShapeRefused : public testing::TestWithParam<Refusal>
 {
 };
 
 TEST_P(ShapeRefused, WithPathAndCauseInOneLine)
 {
-    Refusal const& refusal = GetParam();
-    QByteArray text = shapeProject();
-    ASSERT_EQ(text.count(refusal.replace), 1) << refusal.replace;
-    text.replace(refusal.replace, refusal.by);
-    try
-    {
-        MarloHost::readProject(text, "a%1.json");
-        FAIL() << "was accepted";
-    }
-    catch (KORV_BadFile const& error)
-    {
-        EXPECT_EQ(error.detail(), "$.layers[0]." + QString(refusal.path));
-        EXPECT_TRUE(error.message().contains(refusal.cause)) << error.what();
-        EXPECT_FALSE(error.message().contains('\n')) << error.what();
-    }
+    expectRefused(shapeProject(), GetParam(), QStringLiteral("$.layers[0]."));
 }
 
 INSTANTIATE_TEST_SUITE_P(

@@ -1,6 +1,7 @@
 // The 3D scene in a project file: what is read, what is written, what is refused.
 
 #include "SolveBuilder.h"
+#include "Refusals.h"
 
 #include "Host/KORV_Exception.h"
 
@@ -87,39 +88,13 @@ TEST(SolveFile, WhatIsDefaultIsNotWritten)
         << text.constData();
 }
 
-struct Refusal
-{
-    char const* replace;
-    char const* by;
-    char const* path;
-    char const* cause;
-};
-
-std::ostream& operator<<(std::ostream& out, Refusal const& refusal)
-{
-    return out << refusal.by << " for " << refusal.replace;
-}
-
 class SolveRefused : public testing::TestWithParam<Refusal>
 {
 };
 
 TEST_P(SolveRefused, WithPathAndCauseInOneLine)
 {
-    Refusal const& refusal = GetParam();
-    QByteArray text = fullSolve();
-    ASSERT_EQ(text.count(refusal.replace), 1) << refusal.replace;
-    text.replace(refusal.replace, refusal.by);
-    try
-    {
-        readProject(text, "a.json");
-        FAIL() << "was accepted";
-    }
-    catch (KORV_BadFile const& error)
-    {
-        EXPECT_TRUE(error.message().startsWith("a.json: " + QString(refusal.path) + ": ")) << error.what();
-        EXPECT_TRUE(error.message().contains(refusal.cause)) << error.what();
-    }
+    expectRefused(fullSolve(), GetParam());
 }
 
 INSTANTIATE_TEST_SUITE_P(
