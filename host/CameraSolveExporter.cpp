@@ -45,11 +45,19 @@ void CameraSolveExporter::copyToClipboard(Fnd::IClipboard& clipboard, QString co
 
 struct NullAccuracySource::Data
 {
-    /// Ids of points by the text id of their layer or the name of their feature set.
-    QHash<QString, QSet<unsigned int>> idsByOwner;
+    struct Point
+    {
+        /// For the user.
+        QString name;
+        bool isAskedFor = false;
+    };
 
-    /// For the user, in the order of layers and sets.
-    QStringList names;
+    /// In the order of layers and sets.
+    std::vector<Point> points;
+
+    /// Places in `points` by the text id of their layer or the name of their feature set, and
+    /// by id.
+    QHash<QString, QHash<unsigned int, std::size_t>> placeByOwner;
 
     void add(QString const& owner, QString const& ownerName, Korvane::CameraSolve::PointType type,
              MarloHost::PointCloudModel const& cloud)
@@ -57,8 +65,8 @@ struct NullAccuracySource::Data
         for (int const index : cloud.inaccurate)
         {
             auto const at = static_cast<std::size_t>(index);
-            idsByOwner[owner].insert(MarloHost::pointId(type, at));
-            names.append(ownerName + QStringLiteral(": ") + MarloHost::pointName(cloud, type, at));
+            placeByOwner[owner].insert(MarloHost::pointId(type, at), points.size());
+            points.push_back({ownerName + QStringLiteral(": ") + MarloHost::pointName(cloud, type, at), false});
         }
     }
 };
@@ -109,7 +117,11 @@ void NullAccuracySource::processNulls(QList<unsigned int> const& layerIds, KORV_
 QString NullAccuracySource::warnInaccurateNulls() const
 {
     constexpr int MOST_NAMES = 10;
-    QStringList const& names = m_data->names;
+    QStringList names;
+    for (Data::Point const& point : m_data->points)
+    {
+        names += point.isAskedFor ? QStringList(point.name) : QStringList();
+    }
     if (names.isEmpty())
     {
         return QString();
@@ -127,8 +139,13 @@ QString NullAccuracySource::warnInaccurateNulls() const
 
 bool NullAccuracySource::isInaccurate(QString const& owner, unsigned int pointId) const
 {
-    auto const found = m_data->idsByOwner.constFind(owner);
-    return found != m_data->idsByOwner.constEnd() && found->contains(pointId);
+    auto const points = m_data->placeByOwner.constFind(owner);
+    if (points == m_data->placeByOwner.constEnd() || !points->contains(pointId))
+    {
+        return false;
+    }
+    m_data->points[points->value(pointId)].isAskedFor = true;
+    return true;
 }
 
 }

@@ -112,10 +112,11 @@ public:
     void processNulls(QList<unsigned int> const& layerIds, KORV_ProjectManager const* project,
                       std::vector<Anm::View> const& views) const;
 
-    /// A warning that names them; empty when there are none.
+    /// A warning that names those of them that were asked for with isInaccurate(), which is
+    /// to say exported; empty when there are none.
     QString warnInaccurateNulls() const;
 
-    /// Whether a point is one of them.
+    /// Whether a point is one of them. The warning will name it.
     /// @param owner text id of the layer, or name of the feature set
     /// @param pointId as CameraSolve::ExporterHelper gives it
     bool isInaccurate(QString const& owner, unsigned int pointId) const;

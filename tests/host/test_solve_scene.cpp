@@ -181,7 +181,31 @@ TEST(SolveObjects, PointsHaveIdsThatTellTheirTypeAndNames)
     EXPECT_EQ(solve.helper.numPoints(std::nullopt), 0u);
 }
 
-TEST(NullAccuracy, NamesTenPointsOfTheLayersAndSetsInPlay)
+// What an exporter does with all points.
+void nameAll(KORV_ProjectManager const& project, KV::NullAccuracySource const& accuracy)
+{
+    Korvane::CameraSolve::ExporterHelper helper;
+    helper.initialise(project, Anm::View::defaultView(), KV::Layers::All(), 2147483647, false, false, true, nullptr);
+    auto const nameCurrent = [&]
+    {
+        for (unsigned int const id : helper.pointIDsToExport(std::nullopt, false))
+        {
+            helper.pointName(id, &accuracy);
+        }
+    };
+    for (unsigned int const id : helper.layerIDsToExport())
+    {
+        helper.setCurrentLayer(project.sm()->findLayer(id, false), Anm::Context::invalid(), false);
+        nameCurrent();
+    }
+    for (auto const& features : project.scene3DParameters().features())
+    {
+        helper.setCurrentFeatureSet(*features, false);
+        nameCurrent();
+    }
+}
+
+TEST(NullAccuracy, NamesTenExportedPointsOfTheLayersAndSetsInPlay)
 {
     SolveBuilder builder;
     builder.addPoints("A", {0, 0, 0, 1, 0, 0}).layer().surfacePoints->inaccurate = {1};
@@ -195,6 +219,8 @@ TEST(NullAccuracy, NamesTenPointsOfTheLayersAndSetsInPlay)
     EXPECT_EQ(accuracy.warnInaccurateNulls(), QString());
     auto project = builder.make();
     accuracy.processNulls({1}, project.get(), {});
+    EXPECT_EQ(accuracy.warnInaccurateNulls(), QString()) << "nothing was exported yet";
+    nameAll(*project, accuracy);
     QString const words = "The position of these points is too inaccurate to attach something to them: ";
     EXPECT_EQ(accuracy.warnInaccurateNulls(), words + "A: Point 2, on A: Feature 1, loose: Feature 1");
 
@@ -205,6 +231,7 @@ TEST(NullAccuracy, NamesTenPointsOfTheLayersAndSetsInPlay)
     }
     project = builder.make();
     accuracy.processNulls({}, project.get(), {});
+    nameAll(*project, accuracy);
     EXPECT_TRUE(accuracy.warnInaccurateNulls().startsWith(words + "loose: Feature 1, many: Feature 1, "));
     EXPECT_TRUE(accuracy.warnInaccurateNulls().endsWith("many: Feature 9 and 11 more"));
 }
