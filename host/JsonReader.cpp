@@ -130,23 +130,33 @@ std::vector<double> const& JsonCursor::numbers(std::size_t count) const
     return found;
 }
 
+std::vector<int> JsonCursor::integers(int least, int most) const
+{
+    return wholeNumbers(least, most, false);
+}
+
 std::vector<int> JsonCursor::ascendingIntegers(int least, int most) const
 {
-    std::vector<int> integers;
+    return wholeNumbers(least, most, true);
+}
+
+std::vector<int> JsonCursor::wholeNumbers(int least, int most, bool ascending) const
+{
+    std::vector<int> whole;
     std::vector<double> const& found = numbers();
-    integers.reserve(found.size());
+    whole.reserve(found.size());
     for (std::size_t i = 0; i < found.size(); ++i)
     {
-        bool const ascends = integers.empty() || found[i] > integers.back();
-        if (!ascends || found[i] != std::floor(found[i]) || found[i] < least || found[i] > most)
+        bool const isInOrder = !ascending || whole.empty() || found[i] > whole.back();
+        if (!isInOrder || found[i] != std::floor(found[i]) || found[i] < least || found[i] > most)
         {
-            fail(
-                QStringLiteral("element %1 is %2; expected whole numbers from %3 to %4 that ascend")
-                    .arg(QString::number(i), QString::number(found[i]), QString::number(least), QString::number(most)));
+            fail(QStringLiteral("element %1 is %2; expected whole numbers from %3 to %4%5")
+                     .arg(QString::number(i), QString::number(found[i]), QString::number(least), QString::number(most),
+                          ascending ? QStringLiteral(" that ascend") : QString()));
         }
-        integers.push_back(static_cast<int>(found[i]));
+        whole.push_back(static_cast<int>(found[i]));
     }
-    return integers;
+    return whole;
 }
 
 JsonObject::JsonObject(JsonCursor const& cursor, std::initializer_list<char const*> keys) : m_cursor(cursor)

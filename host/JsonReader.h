@@ -36,12 +36,16 @@ public:
     /// A flat array of exactly `count` numbers.
     std::vector<double> const& numbers(std::size_t count) const;
 
+    /// A flat array of whole numbers.
+    std::vector<int> integers(int least, int most) const;
+
     /// A flat array of whole numbers that ascend.
     std::vector<int> ascendingIntegers(int least, int most) const;
 
 private:
     friend class JsonObject;
     JsonCursor(JsonValue const& value, JsonCursor const& parent, std::string const* key, std::size_t index);
+    std::vector<int> wholeNumbers(int least, int most, bool ascending) const;
     [[noreturn]] void wrongType(char const* expected) const;
 
     JsonValue const* m_value;

@@ -1,5 +1,8 @@
 #include "ProjectReading.h"
 
+#include <algorithm>
+#include <numeric>
+
 namespace MarloHost
 {
 
@@ -85,6 +88,19 @@ std::vector<int> readFrames(JsonObject const& object, int defaultFirst, int fram
         numbers[i] = start + static_cast<int>(i);
     }
     return numbers;
+}
+
+void readFaces(JsonObject const& object, int vertexCount, std::vector<int>& counts, std::vector<int>& indices)
+{
+    constexpr int LEAST_VERTICES = 3;
+    JsonCursor const cursor = object.required("faceIndices");
+    counts = object.required("faceCounts").integers(LEAST_VERTICES, std::max(LEAST_VERTICES, vertexCount));
+    indices = cursor.integers(0, vertexCount - 1);
+    long long const used = std::accumulate(counts.begin(), counts.end(), 0LL);
+    if (used != static_cast<long long>(indices.size()))
+    {
+        cursor.fail(QStringLiteral("%1 indices for faces that have %2").arg(indices.size()).arg(used));
+    }
 }
 
 }

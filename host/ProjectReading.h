@@ -23,6 +23,10 @@ void readKeyed(JsonObject const& object, char const* key, int frameCount, double
 std::vector<int> readFrames(JsonObject const& object, int defaultFirst, int frameCount, std::size_t count,
                             char const* what);
 
+/// The required "faceCounts", vertices of each face, and "faceIndices", those vertices one
+/// face after another.
+void readFaces(JsonObject const& object, int vertexCount, std::vector<int>& counts, std::vector<int>& indices);
+
 /// The keys of a layer that say what its contours and its mesh are.
 void readLayerShapes(JsonObject const& object, LayerModel& layer, ClipModel const& clip, QStringList const& views);
 

@@ -4,7 +4,6 @@
 #include "ProjectReading.h"
 
 #include <algorithm>
-#include <numeric>
 
 namespace MarloHost
 {
@@ -17,20 +16,9 @@ constexpr int MAX_VERTICES = 10'000'000;
 
 std::array<int, 4> readColour(JsonCursor const& cursor)
 {
-    std::vector<double> const& numbers = cursor.numbers(4);
-    std::array<int, 4> colour;
-    for (std::size_t i = 0; i < 4; ++i)
-    {
-        if (!(numbers[i] >= 0 && numbers[i] <= 255) || numbers[i] != std::floor(numbers[i]))
-        {
-            cursor.fail(QStringLiteral("element %1 is %2; expected whole numbers from 0 to 255 for red, green, blue "
-                                       "and alpha")
-                            .arg(i)
-                            .arg(numbers[i]));
-        }
-        colour[i] = static_cast<int>(numbers[i]);
-    }
-    return colour;
+    cursor.numbers(4);
+    std::vector<int> const numbers = cursor.integers(0, 255);
+    return {numbers[0], numbers[1], numbers[2], numbers[3]};
 }
 
 void checkFarthest(JsonCursor const& cursor, std::vector<double> const& numbers)
@@ -180,37 +168,6 @@ private:
     ContourModel m_contour;
 };
 
-std::vector<int> readWhole(JsonCursor const& cursor, int least, int most, char const* what)
-{
-    std::vector<double> const& numbers = cursor.numbers();
-    std::vector<int> whole;
-    whole.reserve(numbers.size());
-    for (double const number : numbers)
-    {
-        if (!(number >= least && number <= most) || number != std::floor(number))
-        {
-            cursor.fail(QStringLiteral("element %1 is %2; expected %3 from %4 to %5")
-                            .arg(QString::number(whole.size()), QString::number(number), QLatin1String(what),
-                                 QString::number(least), QString::number(most)));
-        }
-        whole.push_back(static_cast<int>(number));
-    }
-    return whole;
-}
-
-void readFaces(JsonObject const& object, MeshModel& mesh)
-{
-    JsonCursor const counts = object.required("faceCounts");
-    JsonCursor const indices = object.required("faceIndices");
-    mesh.faceCounts = readWhole(counts, 3, mesh.vertexCount, "numbers of vertices");
-    mesh.faceIndices = readWhole(indices, 0, mesh.vertexCount - 1, "vertices");
-    long long const used = std::accumulate(mesh.faceCounts.begin(), mesh.faceCounts.end(), 0LL);
-    if (used != static_cast<long long>(mesh.faceIndices.size()))
-    {
-        indices.fail(QStringLiteral("%1 indices for faces that have %2").arg(mesh.faceIndices.size()).arg(used));
-    }
-}
-
 MeshTrackModel readMeshTrack(JsonCursor const& cursor, int vertexCount, LayerModel const& layer, ClipModel const& clip)
 {
     JsonObject const object(cursor, {"view", "frames", "firstFrame", "positions"});
@@ -238,7 +195,7 @@ MeshModel readMesh(JsonCursor const& cursor, LayerModel const& layer, ClipModel 
     JsonObject const object(cursor, {"vertexCount", "faceCounts", "faceIndices", "tracks"});
     MeshModel mesh;
     mesh.vertexCount = object.required("vertexCount").integer(3, MAX_VERTICES);
-    readFaces(object, mesh);
+    readFaces(object, mesh.vertexCount, mesh.faceCounts, mesh.faceIndices);
     QSet<QString> taken;
     JsonCursor const tracks = object.required("tracks");
     for (JsonCursor const& element : tracks.elements())

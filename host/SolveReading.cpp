@@ -3,8 +3,6 @@
 #include "ProjectReading.h"
 
 #include <algorithm>
-#include <cmath>
-#include <numeric>
 
 namespace MarloHost
 {
@@ -26,24 +24,6 @@ std::vector<double> numbersInRange(JsonCursor const& cursor, std::size_t count, 
         }
     }
     return numbers;
-}
-
-std::vector<int> wholeNumbers(JsonCursor const& cursor, int least, int most)
-{
-    std::vector<int> whole;
-    std::vector<double> const& numbers = cursor.numbers();
-    whole.reserve(numbers.size());
-    for (double const number : numbers)
-    {
-        if (number != std::floor(number) || number < least || number > most)
-        {
-            cursor.fail(QStringLiteral("element %1 is %2; expected whole numbers from %3 to %4")
-                            .arg(QString::number(whole.size()), QString::number(number), QString::number(least),
-                                 QString::number(most)));
-        }
-        whole.push_back(static_cast<int>(number));
-    }
-    return whole;
 }
 
 // The keys of a pose in an object that may have others.
@@ -116,25 +96,6 @@ QStringList readNames(JsonCursor const& cursor, int count)
     return names;
 }
 
-void readFaces(JsonObject const& object, PointCloudModel& points)
-{
-    std::optional<JsonCursor> const counts = object.optional("faceCounts");
-    std::optional<JsonCursor> const indices = object.optional("faceIndices");
-    if (!counts && !indices)
-    {
-        return;
-    }
-    int const pointCount = points.pointCount();
-    points.faceCounts = wholeNumbers(object.required("faceCounts"), 3, std::max(3, pointCount));
-    points.faceIndices = wholeNumbers(object.required("faceIndices"), 0, pointCount - 1);
-    auto const wanted = std::accumulate(points.faceCounts.begin(), points.faceCounts.end(), std::size_t{0});
-    if (wanted != points.faceIndices.size())
-    {
-        indices->fail(
-            QStringLiteral("%1 indices; the faces have %2 vertices").arg(points.faceIndices.size()).arg(wanted));
-    }
-}
-
 // The keys of solved points in an object that may have others.
 PointCloudModel readPointKeys(JsonObject const& object, int frameCount)
 {
@@ -165,7 +126,10 @@ PointCloudModel readPointKeys(JsonObject const& object, int frameCount)
     {
         points.inaccurate = inaccurate->ascendingIntegers(0, count - 1);
     }
-    readFaces(object, points);
+    if (object.optional("faceCounts") || object.optional("faceIndices"))
+    {
+        readFaces(object, count, points.faceCounts, points.faceIndices);
+    }
     if (std::optional<JsonCursor> const uvs = object.optional("uvs"))
     {
         points.uvs = uvs->numbers(2 * static_cast<std::size_t>(count));

@@ -114,7 +114,7 @@ INSTANTIATE_TEST_SUITE_P(
         Refusal{"[0, 2]", "[0, 3]", "$.layers[0].surfacePoints.inaccurate", "0 to 2"},
         Refusal{"[0, 2]", "[2, 0]", "$.layers[0].surfacePoints.inaccurate", "ascend"},
         Refusal{"[0, 1, 2]", "[0, 1, 3]", "$.layers[0].surfacePoints.faceIndices", "element 2 is 3"},
-        Refusal{"[0, 1, 2]", "[0, 1]", "$.layers[0].surfacePoints.faceIndices", "the faces have 3"},
+        Refusal{"[0, 1, 2]", "[0, 1]", "$.layers[0].surfacePoints.faceIndices", "2 indices for faces that have 3"},
         Refusal{"\"faceCounts\": [3], ", "", "$.layers[0].surfacePoints", "\"faceCounts\" is missing"},
         Refusal{"\"faceCounts\": [3]", "\"faceCounts\": [2]", "$.layers[0].surfacePoints.faceCounts", "element 0 is 2"},
         Refusal{"[0, 0, 1, 0, 0, 1]", "[0, 0, 1]", "$.layers[0].surfacePoints.uvs", "expected 6"},
