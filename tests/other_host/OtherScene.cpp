@@ -2,6 +2,7 @@
 // questions for a camera and must not ask further; whatever they ask throws.
 
 #include "Host/CameraSolveHelper.h"
+#include "Host/KORV_Layer.h"
 #include "Host/KORV_ProjectManager.h"
 #include "Host/Product.h"
 
@@ -143,6 +144,39 @@ QString Product::displayName()
 
 namespace Korvane
 {
+
+struct LayerGroup::Data
+{
+};
+LayerGroup::~LayerGroup() = default;
+QString const& LayerGroup::name() const
+{
+    noScene();
+}
+bool LayerGroup::isHidden(bool) const
+{
+    noScene();
+}
+bool LayerGroup::isSelected() const
+{
+    noScene();
+}
+LayerGroup* LayerGroup::parentGroup(bool) const
+{
+    noScene();
+}
+bool LayerGroup::isMoving() const
+{
+    noScene();
+}
+ZN::Point3DParameterSet const& LayerGroup::points() const
+{
+    noScene();
+}
+QString const& LayerGroup::textID() const
+{
+    noScene();
+}
 
 float ExporterHelperBase::focalDistance() const
 {
