@@ -8,6 +8,8 @@
 
 #include <QMap>
 
+#include <algorithm>
+
 namespace
 {
 
@@ -143,6 +145,12 @@ private:
         return counts;
     }
 
+    static int activeContours(LayerModel const& layer)
+    {
+        return static_cast<int>(std::count_if(layer.contours.begin(), layer.contours.end(),
+                                              [](MarloHost::ContourModel const& contour) { return contour.active; }));
+    }
+
     Json clipToJson(ClipModel const& clip) const
     {
         MarloHost::FrameNumbers const numbers(clip.frameOffset, clip.interlaced);
@@ -168,6 +176,8 @@ private:
                 {"lastFrame", lastShown(layer)},
                 {"referenceFrame", m_numbers.shown(layer.referenceFrame)},
                 {"trackedFrames", tracked},
+                {"contours", activeContours(layer)},
+                {"meshVertices", layer.mesh ? layer.mesh->vertexCount : 0},
                 {"hidden", layer.hidden},
                 {"selected", layer.selected},
                 {"moving", layer.moving}};
@@ -200,6 +210,14 @@ private:
         if (counts.isEmpty())
         {
             parts += QStringLiteral("not tracked");
+        }
+        if (int const contours = activeContours(layer))
+        {
+            parts += contours == 1 ? QStringLiteral("1 contour") : QStringLiteral("%1 contours").arg(contours);
+        }
+        if (layer.mesh)
+        {
+            parts += QStringLiteral("mesh of %1 vertices").arg(layer.mesh->vertexCount);
         }
         if (!layer.group.isEmpty())
         {

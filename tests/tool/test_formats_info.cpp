@@ -69,6 +69,15 @@ TEST(InfoCommand, ShowsWhatAProjectHolds)
     ProjectBuilder project = movingProject("Wall %1");
     project.model.groups.push_back({"Set", QString(), true, false, false});
     project.layer().group = "Set";
+    std::vector<double> const triangle{0, 0, 0, 9, 0, 0, 0, 0, 9, 0, 0, 0, 9, 9, 0, 0, 0, 0};
+    project.layer().contours.resize(3);
+    for (MarloHost::ContourModel& contour : project.layer().contours)
+    {
+        contour.name = "outline";
+        contour.keys = {{0, triangle, {}}};
+    }
+    project.layer().contours[1].active = false;
+    project.layer().mesh = MarloHost::MeshModel{3, {3}, {0, 1, 2}, {{"left", {0}, {0, 0, 9, 0, 9, 9}}}};
     project.model.views = QStringList{"left", "right"};
     project.track([](int) { return ProjectBuilder::identity(); }, "right");
     project.addLayer("Floor").range(1, 2);
@@ -96,13 +105,16 @@ TEST(InfoCommand, ShowsWhatAProjectHolds)
                                              {"lastFrame", 1003},
                                              {"referenceFrame", 1001},
                                              {"trackedFrames", {{"left", 3}, {"right", 3}}},
+                                             {"contours", 2},
+                                             {"meshVertices", 3},
                                              {"hidden", false},
                                              {"selected", true},
                                              {"moving", false}}));
     EXPECT_EQ(folder.run({"info", "shot.json"}).out,
               "clip   1920x1080, pixel aspect 2, 24 fps, 3 frames, shown as 1001 to 1003: clip\n"
               "views  left, right; current: left\n"
-              "layer  Wall %1: frames 1001 to 1003, 3 tracked in left, 3 tracked in right, in group Set, selected\n"
+              "layer  Wall %1: frames 1001 to 1003, 3 tracked in left, 3 tracked in right, 2 contours, mesh of 3 "
+              "vertices, in group Set, selected\n"
               "layer* Floor: frames 1002 to 1003, not tracked, hidden\n");
 }
 
