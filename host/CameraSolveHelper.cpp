@@ -3,6 +3,7 @@
 
 #include "Host/CameraSolveHelper.h"
 
+#include "Median.h"
 #include "Project.h"
 #include "SolvePoints.h"
 #include "SolveSpace.h"
@@ -74,17 +75,6 @@ bool differ(MarloHost::KeyedNumber const& number)
 {
     return std::any_of(number.values.begin(), number.values.end(),
                        [&](double value) { return value != number.values.front(); });
-}
-
-double median(std::vector<double>& numbers)
-{
-    if (numbers.empty())
-    {
-        return 0.0;
-    }
-    auto const middle = numbers.begin() + static_cast<std::ptrdiff_t>(numbers.size() / 2);
-    std::nth_element(numbers.begin(), middle, numbers.end());
-    return numbers.size() % 2 != 0 ? *middle : 0.5 * (*middle + *std::max_element(numbers.begin(), middle));
 }
 
 }
@@ -554,7 +544,7 @@ double ExporterHelper::suggestPointScale(bool includeLayers, bool includeFeature
             add(*features->data().carrier, cloudsOf(*features));
         }
     }
-    return median(distances);
+    return distances.empty() ? 0.0 : MarloHost::median(distances);
 }
 
 bool ExporterHelper::isOldSolveData() const

@@ -1,5 +1,6 @@
 // From a COLMAP model to a project.
 
+#include "Median.h"
 #include "marlohost/ClipLens.h"
 #include "marlohost/ColmapModel.h"
 
@@ -23,13 +24,6 @@ constexpr double FILM_WIDTH = FilmBackModel().width;
 
 /// What is reported and what isn't: the bound that exports are held to.
 constexpr double VISIBLE_PIXELS = 0.05;
-
-QString fixed(double value)
-{
-    QString text;
-    Text::appendFixed(text, value, 2);
-    return text;
-}
 
 /// A number of the camera for each image; keyed where it changes.
 template <typename Value>
@@ -244,7 +238,7 @@ void warnOfOtherShapes(std::vector<Camera const*> const& used, double pixelAspec
         warnings += QStringLiteral("the cameras disagree about the shape of a pixel; with the pixel aspect %1 the "
                                    "camera of the scene is off by up to %2 pixels at the upper and lower edge")
                         .arg(pixelAspect)
-                        .arg(fixed(most));
+                        .arg(Text::fixedText(most, 2));
     }
 }
 
@@ -333,7 +327,7 @@ void notePrincipalPoint(std::vector<Camera const*> const& used, ColmapProject& r
         result.warnings +=
             QStringLiteral("the principal point lies off the middle of the picture, by %1 pixels to the right and %2 "
                            "down; the camera of the scene looks through the middle, so move its picture by as much")
-                .arg(fixed(result.principalRight), fixed(result.principalDown));
+                .arg(Text::fixedText(result.principalRight, 2), Text::fixedText(result.principalDown, 2));
     }
 }
 
@@ -384,9 +378,7 @@ std::optional<double> medianErrorOf(std::vector<Point> const& points)
     {
         return std::nullopt;
     }
-    auto const middle = errors.begin() + static_cast<std::ptrdiff_t>(errors.size() / 2);
-    std::nth_element(errors.begin(), middle, errors.end());
-    return errors.size() % 2 == 1 ? *middle : (*middle + *std::max_element(errors.begin(), middle)) / 2;
+    return median(errors);
 }
 
 FeatureSetModel featuresOf(ColmapModel const& model, std::optional<double> const& medianError)

@@ -59,13 +59,6 @@ std::pair<double, double> extent(KeyedNumber const& number)
     return {*least, *most};
 }
 
-QString fixed(double value)
-{
-    QString text;
-    Text::appendFixed(text, value, 2);
-    return text;
-}
-
 QString orNone(QStringList const& list)
 {
     return list.isEmpty() ? QStringLiteral("none") : list.join(QStringLiteral(", "));
@@ -124,16 +117,17 @@ struct ColmapReport
     QString focalText() const
     {
         auto const [least, most] = focalLength();
-        QString const text = fixed(least);
-        return (least == most ? text : text + QStringLiteral(" to ") + fixed(most)) + QStringLiteral(" mm");
+        QString const text = Text::fixedText(least, 2);
+        return (least == most ? text : text + QStringLiteral(" to ") + Text::fixedText(most, 2)) +
+               QStringLiteral(" mm");
     }
 
     QStringList lines() const
     {
         ColmapModel::Image const& first = model.images.front();
         ColmapModel::Image const& last = model.images.back();
-        QString const error =
-            result.medianError ? fixed(*result.medianError) + QStringLiteral(" px") : QStringLiteral("unknown");
+        QString const error = result.medianError ? Text::fixedText(*result.medianError, 2) + QStringLiteral(" px")
+                                                 : QStringLiteral("unknown");
         return {path,
                 QStringLiteral("images: %1 of %2x%3, footage: %4")
                     .arg(model.images.size())
@@ -150,7 +144,7 @@ struct ColmapReport
                                "the middle by %3, %4 px (right, down)")
                     .arg(focalText())
                     .arg(clip().pixelAspect)
-                    .arg(fixed(result.principalRight), fixed(result.principalDown)),
+                    .arg(Text::fixedText(result.principalRight, 2), Text::fixedText(result.principalDown, 2)),
                 QStringLiteral("lens: ") + orNone(lensTerms(clip())),
                 QStringLiteral("left out: ") + orNone(result.leftOut)};
     }

@@ -289,4 +289,18 @@ bool isWritable(double value)
     return kind == FP_NORMAL || kind == FP_ZERO;
 }
 
+QString generalText(double value)
+{
+    QString text;
+    appendGeneral(text, value);
+    return text;
+}
+
+QString fixedText(double value, int decimals)
+{
+    QString text;
+    appendFixed(text, value, decimals);
+    return text;
+}
+
 }

@@ -22,6 +22,10 @@ void appendGeneral(QByteArray& out, double value);
 void appendFixed(QString& out, double value, int decimals);
 void appendFixed(QByteArray& out, double value, int decimals);
 
+/// The same texts by themselves, for the odd number outside of a long run of them.
+QString generalText(double value);
+QString fixedText(double value, int decimals);
+
 /// `QString::number(value)` of an integer.
 void appendInteger(QString& out, long long value);
 void appendInteger(QByteArray& out, long long value);

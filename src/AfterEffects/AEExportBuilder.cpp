@@ -52,17 +52,13 @@ void AEExportBuilder::addLine(QString const& line)
 
 void AEExportBuilder::addExportHeader(float fps, unsigned int width, unsigned int height, double pixelAspect)
 {
-    QString aspect;
-    Text::appendGeneral(aspect, pixelAspect);
-    QString rate;
-    Text::appendGeneral(rate, static_cast<double>(fps));
-
+    QString const aspect = Text::generalText(pixelAspect);
     auto const addField = [this](char const* name, QString const& value)
     { addLine(SEPARATOR() + QLatin1String(name) + SEPARATOR() + value); };
 
     addLine(m_title);
     addLine(QString());
-    addField("Units Per Second", rate);
+    addField("Units Per Second", Text::generalText(static_cast<double>(fps)));
     addField("Source Width", QString::number(width));
     addField("Source Height", QString::number(height));
     addField("Source Pixel Aspect Ratio", aspect);

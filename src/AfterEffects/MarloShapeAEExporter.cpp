@@ -23,6 +23,7 @@
 
 #include "AfterEffects/AEExportBuilder.h"
 #include "Core/ThrowHelpers.h"
+#include "Core/TrackingSetup.h"
 #include "Host/ExporterHelper.h"
 #include "Host/KORV_Clip.h"
 #include "Host/KORV_Layer.h"
@@ -44,8 +45,6 @@ namespace
 
 using HomographyMap = Korvane::Contour::HomographyMap;
 using Components = QVector<Korvane::HomographyComponents>;
-
-constexpr int UNLIMITED = 2147483647;
 
 /// What the importer plug-in calls the blend modes of a mask.
 enum MaskMode
@@ -102,8 +101,7 @@ struct MaskLayer
               int framesToExport)
         : project(ofProject), layer(ofLayer), view(inView)
     {
-        helper.initialiseWithPMAndRange(project, layer.numericID(), view, framesToExport,
-                                        Anm::Time::fromInt(-UNLIMITED), Anm::Time::fromInt(UNLIMITED), false);
+        coverWholeLayer(helper, project, layer.numericID(), view, framesToExport);
         helper.setClip(clipOf(project, layer, layer.trackingInputClipID(true, false, true)));
         motion = Korvane::ShapeExportHelper::buildHomogMap(project, layer, view);
         first = static_cast<int>(helper.firstFrame().value());
@@ -309,13 +307,6 @@ void writeStatic(AEExportBuilder& builder, char const* name, QString const& valu
     builder.addStaticValue(value);
 }
 
-QString generalText(double value)
-{
-    QString text;
-    Text::appendGeneral(text, value);
-    return text;
-}
-
 void writeShape(AEExportBuilder& builder, MaskLayer const& masks, Mask const& mask, int piece)
 {
     KORV_Layer const& layer = masks.layer;
@@ -327,8 +318,8 @@ void writeShape(AEExportBuilder& builder, MaskLayer const& masks, Mask const& ma
     writeOpacity(builder, masks);
     writeStatic(builder, "Layer name", layer.name());
     ZN::FilmType const& film = masks.clip().filmType();
-    writeStatic(builder, "Film-back width", generalText(film.filmBackWidth()));
-    writeStatic(builder, "Film-back height", generalText(film.filmBackHeight()));
+    writeStatic(builder, "Film-back width", Text::generalText(film.filmBackWidth()));
+    writeStatic(builder, "Film-back height", Text::generalText(film.filmBackHeight()));
     QColor const colour = layer.colour();
     writeStatic(
         builder, MarloShapeAEExporter::SHAPE_COLOUR_NAME,
@@ -354,8 +345,7 @@ std::shared_ptr<QMap<QString, QByteArray>> MarloShapeAEExporter::exportShape(KOR
     bool hasHeader = false;
     for (auto const& layer : Korvane::ShapeExportHelper::getLayersToExport(project, options.layerExportMode, layerIds))
     {
-        if (!Korvane::ExporterHelperBase::layerIsWithinProject(
-                project, layer->numericID(), Anm::Time::fromInt(-UNLIMITED), Anm::Time::fromInt(UNLIMITED), false))
+        if (!isLayerInProject(project, layer->numericID()))
         {
             continue;
         }

@@ -9,12 +9,31 @@
 namespace Export
 {
 
+namespace
+{
+
+// In both directions: what callers of the host pass for "no limit".
+constexpr int UNLIMITED = 2147483647;
+
+}
+
+void coverWholeLayer(Korvane::ExporterHelperBase& helper, KORV_ProjectManager const& project, unsigned int layerId,
+                     Anm::View const& view, int framesToExport)
+{
+    helper.initialiseWithPMAndRange(project, layerId, view, framesToExport, Anm::Time::fromInt(-UNLIMITED),
+                                    Anm::Time::fromInt(UNLIMITED), false);
+}
+
+bool isLayerInProject(KORV_ProjectManager const& project, unsigned int layerId)
+{
+    return Korvane::ExporterHelperBase::layerIsWithinProject(project, layerId, Anm::Time::fromInt(-UNLIMITED),
+                                                             Anm::Time::fromInt(UNLIMITED), false);
+}
+
 void setUpTrackingHelper(Korvane::TrackingExporterHelper& helper, KORV_ProjectManager& project, unsigned int layerId,
                          Anm::View const& view, int framesToExport)
 {
-    constexpr int UNLIMITED = 2147483647;
-    helper.initialiseWithPMAndRange(project, layerId, view, framesToExport, Anm::Time::fromInt(-UNLIMITED),
-                                    Anm::Time::fromInt(UNLIMITED), false);
+    coverWholeLayer(helper, project, layerId, view, framesToExport);
     KORV_Layer const* const layer = project.pGetSelectionManager()->layerFromNumericID(layerId, false);
     if (!layer)
     {

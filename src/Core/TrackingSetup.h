@@ -1,5 +1,5 @@
 #pragma once
-// What every tracking exporter does at the start and at the end of an export.
+// What exporters of layers do at the start and at the end of an export.
 
 #include "Core/ExportApi.h"
 #include "Host/ExportedFiles.h"
@@ -15,11 +15,20 @@ class View;
 }
 namespace Korvane
 {
+class ExporterHelperBase;
 class TrackingExporterHelper;
 }
 
 namespace Export
 {
+
+/// Points the helper at the whole range of a layer.
+/// @param framesToExport from the options of the export
+void coverWholeLayer(Korvane::ExporterHelperBase& helper, KORV_ProjectManager const& project, unsigned int layerId,
+                     Anm::View const& view, int framesToExport);
+
+/// Whether the layer has any frame in the project.
+bool isLayerInProject(KORV_ProjectManager const& project, unsigned int layerId);
 
 /// Points the helper at the whole range of a layer, on the clip that the layer was
 /// tracked on.

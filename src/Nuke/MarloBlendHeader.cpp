@@ -14,13 +14,6 @@ namespace MarloBlend
 namespace
 {
 
-QString generalText(double value)
-{
-    QString text;
-    Text::appendGeneral(text, value);
-    return text;
-}
-
 /// What the header says of a clip.
 struct Source
 {
@@ -60,11 +53,11 @@ std::vector<Field> fields(KORV_ProjectManager const& project, ZN_BaseClipInfo co
     return {{"Project Frame Offset", QString::number(project.frameOffset())},
             {"Project In Point", QString::number(project.playbackInPoint(false))},
             {"Source Frame Offset", QString::number(source.frameOffset)},
-            {"Units Per Second", generalText(project.frameRate())},
+            {"Units Per Second", Text::generalText(project.frameRate())},
             {"Source Width", QString::number(source.width)},
             {"Source Height", QString::number(source.height)},
-            {"Source Pixel Aspect Ratio", generalText(source.pixelAspect)},
-            {"Comp Pixel Aspect Ratio", generalText(project.projProps().par())}};
+            {"Source Pixel Aspect Ratio", Text::generalText(source.pixelAspect)},
+            {"Comp Pixel Aspect Ratio", Text::generalText(project.projProps().par())}};
 }
 
 QString line(Field const& field)

@@ -28,6 +28,7 @@
 #include "Nuke/NukeRotoExporterBase.h"
 
 #include "Core/ThrowHelpers.h"
+#include "Core/TrackingSetup.h"
 #include "Host/Contour.h"
 #include "Host/ExporterHelper.h"
 #include "Host/KORV_ProjectManager.h"
@@ -60,8 +61,6 @@ constexpr char LAYER_ATTRIBUTES[] =
     "\"ft\" S 0 0\n"
     "   }\n";
 
-constexpr int UNLIMITED = 2147483647;
-
 /// What a QByteArray can hold, with a little room for its own record.
 constexpr qint64 LARGEST_TEXT = std::numeric_limits<int>::max() - 64;
 
@@ -72,13 +71,6 @@ constexpr qint64 LEAST_KEY = 21;
 constexpr qint64 USUAL_KEY = 44;
 
 constexpr unsigned int OUTLINE_FLAGS = Korvane::ShapeInPixels | Korvane::ShapeWithBlur | Korvane::ShapeXSplinesToBezier;
-
-void setUp(Korvane::TrackingExporterHelper& helper, KORV_ProjectManager const& project, KORV_Layer const& layer,
-           Anm::View const& view, int framesToExport)
-{
-    helper.initialiseWithPMAndRange(project, layer.numericID(), view, framesToExport, Anm::Time::fromInt(-UNLIMITED),
-                                    Anm::Time::fromInt(UNLIMITED), false);
-}
 
 /// How many keys the points of all contours have together.
 qint64 pointKeyCount(Korvane::ExportedShape const& shape)
@@ -254,8 +246,7 @@ NukeRotoExporterBase::plannedNodes(KORV_ProjectManager const& project,
     {
         KORV_Layer const& layer = **it;
         if ((options.layerExportMode == ZN::VisibleLayers && layer.isHidden(true)) ||
-            !Korvane::ExporterHelperBase::layerIsWithinProject(
-                project, layer.numericID(), Anm::Time::fromInt(-UNLIMITED), Anm::Time::fromInt(UNLIMITED), false))
+            !isLayerInProject(project, layer.numericID()))
         {
             continue;
         }
@@ -275,7 +266,7 @@ qint64 NukeRotoExporterBase::leastSize(KORV_ProjectManager const& project, Layer
                                        Options const& options) const
 {
     Korvane::TrackingExporterHelper helper;
-    setUp(helper, project, *node.layer, node.view, options.framesToExport);
+    coverWholeLayer(helper, project, node.layer->numericID(), node.view, options.framesToExport);
     qint64 const keys = m_withMatrix ? std::min(helper.numFrames(), 2) : helper.numFrames();
     qint64 points = 0;
     for (boost::shared_ptr<Korvane::Contour const> const& contour : node.layer->activeContours())
@@ -300,7 +291,7 @@ unsigned int NukeRotoExporterBase::layerToStr(QByteArray& out, KORV_ProjectManag
                                               QString const& name, unsigned int framesToExport, bool viewMode) const
 {
     Korvane::TrackingExporterHelper helper;
-    setUp(helper, project, layer, view, static_cast<int>(framesToExport));
+    coverWholeLayer(helper, project, layer.numericID(), view, static_cast<int>(framesToExport));
     Korvane::ExportedShape const shape(
         project, static_cast<int>(helper.firstFrame().value()), static_cast<int>(helper.lastFrame().value()), layer,
         view, OUTLINE_FLAGS | (m_withMatrix ? Korvane::ShapeMotionApart : 0U), 1.0, QPointF(0, 0), viewMode);
