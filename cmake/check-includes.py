@@ -11,6 +11,7 @@ import sys
 
 INCLUDE = re.compile(r'^\s*#\s*include\s+"([^"]+)"', re.M)
 PLATFORM = {"text", "mtx", "fbx", "usd", "kestrelia"}
+HOST_ROOMS = {"model", "file", "import", "plane", "shapes", "scene"}
 
 # folder -> folders whose classes it derives from or builds with
 CROSS = {
@@ -40,7 +41,7 @@ def target_of(include):
         return "platform"
     if first == "Host":
         return "Host"
-    if first == "marlohost":
+    if first == "marlohost" or first in HOST_ROOMS:
         return "host"
     return "export"
 

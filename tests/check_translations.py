@@ -21,7 +21,7 @@ def stale(ts_file, lupdate, source_dir, scratch):
     """Translations of texts that the sources no longer have, as lupdate sees it."""
     copy = scratch / ts_file.name
     shutil.copy(ts_file, copy)
-    sources = [source_dir / "src", source_dir / "host" / "CameraSolveExporter.cpp"]
+    sources = [source_dir / "src", source_dir / "host" / "scene" / "CameraSolveExporter.cpp"]
     subprocess.run([lupdate, "-silent", *sources, "-ts", copy], check=True)
     for message in ElementTree.parse(copy).iter("message"):
         if message.find("translation").get("type") in ("vanished", "obsolete"):

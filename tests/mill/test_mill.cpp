@@ -95,7 +95,7 @@ Korvane::ExportedFiles exported(Format const& format, ProjectBuilder const& buil
 ProjectBuilder smallProject()
 {
     ProjectBuilder builder;
-    builder.model = MarloHost::readProjectFile(MARLO_SOURCE_DIR "/tests/golden/project.json");
+    builder.model = MarloHost::readProjectFile(MARLO_SOURCE_DIR "/tests/formats/project.json");
     return builder;
 }
 
@@ -346,9 +346,26 @@ TEST_P(Mill, AnEmptyLayerIsSaidAndDoesNoHarm)
     EXPECT_EQ(result.messages, QStringList(target + ": Layer \"Poster\" has no tracking data"));
 }
 
+/// The folders of goldens by key: tests/formats/FAMILY/golden/KEY.
+QMap<QString, QString> goldenFolders()
+{
+    QMap<QString, QString> folders;
+    QDir const formats(MARLO_SOURCE_DIR "/tests/formats");
+    for (QString const& family : formats.entryList(QDir::Dirs | QDir::NoDotAndDotDot))
+    {
+        QDir const goldens(formats.filePath(family + "/golden"));
+        for (QString const& key : goldens.entryList(QDir::Dirs | QDir::NoDotAndDotDot))
+        {
+            folders.insert(key, goldens.filePath(key));
+        }
+    }
+    return folders;
+}
+
 TEST_P(Mill, TextEqualsItsGolden)
 {
-    QString const golden = QString(MARLO_SOURCE_DIR "/tests/golden/") + GetParam().key;
+    QString const golden = goldenFolders().value(GetParam().key);
+    ASSERT_FALSE(golden.isEmpty()) << "no folder tests/formats/FAMILY/golden/" << GetParam().key.toStdString();
     QString const target = "/golden/out" + GetParam().extension;
     auto const result = exported(GetParam(), smallProject(), target);
     if (qEnvironmentVariableIsSet("MARLO_UPDATE_GOLDENS"))
@@ -384,10 +401,7 @@ TEST(MillItself, GoldensAndOfferedFormatsAreTheSame)
         keys.append(format.key);
     }
     keys.sort();
-    QStringList folders = QDir(MARLO_SOURCE_DIR "/tests/golden").entryList(QDir::Dirs | QDir::NoDotAndDotDot);
-    folders.removeAll("printed");
-    folders.sort();
-    EXPECT_EQ(folders, keys);
+    EXPECT_EQ(goldenFolders().keys(), keys);
 }
 
 // The two documents that the format's description prints, byte for byte.
@@ -402,14 +416,14 @@ TEST(Printed, TransformAndCornerPinDocuments)
                               : ProjectBuilder::similarity(960, 540, -1.5 * 3.141592653589793 / 180, 1.005, 1.5, -0.25);
         });
     EXPECT_TRUE(sameBytes(
-        fileContent(MARLO_SOURCE_DIR "/tests/golden/printed/after_effects_transform.txt"),
+        fileContent(MARLO_SOURCE_DIR "/tests/formats/AfterEffects/printed/after_effects_transform.txt"),
         exported({Preset::ExportInfo::Tracking, "after_effects_transform", ".txt"}, transform, "p").files.value("p")));
 
     ProjectBuilder pin(2);
     pin.addLayer("A", {100, 50, 200, 50, 100, 100, 200, 100});
     pin.track([](int frame) { return ProjectBuilder::translation(frame, -0.5 * frame); });
     EXPECT_TRUE(sameBytes(
-        fileContent(MARLO_SOURCE_DIR "/tests/golden/printed/after_effects_corner_pin.txt"),
+        fileContent(MARLO_SOURCE_DIR "/tests/formats/AfterEffects/printed/after_effects_corner_pin.txt"),
         exported({Preset::ExportInfo::Tracking, "after_effects_corner_pin", ".txt"}, pin, "p").files.value("p")));
 }
 

@@ -1,0 +1,5 @@
+#include "Host/PluginHost.h"
+
+TXIHost::~TXIHost() = default;
+
+Korvane::PluginHost::~PluginHost() = default;
