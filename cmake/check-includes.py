@@ -2,8 +2,9 @@
 """Fails on an include against the arrow platform <- host <- export <- tool.
 
 Rooms are told by folder. A target folder of src/ (AfterEffects, Nuke, ...) may
-include Host, Core's descriptors and its own folder; where one class derives from
-or builds with another folder's, the pair is listed in CROSS.
+include Host, Writing, Core's descriptors and its own folder; where one class derives
+from or builds with another folder's, the pair is listed in CROSS. A folder inside of
+one of src/ is private to it, and so are the rooms of host/.
 """
 import pathlib
 import re
@@ -21,7 +22,7 @@ CROSS = {
     "Motion": {"FinalCut"},
 }
 # What a target folder may take of Core; the composition roots are Core's own.
-CORE_FOR_TARGETS = {"TrackingSetup.h", "ExportApi.h", "DataFormat.h", "ThrowHelpers.h", "LensExporter.h", "ExportEnvironment.h"}
+CORE_FOR_TARGETS = {"ExportApi.h", "DataFormat.h", "LensExporter.h", "ExportEnvironment.h"}
 
 
 def room(path):
@@ -41,15 +42,17 @@ def target_of(include):
         return "platform"
     if first == "Host":
         return "Host"
-    if first == "marlohost" or first in HOST_ROOMS:
+    if first == "marlohost":
         return "host"
+    if first in HOST_ROOMS:
+        return "host room"
     return "export"
 
 
 ALLOWED = {
     "platform": {"platform"},
     "Host": {"platform", "Host"},
-    "host": {"platform", "Host", "host"},
+    "host": {"platform", "Host", "host", "host room"},
     "export": {"platform", "Host", "export"},
     "tool": {"platform", "Host", "host", "export", "tool"},
 }
@@ -70,12 +73,16 @@ def faults(root):
                     continue
                 if kind not in ALLOWED[here]:
                     yield f'{inside}: {here} must not include "{include}"'
-                elif here == "export" and kind == "export" and inside.parts[1] != "Core":
+                elif kind == "export":
                     folder_of, file = include.split("/", 1)
-                    own = inside.parts[1]
-                    if folder_of == "Core" and file not in CORE_FOR_TARGETS:
-                        yield f'{inside}: a target folder must not include "{include}"'
-                    elif folder_of not in {"Core", own} | CROSS.get(own, set()):
+                    own = inside.parts[1] if here == "export" else here
+                    if own != folder_of and "/" in file:
+                        yield f'{inside}: "{include}" is private to {folder_of}'
+                    elif own in {"Core", "tool"}:
+                        continue
+                    elif folder_of == "Core" and file not in CORE_FOR_TARGETS:
+                        yield f'{inside}: {own} must not include "{include}"'
+                    elif folder_of not in {"Core", "Writing", own} | CROSS.get(own, set()):
                         yield f'{inside}: {own} must not include "{include}"'
 
 

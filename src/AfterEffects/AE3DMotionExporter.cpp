@@ -19,7 +19,7 @@
 
 #include "AfterEffects/AE3DMotionExporter.h"
 
-#include "Core/ThrowHelpers.h"
+#include "Writing/ThrowHelpers.h"
 #include "Host/KORV_Layer.h"
 #include "Host/PluginHost.h"
 #include "Host/Product.h"

@@ -11,7 +11,7 @@
 
 #include "AfterEffects/AECornerPinExporters.h"
 
-#include "Core/TrackingSetup.h"
+#include "Writing/TrackingSetup.h"
 #include "Host/KORV_ProjectManager.h"
 #include "Host/Product.h"
 #include "Host/ZN_ClipInfo.h"

@@ -23,7 +23,7 @@
 
 #include "AfterEffects/AETransformExporter.h"
 
-#include "Core/TrackingSetup.h"
+#include "Writing/TrackingSetup.h"
 #include "Host/KORV_ProjectManager.h"
 #include "Host/ZN_ClipInfo.h"
 

@@ -22,8 +22,8 @@
 #include "AfterEffects/MarloShapeAEExporter.h"
 
 #include "AfterEffects/AEExportBuilder.h"
-#include "Core/ThrowHelpers.h"
-#include "Core/TrackingSetup.h"
+#include "Writing/ThrowHelpers.h"
+#include "Writing/TrackingSetup.h"
 #include "Host/ExporterHelper.h"
 #include "Host/KORV_Clip.h"
 #include "Host/KORV_Layer.h"

@@ -12,7 +12,7 @@
 #include "Nuke/MarloBlendExporter.h"
 
 #include "Host/KORV_ProjectManager.h"
-#include "Nuke/MarloBlendHeader.h"
+#include "Nuke/parts/MarloBlendHeader.h"
 
 namespace Export
 {

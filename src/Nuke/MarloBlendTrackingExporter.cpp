@@ -10,10 +10,10 @@
 
 #include "Nuke/MarloBlendTrackingExporter.h"
 
-#include "Core/TrackingSetup.h"
+#include "Writing/TrackingSetup.h"
 #include "Host/KORV_Layer.h"
 #include "Host/KORV_ProjectManager.h"
-#include "Nuke/MarloBlendHeader.h"
+#include "Nuke/parts/MarloBlendHeader.h"
 
 #include <stdexcept>
 

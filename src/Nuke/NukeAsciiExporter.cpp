@@ -8,8 +8,8 @@
 #include "Nuke/NukeAsciiExporter.h"
 
 #include "Core/DataFormat.h"
-#include "Core/ThrowHelpers.h"
-#include "Core/TrackingSetup.h"
+#include "Writing/ThrowHelpers.h"
+#include "Writing/TrackingSetup.h"
 #include "Host/KORV_Layer.h"
 #include "Host/KORV_ProjectManager.h"
 #include "text/NumberText.h"

@@ -13,7 +13,7 @@
 
 #include "Nuke/NukeCornerPinExporter.h"
 
-#include "Nuke/NukeTemplate.h"
+#include "Nuke/parts/NukeTemplate.h"
 
 namespace Export
 {

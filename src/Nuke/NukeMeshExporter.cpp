@@ -8,7 +8,7 @@
 #include "Host/KORV_ProjectManager.h"
 #include "Host/MeshTracking.h"
 #include "Host/ZN_ClipInfo.h"
-#include "Nuke/NukeTrackerNode.h"
+#include "Nuke/parts/NukeTrackerNode.h"
 
 namespace Export
 {

@@ -27,8 +27,8 @@
 
 #include "Nuke/NukeRotoExporterBase.h"
 
-#include "Core/ThrowHelpers.h"
-#include "Core/TrackingSetup.h"
+#include "Writing/ThrowHelpers.h"
+#include "Writing/TrackingSetup.h"
 #include "Host/Contour.h"
 #include "Host/ExporterHelper.h"
 #include "Host/KORV_ProjectManager.h"

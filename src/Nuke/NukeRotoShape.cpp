@@ -19,7 +19,7 @@
 
 #include "Nuke/NukeRotoExporterBase.h"
 
-#include "Core/ThrowHelpers.h"
+#include "Writing/ThrowHelpers.h"
 #include "Host/ExporterHelper.h"
 #include "Host/KORV_ProjectManager.h"
 #include "text/Names.h"

@@ -4,7 +4,7 @@
 
 #include "Nuke/NukeTrackerExporter.h"
 
-#include "Nuke/NukeTrackerNode.h"
+#include "Nuke/parts/NukeTrackerNode.h"
 
 namespace Export
 {

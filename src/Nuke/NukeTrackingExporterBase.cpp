@@ -1,7 +1,7 @@
 #include "Nuke/NukeTrackingExporterBase.h"
 
-#include "Core/ThrowHelpers.h"
-#include "Core/TrackingSetup.h"
+#include "Writing/ThrowHelpers.h"
+#include "Writing/TrackingSetup.h"
 #include "Host/KORV_Layer.h"
 #include "Host/KORV_ProjectManager.h"
 

@@ -1,5 +1,5 @@
 #include "Core/ExporterFactories.h"
-#include "Core/ExporterMap.h"
+#include "Core/formats/ExporterMap.h"
 #include "CoreFixtures.h"
 
 using namespace Export;

@@ -1,6 +1,6 @@
-#include "Core/TrackingSetup.h"
+#include "Writing/TrackingSetup.h"
 
-#include "Core/ThrowHelpers.h"
+#include "Writing/ThrowHelpers.h"
 #include "Host/ExporterHelper.h"
 #include "Host/KORV_Layer.h"
 #include "Host/KORV_ProjectManager.h"

@@ -1,4 +1,4 @@
-#include "Core/PresetJson.h"
+#include "Core/presets/PresetJson.h"
 
 #include "Core/PresetJsonException.h"
 

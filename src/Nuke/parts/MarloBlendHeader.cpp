@@ -1,4 +1,4 @@
-#include "Nuke/MarloBlendHeader.h"
+#include "Nuke/parts/MarloBlendHeader.h"
 
 #include "Host/KORV_Clip.h"
 #include "Host/KORV_Layer.h"

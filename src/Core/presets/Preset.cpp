@@ -1,8 +1,8 @@
 #include "Core/Preset.h"
 
-#include "Core/PresetJson.h"
+#include "Core/presets/PresetJson.h"
 #include "Core/PresetJsonException.h"
-#include "Core/ThrowHelpers.h"
+#include "Writing/ThrowHelpers.h"
 #include "Host/Fnd.h"
 #include "text/PartFile.h"
 

@@ -3,7 +3,7 @@
 // format means adding its row there.
 
 #include "Core/DataFormat.h"
-#include "Core/ExporterMap.h"
+#include "Core/formats/ExporterMap.h"
 
 #include <vector>
 

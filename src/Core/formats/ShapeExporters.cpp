@@ -1,6 +1,6 @@
 // Every exporter of shape data. A new one is a line here, in the order of the formats.
 
-#include "Core/ExporterTables.h"
+#include "Core/formats/ExporterTables.h"
 
 #include "AfterEffects/MarloShapeAEExporter.h"
 #include "Host/ShapeExporter.h"

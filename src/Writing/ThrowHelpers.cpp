@@ -1,4 +1,4 @@
-#include "Core/ThrowHelpers.h"
+#include "Writing/ThrowHelpers.h"
 
 #include "Host/KORV_Exception.h"
 

@@ -1,9 +1,9 @@
 #include "Core/DataFormat.h"
 
 #include "Core/ExporterFactories.h"
-#include "Core/ExporterMap.h"
-#include "Core/FormatTable.h"
-#include "Core/ThrowHelpers.h"
+#include "Core/formats/ExporterMap.h"
+#include "Core/formats/FormatTable.h"
+#include "Writing/ThrowHelpers.h"
 
 #include <QStringList>
 

@@ -1,7 +1,7 @@
 // Every exporter of tracking data. A new one is a line here, in the order of the
 // formats.
 
-#include "Core/ExporterTables.h"
+#include "Core/formats/ExporterTables.h"
 
 #include "AfterEffects/AECornerPinExporters.h"
 #include "AfterEffects/AETransformExporter.h"

@@ -3,7 +3,7 @@
 // from a table of rows and narrowed to what product and plug-in host offer.
 
 #include "Core/DataFormat.h"
-#include "Core/ThrowHelpers.h"
+#include "Writing/ThrowHelpers.h"
 #include "Host/PluginHost.h"
 
 #include <QByteArray>

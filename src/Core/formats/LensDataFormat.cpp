@@ -1,6 +1,6 @@
 #include "Core/DataFormat.h"
 
-#include "Core/FormatTable.h"
+#include "Core/formats/FormatTable.h"
 
 #include <utility>
 

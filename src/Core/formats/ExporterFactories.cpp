@@ -1,7 +1,7 @@
 #include "Core/ExporterFactories.h"
 
-#include "Core/ExporterMap.h"
-#include "Core/ExporterTables.h"
+#include "Core/formats/ExporterMap.h"
+#include "Core/formats/ExporterTables.h"
 #include "Host/CameraSolveExporter.h"
 #include "Host/Product.h"
 #include "Host/ShapeExporter.h"

@@ -16,9 +16,9 @@
 //
 // with a blank ahead of the ends of the lines of the table.
 
-#include "Nuke/NukeTrackerNode.h"
+#include "Nuke/parts/NukeTrackerNode.h"
 
-#include "Nuke/NukeTemplate.h"
+#include "Nuke/parts/NukeTemplate.h"
 #include "text/NumberText.h"
 
 #include <algorithm>

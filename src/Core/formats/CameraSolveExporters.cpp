@@ -1,7 +1,7 @@
 // Every exporter of camera solves. A new one is a line here, in the order of the
 // formats.
 
-#include "Core/ExporterTables.h"
+#include "Core/formats/ExporterTables.h"
 
 #include "AfterEffects/AE3DMotionExporter.h"
 #include "Host/CameraSolveExporter.h"

@@ -1,7 +1,7 @@
 #include "Core/DataFormat.h"
 
 #include "Core/ExporterFactories.h"
-#include "Core/FormatTable.h"
+#include "Core/formats/FormatTable.h"
 
 namespace Export
 {

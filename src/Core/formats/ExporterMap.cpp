@@ -1,4 +1,4 @@
-#include "Core/ExporterMap.h"
+#include "Core/formats/ExporterMap.h"
 
 #include "Host/KORV_ProjectManager.h"
 

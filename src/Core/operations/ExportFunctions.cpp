@@ -1,7 +1,7 @@
 #include "Core/ExportFunctions.h"
 
 #include "Core/ExporterFactories.h"
-#include "Core/ThrowHelpers.h"
+#include "Writing/ThrowHelpers.h"
 #include "Host/Fnd.h"
 #include "Host/KORV_Layer.h"
 #include "Host/KORV_ProjectManager.h"
