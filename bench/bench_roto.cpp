@@ -162,13 +162,13 @@ void shapeText(benchmark::State& state)
     Export::NukeRotoExporter const exporter(false);
     for (auto _ : state)
     {
-        QByteArray text;
+        Export::TextBuffer text;
         text.reserve(roomForText);
         for (int contour = 0; contour < contourCount; ++contour)
             exporter.shapeToStr(text, *from.project, QStringLiteral("shape"), nullptr, Anm::View::defaultView(),
                                 from.shape.maskShape(contour, 0), from.shape.blurShape(contour, 0), {}, from.helper,
                                 ZN_BLEND_ADD, false, Qt::white, Qt::white);
-        benchmark::DoNotOptimize(text.constData());
+        benchmark::DoNotOptimize(text.bytes());
     }
 }
 

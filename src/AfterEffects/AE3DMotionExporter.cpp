@@ -19,11 +19,12 @@
 
 #include "AfterEffects/AE3DMotionExporter.h"
 
-#include "Writing/ThrowHelpers.h"
 #include "Host/KORV_Layer.h"
 #include "Host/PluginHost.h"
 #include "Host/Product.h"
 #include "Host/ZN_ClipInfo.h"
+#include "Writing/Results.h"
+#include "Writing/ThrowHelpers.h"
 
 #include <boost/make_shared.hpp>
 
@@ -113,14 +114,8 @@ Korvane::ExportedFiles AE3DMotionExporter::exportCameraSolve(KORV_ProjectManager
     AEExportBuilder builder(AEExportBuilder::AfterEffects);
     writeAll(builder, includeFeatures);
 
-    Korvane::ExportedFiles result;
-    result.files[path] = builder.getText().toUtf8();
-    result.failedCount = static_cast<int>(builder.getErrorCount());
-    QString const warning = warnInaccurateNulls();
-    if (!warning.isEmpty())
-    {
-        result.messages.append(QStringLiteral("%1: %2").arg(path, warning));
-    }
+    Korvane::ExportedFiles result =
+        fileResult(path, builder.bytes(), static_cast<int>(builder.getErrorCount()), {warnInaccurateNulls()});
     if (!project.pluginHost() || !project.pluginHost()->isAdobe())
     {
         result.notices.push_back(

@@ -11,10 +11,12 @@
 
 #include "AfterEffects/AECornerPinExporters.h"
 
-#include "Writing/TrackingSetup.h"
 #include "Host/KORV_ProjectManager.h"
 #include "Host/Product.h"
 #include "Host/ZN_ClipInfo.h"
+#include "Writing/Frames.h"
+#include "Writing/Results.h"
+#include "Writing/Setup.h"
 
 namespace Export
 {
@@ -77,7 +79,7 @@ Korvane::ExportedFiles AECornerPinExporter::exportTracking(KORV_ProjectManager& 
     writeScale(builder);
     writeCornerPin(builder, false, false, options);
     builder.addExportFooter();
-    return textResult(path, builder.getText(), static_cast<int>(builder.getErrorCount()), helper().failureMessages());
+    return fileResult(path, builder.bytes(), static_cast<int>(builder.getErrorCount()), helper().failureMessages());
 }
 
 void AECornerPinExporter::prepareToExport(KORV_ProjectManager& project, unsigned int layerId,
@@ -95,33 +97,33 @@ void AECornerPinExporter::writeCornerPin(AEExportBuilder& builder, bool padFromZ
     QMap<SurfaceCorner, QString> const names = cornerNames();
     boost::shared_array<TXI::Pos2[5]> const points = helper().surfacePoints();
     int const first = static_cast<int>(helper().firstFrame().value());
-    int const last = static_cast<int>(helper().lastFrame().value());
     if (first == -1)
     {
         return;
     }
-    builder.reserveRows(4 * (last - first + 1 + (padFromZero ? first : 0)));
+    builder.reserveRows(4 * (helper().numFrames() + (padFromZero ? first : 0)));
     QList<double> values{0, 0};
     for (SurfaceCorner const corner : WRITING_ORDER)
     {
         builder.addParamHeader(names.value(corner), columns);
         bool isPadded = !padFromZero || first == 0;
-        for (int frame = first; frame <= last; ++frame)
-        {
-            float const exported = frameNumberToExport(frame);
-            if (wholeFramesOnly && !isWholeFrame(exported))
-            {
-                continue;
-            }
-            values[0] = points[frame - first][corner].x;
-            values[1] = static_cast<double>(flippedY(frame, corner));
-            for (float padded = 0; !isPadded && padded < exported; ++padded)
-            {
-                builder.addValues(padded, values);
-            }
-            isPadded = true;
-            builder.addValues(exported, values);
-        }
+        forEachFrame(helper(),
+                     [&](int row, int frame)
+                     {
+                         float const exported = frameNumberToExport(frame);
+                         if (wholeFramesOnly && !isWholeFrame(exported))
+                         {
+                             return;
+                         }
+                         values[0] = points[row][corner].x;
+                         values[1] = static_cast<double>(flippedY(frame, corner));
+                         for (float padded = 0; !isPadded && padded < exported; ++padded)
+                         {
+                             builder.addValues(padded, values);
+                         }
+                         isPadded = true;
+                         builder.addValues(exported, values);
+                     });
     }
 }
 
@@ -179,7 +181,7 @@ Korvane::ExportedFiles AESimpleCornerPinExporter::exportTracking(KORV_ProjectMan
     writeHeader(builder, m_wholeFramesOnly);
     writeCornerPin(builder, m_padFromZero, m_wholeFramesOnly, options);
     builder.addExportFooter();
-    return textResult(path, builder.getText(), static_cast<int>(builder.getErrorCount()), helper().failureMessages());
+    return fileResult(path, builder.bytes(), static_cast<int>(builder.getErrorCount()), helper().failureMessages());
 }
 
 void AESimpleCornerPinExporter::prepareToExport(KORV_ProjectManager& project, unsigned int layerId,

@@ -1,6 +1,6 @@
 #include "AfterEffects/AEExportBuilder.h"
 
-#include "text/NumberText.h"
+#include "Writing/Values.h"
 
 namespace Export
 {
@@ -20,17 +20,15 @@ QString const& SCRATCH_TITLE()
     return title;
 }
 
-QString const& SEPARATOR()
+QString sizeAdvice()
 {
-    static QString const separator = QStringLiteral("\t");
-    return separator;
+    return QStringLiteral("Export a layer with a shorter range, or fewer layers.");
 }
-
-constexpr QLatin1Char LINE_END('\n');
 
 }
 
-AEExportBuilder::AEExportBuilder(TargetApp target) : m_title(target == Scratch ? SCRATCH_TITLE() : AE_TITLE())
+AEExportBuilder::AEExportBuilder(TargetApp target)
+    : m_out(sizeAdvice()), m_title(target == Scratch ? SCRATCH_TITLE() : AE_TITLE())
 {
 }
 
@@ -40,55 +38,43 @@ AEExportBuilder::~AEExportBuilder() = default;
 
 void AEExportBuilder::reserveRows(int rows)
 {
-    constexpr int ROW_LENGTH = 32;
-    m_text.reserve(m_text.size() + rows * ROW_LENGTH);
+    constexpr qint64 ROW_LENGTH = 32;
+    m_out.reserve(rows * ROW_LENGTH);
 }
 
 void AEExportBuilder::addLine(QString const& line)
 {
-    m_text += line;
-    m_text += LINE_END;
+    m_out << line << '\n';
 }
 
 void AEExportBuilder::addExportHeader(float fps, unsigned int width, unsigned int height, double pixelAspect)
 {
-    QString const aspect = Text::generalText(pixelAspect);
-    auto const addField = [this](char const* name, QString const& value)
-    { addLine(SEPARATOR() + QLatin1String(name) + SEPARATOR() + value); };
-
     addLine(m_title);
-    addLine(QString());
-    addField("Units Per Second", Text::generalText(static_cast<double>(fps)));
-    addField("Source Width", QString::number(width));
-    addField("Source Height", QString::number(height));
-    addField("Source Pixel Aspect Ratio", aspect);
-    addField("Comp Pixel Aspect Ratio", aspect);
+    m_out << "\n"
+          << "\tUnits Per Second\t" << General{static_cast<double>(fps)} << "\n"
+          << "\tSource Width\t" << Integer{width} << "\n"
+          << "\tSource Height\t" << Integer{height} << "\n"
+          << "\tSource Pixel Aspect Ratio\t" << General{pixelAspect} << "\n"
+          << "\tComp Pixel Aspect Ratio\t" << General{pixelAspect} << "\n";
 }
 
 void AEExportBuilder::addExport3DHeader(float filmSize, float focalLength, std::vector<NullHeaderInfo> const& nulls,
                                         float version)
 {
-    m_text += QLatin1String("*Marlo 3D Track Importer ");
-    Text::appendFixed(m_text, static_cast<double>(version), 1);
-    m_text += QLatin1String(" Data\n*FilmSize: ");
-    Text::appendGeneral(m_text, static_cast<double>(filmSize));
-    m_text += QLatin1String("\n*FocalLength: ");
-    Text::appendGeneral(m_text, static_cast<double>(focalLength));
-    m_text += QLatin1String("\n*NumberOfNulls: ");
-    Text::appendInteger(m_text, static_cast<long long>(nulls.size()));
-    m_text += LINE_END;
+    m_out << "*Marlo 3D Track Importer " << Fixed{static_cast<double>(version), 1} << " Data\n"
+          << "*FilmSize: " << General{static_cast<double>(filmSize)} << "\n"
+          << "*FocalLength: " << General{static_cast<double>(focalLength)} << "\n"
+          << "*NumberOfNulls: " << Integer{static_cast<long long>(nulls.size())} << "\n";
     for (NullHeaderInfo const& null : nulls)
     {
-        m_text += QLatin1String(null.isParent ? "*NullParent: " : "*NullObject: ");
-        m_text += null.name;
+        m_out << (null.isParent ? "*NullParent: " : "*NullObject: ") << null.name;
         if (!null.parent.isEmpty())
         {
-            m_text += QLatin1String(" Parent: ");
-            m_text += null.parent;
+            m_out << " Parent: " << null.parent;
         }
-        m_text += LINE_END;
+        m_out << '\n';
     }
-    m_text += QLatin1String("*EndHeader\n");
+    m_out << "*EndHeader\n";
 }
 
 void AEExportBuilder::newEffect(QString const& name)
@@ -99,29 +85,24 @@ void AEExportBuilder::newEffect(QString const& name)
 
 void AEExportBuilder::addParamHeader(QString const& name, QStringList const& columns)
 {
-    addLine(QString());
-    if (m_effectName.isEmpty())
+    m_out << '\n';
+    if (!m_effectName.isEmpty())
     {
-        addLine(name);
+        m_out << "Effects\t" << m_effectName << " #" << Integer{m_effectIndex} << '\t';
     }
-    else
-    {
-        addLine(QStringLiteral("Effects\t%1 #%2\t%3").arg(m_effectName, QString::number(m_effectIndex), name));
-    }
-    m_text += QLatin1String("\tFrame");
+    m_out << name << "\n"
+          << "\tFrame";
     for (QString const& column : columns)
     {
-        m_text += SEPARATOR();
-        m_text += column;
+        m_out << '\t' << column;
     }
-    m_text += LINE_END;
+    m_out << '\n';
 }
 
 void AEExportBuilder::addValue(float frame, QString const& value)
 {
     startRow(frame);
-    m_text += SEPARATOR();
-    addLine(value);
+    m_out << '\t' << value << '\n';
 }
 
 void AEExportBuilder::addValue(float frame, double value)
@@ -131,43 +112,42 @@ void AEExportBuilder::addValue(float frame, double value)
 
 void AEExportBuilder::addValues(float frame, QList<double> const& values)
 {
-    for (double const value : values)
+    if (!areWritable(values))
     {
-        if (!Text::isWritable(value))
-        {
-            ++m_errorCount;
-            return;
-        }
+        ++m_errorCount;
+        return;
     }
     startRow(frame);
     if (values.isEmpty())
     {
-        m_text += SEPARATOR();
+        m_out << '\t';
     }
     for (double const value : values)
     {
-        m_text += QLatin1Char('\t');
-        Text::appendGeneral(m_text, value);
+        m_out << '\t' << General{value};
     }
-    m_text += LINE_END;
+    m_out << '\n';
 }
 
 void AEExportBuilder::addStaticValue(QString const& value)
 {
-    m_text += SEPARATOR();
-    m_text += SEPARATOR();
-    addLine(value);
+    m_out << "\t\t" << value << '\n';
 }
 
 void AEExportBuilder::addExportFooter()
 {
-    addLine(QString());
-    addLine(QStringLiteral("End of Keyframe Data"));
+    m_out << "\n"
+          << "End of Keyframe Data\n";
 }
 
 QString AEExportBuilder::getText() const
 {
-    return m_text;
+    return m_out.toString();
+}
+
+QByteArray const& AEExportBuilder::bytes() const
+{
+    return m_out.bytes();
 }
 
 int AEExportBuilder::getEffectID() const
@@ -182,8 +162,7 @@ std::uint32_t AEExportBuilder::getErrorCount() const
 
 void AEExportBuilder::startRow(float frame)
 {
-    m_text += QLatin1Char('\t');
-    Text::appendGeneral(m_text, static_cast<double>(frame));
+    m_out << '\t' << General{static_cast<double>(frame)};
 }
 
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Core/ExportApi.h"
+#include "Writing/TextBuffer.h"
 
 #include <QList>
 #include <QString>
@@ -17,7 +18,8 @@ namespace Export
 /// frame, a footer. Fields are split by tabs, lines end in "\n". Numbers have six
 /// significant digits.
 ///
-/// A builder serves one document.
+/// A builder serves one document. Its text is refused with KORV_OperationFailed when it
+/// would be larger than one file can hold.
 class MARLO_EXPORT_API AEExportBuilder
 {
 public:
@@ -82,6 +84,9 @@ public:
 
     QString getText() const;
 
+    /// The same text in UTF-8.
+    QByteArray const& bytes() const;
+
     /// 0 before the first effect.
     int getEffectID() const;
 
@@ -91,7 +96,7 @@ public:
 private:
     void startRow(float frame);
 
-    QString m_text;
+    TextBuffer m_out;
     int m_effectIndex = 0;
     QString m_effectName;
     std::uint32_t m_errorCount = 0;

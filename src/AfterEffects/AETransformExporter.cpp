@@ -23,9 +23,10 @@
 
 #include "AfterEffects/AETransformExporter.h"
 
-#include "Writing/TrackingSetup.h"
 #include "Host/KORV_ProjectManager.h"
 #include "Host/ZN_ClipInfo.h"
+#include "Writing/Results.h"
+#include "Writing/Setup.h"
 
 #include <cmath>
 
@@ -50,7 +51,7 @@ Korvane::ExportedFiles AETransformExporter::exportTracking(KORV_ProjectManager& 
     writeHeader(builder, false);
     writeDataBlock(builder, optionsEx);
     builder.addExportFooter();
-    return textResult(path, builder.getText(), static_cast<int>(builder.getErrorCount()), m_helper.failureMessages());
+    return fileResult(path, builder.bytes(), static_cast<int>(builder.getErrorCount()), m_helper.failureMessages());
 }
 
 void AETransformExporter::prepareToExport(KORV_ProjectManager& project, unsigned int layerId,

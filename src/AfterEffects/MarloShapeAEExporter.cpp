@@ -22,14 +22,15 @@
 #include "AfterEffects/MarloShapeAEExporter.h"
 
 #include "AfterEffects/AEExportBuilder.h"
-#include "Writing/ThrowHelpers.h"
-#include "Writing/TrackingSetup.h"
 #include "Host/ExporterHelper.h"
 #include "Host/KORV_Clip.h"
 #include "Host/KORV_Layer.h"
 #include "Host/KORV_ProjectManager.h"
 #include "Host/PluginHost.h"
 #include "Host/ZN_ClipInfo.h"
+#include "Writing/Frames.h"
+#include "Writing/Results.h"
+#include "Writing/Setup.h"
 #include "text/NumberText.h"
 
 #include <QRect>
@@ -76,7 +77,7 @@ KORV_Clip const& clipOf(KORV_ProjectManager const& project, KORV_Layer const& la
     KORV_Clip const* const clip = project.pGetParameterManager()->getClip(clipId);
     if (!clip)
     {
-        throwBadArgument(QStringLiteral("The layer \"%1\" has no clip").arg(layer.name()));
+        throwNoClip(layer.name());
     }
     return *clip;
 }
@@ -182,10 +183,7 @@ std::set<Anm::Context> keyContexts(MaskLayer const& masks, bool sparse)
         return {contextAt(masks.first, view), contextAt(masks.last, view)};
     }
     std::set<Anm::Context> contexts;
-    for (int frame = masks.first; frame <= masks.last; ++frame)
-    {
-        contexts.insert(contexts.end(), contextAt(frame, masks.view));
-    }
+    forEachFrame(masks.helper, [&](int, int frame) { contexts.insert(contexts.end(), contextAt(frame, masks.view)); });
     return contexts;
 }
 
@@ -258,10 +256,8 @@ void writeMotion(AEExportBuilder& builder, MaskLayer const& masks, Components co
     for (MotionBlock const& block : MOTION_BLOCKS)
     {
         builder.addParamHeader(QString::fromLatin1(block.name), {});
-        for (int frame = masks.first; frame <= masks.last; ++frame)
-        {
-            builder.addValue(masks.exported(frame), components[frame].*block.component);
-        }
+        forEachFrame(masks.helper, [&](int, int frame)
+                     { builder.addValue(masks.exported(frame), components[frame].*block.component); });
     }
 }
 
@@ -364,9 +360,7 @@ std::shared_ptr<QMap<QString, QByteArray>> MarloShapeAEExporter::exportShape(KOR
         }
     }
     builder.addExportFooter();
-    auto files = std::make_shared<QMap<QString, QByteArray>>();
-    files->insert(path, builder.getText().toUtf8());
-    return files;
+    return shapeResult(path, builder.bytes(), QString());
 }
 
 }

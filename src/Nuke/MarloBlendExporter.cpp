@@ -20,9 +20,6 @@ namespace Export
 namespace
 {
 
-constexpr char TITLE[] = "MarloBlend shape data\n";
-constexpr char VERSION[] = "1";
-
 // The key of the scrambling. Numbers have five significant digits, or all those in front
 // of the point: with scales from 1000 on vertices come back to 0.0005 pixels.
 constexpr double BIAS = -262144.5;
@@ -34,15 +31,14 @@ double scaleOf(std::uint64_t seed)
     return static_cast<double>(seed % SCALE_STEPS) + SMALLEST_SCALE;
 }
 
-QByteArray header(KORV_ProjectManager const& project, KORV_Layer const* layer)
+void writeHeader(TextBuffer& out, KORV_ProjectManager const& project, KORV_Layer const* layer)
 {
-    QByteArray text = TITLE;
-    text += MarloBlend::line({"Version", QString::fromLatin1(VERSION)}).toUtf8() + '\n';
+    out << "MarloBlend shape data\n"
+        << "\tVersion 1\n";
     for (MarloBlend::Field const& field : MarloBlend::fields(project, MarloBlend::trackedClip(project, layer), true))
     {
-        text += MarloBlend::line(field).toUtf8() + '\n';
+        out << MarloBlend::line(field) << '\n';
     }
-    return text;
 }
 
 }
@@ -64,10 +60,11 @@ std::shared_ptr<QMap<QString, QByteArray>> MarloBlendExporter::exportShape(KORV_
                                                                            Options const& options) const
 {
     auto const layers = Korvane::ShapeExportHelper::getLayersToExport(project, options.layerExportMode, layerIds);
-    QByteArray text = header(project, layers.isEmpty() ? nullptr : layers.first().get());
-    MarloBlendExporter const keyed(m_withMatrix, seedOf(text));
+    TextBuffer text(sizeAdvice());
+    writeHeader(text, project, layers.isEmpty() ? nullptr : layers.first().get());
+    MarloBlendExporter const keyed(m_withMatrix, seedOf(text.bytes()));
     unsigned int const leftOut = keyed.appendDocument(text, project, layerIds, options);
-    return result(path, text, leftOut);
+    return result(path, text.bytes(), leftOut);
 }
 
 QString MarloBlendExporter::getFormatName() const

@@ -10,10 +10,12 @@
 
 #include "Nuke/MarloBlendTrackingExporter.h"
 
-#include "Writing/TrackingSetup.h"
 #include "Host/KORV_Layer.h"
 #include "Host/KORV_ProjectManager.h"
 #include "Nuke/parts/MarloBlendHeader.h"
+#include "Writing/Results.h"
+#include "Writing/Setup.h"
+#include "Writing/ThrowHelpers.h"
 
 #include <stdexcept>
 
@@ -47,12 +49,15 @@ Korvane::ExportedFiles MarloBlendTrackingExporter::exportTracking(KORV_ProjectMa
                                                                   Anm::Context const& referenceFrame,
                                                                   Options const& options) const
 {
-    KORV_Layer const* const layer = project.pGetSelectionManager()->layerFromNumericID(layerId, false);
-    if (layer && !MarloBlend::trackedClip(project, layer))
+    switch (trySetUpTrackingHelper(helper(), project, layerId, referenceFrame.view(), options.framesToExport))
     {
+    case Missing::Layer:
+        throwBadArgument(QStringLiteral("No selected layer"));
+    case Missing::Clip:
         throw std::logic_error("Incorrect Clip");
+    case Missing::Nothing:
+        break;
     }
-    setUpTrackingHelper(helper(), project, layerId, referenceFrame.view(), options.framesToExport);
     prepareToExport(project, layerId, Anm::Context::Explicit(referenceFrame), options);
 
     BlendBuilder builder;
@@ -62,7 +67,7 @@ Korvane::ExportedFiles MarloBlendTrackingExporter::exportTracking(KORV_ProjectMa
     writeScale(builder);
     writeCornerPin(builder, false, false, options);
     builder.addExportFooter();
-    return textResult(path, builder.getText(), static_cast<int>(builder.getErrorCount()), helper().failureMessages());
+    return fileResult(path, builder.bytes(), static_cast<int>(builder.getErrorCount()), helper().failureMessages());
 }
 
 void MarloBlendTrackingExporter::writeMarloBlenHeader(AEExportBuilder& builder, bool doubleInterlacedHeight,

@@ -8,14 +8,15 @@
 #include "Nuke/NukeAsciiExporter.h"
 
 #include "Core/DataFormat.h"
-#include "Writing/ThrowHelpers.h"
-#include "Writing/TrackingSetup.h"
 #include "Host/KORV_Layer.h"
 #include "Host/KORV_ProjectManager.h"
-#include "text/NumberText.h"
+#include "Writing/Results.h"
+#include "Writing/Setup.h"
+#include "Writing/TextBuffer.h"
+#include "Writing/ThrowHelpers.h"
+#include "Writing/Values.h"
 
 #include <algorithm>
-#include <cmath>
 
 namespace Export
 {
@@ -30,19 +31,19 @@ constexpr int CORNERS = 4;
 // By the host's corner, which are row by row.
 constexpr int TRACKER_NUMBERS[CORNERS] = {1, 2, 4, 3};
 
-constexpr int LINE_LENGTH = 20;
+constexpr qint64 LINE_LENGTH = 20;
 
-bool isWritable(TXI::Pos2 const& point)
+bool isPoint(TXI::Pos2 const& point)
 {
-    return std::isfinite(point.x) && std::isfinite(point.y);
+    return isWritable(point.x) && isWritable(point.y);
 }
 
 /// Appends the lines of a corner.
 /// @return lines that hold the point of another one
-int appendLines(QByteArray& out, Points const& points, int corner, int count, int step)
+int appendLines(TextBuffer& out, Points const& points, int corner, int count, int step)
 {
     int sample = 0;
-    while (sample < count && !isWritable(points[sample][corner]))
+    while (sample < count && !isPoint(points[sample][corner]))
     {
         sample += step;
     }
@@ -55,7 +56,7 @@ int appendLines(QByteArray& out, Points const& points, int corner, int count, in
     for (sample = 0; sample < count; sample += step)
     {
         TXI::Pos2 const& point = points[sample][corner];
-        if (isWritable(point))
+        if (isPoint(point))
         {
             held = point;
         }
@@ -63,10 +64,7 @@ int appendLines(QByteArray& out, Points const& points, int corner, int count, in
         {
             ++failedCount;
         }
-        Text::appendGeneral(out, held.x);
-        out += ' ';
-        Text::appendGeneral(out, held.y);
-        out += '\n';
+        out << General{held.x} << ' ' << General{held.y} << '\n';
     }
     return failedCount;
 }
@@ -111,12 +109,12 @@ void NukeAsciiExporter::addExportFilesForView(Korvane::ExportedFiles& files, KOR
     int const step = std::max(1, static_cast<int>(1.0F / m_helper.frameStep()));
     for (int corner = 0; corner < CORNERS; ++corner)
     {
-        QByteArray text;
+        TextBuffer text(QStringLiteral("Export a layer with a shorter range."));
         text.reserve(count / step * LINE_LENGTH);
         files.failedCount += appendLines(text, points, corner, count, step);
         files.files.insert(format.baseName(path) + QLatin1String("_Tracker") + viewPart +
                                QString::number(TRACKER_NUMBERS[corner]) + format.extension(),
-                           text);
+                           text.bytes());
     }
     appendFailures(files, path, m_helper.failureMessages());
 }

@@ -1,5 +1,7 @@
 #include "Nuke/NukeCornerExporterBase.h"
 
+#include "Writing/Frames.h"
+
 namespace Export
 {
 
@@ -40,7 +42,10 @@ NukeCornerExporterBase::CornerPin NukeCornerExporterBase::createCornerPin() cons
     CornerPin pin;
     boost::shared_array<TXI::Pos2[5]> const points = helper().surfacePoints();
     int const frames = points ? helper().numFrames() : 0;
-    double const first = helper().firstFrame().value();
+    if (frames == 0)
+    {
+        return pin;
+    }
     double const step = static_cast<double>(helper().frameStep());
     double const verticalScale = static_cast<double>(helper().verticalScale());
 
@@ -53,13 +58,14 @@ NukeCornerExporterBase::CornerPin NukeCornerExporterBase::createCornerPin() cons
     {
         curves->first.reserve(frames);
         curves->second.reserve(frames);
-        for (int i = 0; i < frames; ++i)
-        {
-            TXI::Pos2 const& p = points[i][corner];
-            double const base = points[0][corner].y;
-            addPoint(*curves, static_cast<float>((i + first) * step + helper().baseClipOffset()), p.x,
-                     (p.y - base) * verticalScale + base);
-        }
+        forEachFrame(helper(),
+                     [&, corner = corner, to = curves](int row, int frame)
+                     {
+                         TXI::Pos2 const& p = points[row][corner];
+                         double const base = points[0][corner].y;
+                         addPoint(*to, static_cast<float>(frame * step + helper().baseClipOffset()), p.x,
+                                  (p.y - base) * verticalScale + base);
+                     });
     }
     return pin;
 }

@@ -13,50 +13,34 @@
 
 #include "Nuke/NukeCornerPinExporter.h"
 
-#include "Nuke/parts/NukeTemplate.h"
-
 namespace Export
 {
-
-namespace
-{
-
-// {width} and {height} are Nuke's own expressions: the pin fits what is connected.
-constexpr char NODE[] = "CornerPin2D {\n"
-                        "%1"
-                        " from1 {0 0}\n"
-                        " from2 {{width} 0}\n"
-                        " from3 {{width} {height}}\n"
-                        " from4 {0 {height}}\n"
-                        " name CornerPin2D_%2\n"
-                        "}\n";
-
-QString knob(char const* name, NukePointCurve const& corner)
-{
-    QString point;
-    point.reserve(static_cast<int>(corner.first.textLimit() + corner.second.textLimit() + 1));
-    appendPoint(point, corner);
-    NukeValueList list{QLatin1String(name)};
-    list.append(point);
-    return list.toString();
-}
-
-}
 
 NukeCornerPinExporter::NukeCornerPinExporter() = default;
 NukeCornerPinExporter::~NukeCornerPinExporter() = default;
 
 QString NukeCornerPinExporter::exportSingleView(QString const& name, CornerPin const& pin) const
 {
-    QString node;
-    appendFilled(node, NODE,
-                 [&](int place)
-                 {
-                     node += place == 1 ? knob(" to1", pin.to1) + knob(" to2", pin.to2) + knob(" to3", pin.to3) +
-                                              knob(" to4", pin.to4)
-                                        : name;
-                 });
-    return node;
+    TextBuffer out;
+    auto const writeCorner = [&out](char const* knob, NukePointCurve const& corner)
+    {
+        out << ' ' << knob << " {";
+        appendPoint(out, corner);
+        out << "}\n";
+    };
+    out << "CornerPin2D {\n";
+    writeCorner("to1", pin.to1);
+    writeCorner("to2", pin.to2);
+    writeCorner("to3", pin.to3);
+    writeCorner("to4", pin.to4);
+    // {width} and {height} are Nuke's own expressions: the pin fits what is connected.
+    out << " from1 {0 0}\n"
+           " from2 {{width} 0}\n"
+           " from3 {{width} {height}}\n"
+           " from4 {0 {height}}\n"
+        << " name CornerPin2D_" << name << "\n"
+        << "}\n";
+    return out.toString();
 }
 
 }

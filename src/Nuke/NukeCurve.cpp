@@ -1,6 +1,6 @@
 #include "Nuke/NukeCurve.h"
 
-#include "text/NumberText.h"
+#include "Writing/Values.h"
 
 #include <algorithm>
 #include <cmath>
@@ -74,48 +74,37 @@ void NukeCurve::removeKeyframes(std::vector<float> const& frames)
 
 NukeCurve::operator QString() const
 {
-    QString text;
-    text.reserve(static_cast<int>(textLimit()));
+    TextBuffer text;
     appendTo(text);
-    return text;
+    return text.toString();
 }
 
-void NukeCurve::appendTo(QString& out) const
+void NukeCurve::appendTo(TextBuffer& out) const
 {
-    out += QLatin1String("{curve");
-    out += m_name;
-    out += QLatin1Char(' ');
+    out << "{curve" << m_name << ' ';
     char const* separator = "x";
     for (Key const& key : m_keys)
     {
-        out += QLatin1String(separator);
-        Text::appendFixed(out, static_cast<double>(key.frame), 0);
-        out += QLatin1Char(' ');
-        Text::appendGeneral(out, static_cast<double>(key.value));
+        out << separator << Fixed{static_cast<double>(key.frame), 0} << ' ' << General{static_cast<double>(key.value)};
         separator = " x";
     }
-    if (m_keys.empty())
-    {
-        // Without keys a second blank stands in their place.
-        out += QLatin1Char(' ');
-    }
-    out += QLatin1Char('}');
+    // Without keys a second blank stands in their place.
+    out << (m_keys.empty() ? " }" : "}");
 }
 
-long long NukeCurve::textLimit() const
+qint64 NukeCurve::textLimit() const
 {
     constexpr int AROUND_KEYS = 9;    // "{curve  }"
     constexpr int AROUND_NUMBERS = 3; // " x1 1"
     constexpr int LONGEST_VALUE = 12; // "-1.23457e+06"
     int const frame = m_keys.empty() ? 0 : std::max(frameLength(m_keys.front()), frameLength(m_keys.back()));
-    return AROUND_KEYS + m_name.size() +
-           static_cast<long long>(m_keys.size()) * (AROUND_NUMBERS + frame + LONGEST_VALUE);
+    return AROUND_KEYS + m_name.size() + static_cast<qint64>(m_keys.size()) * (AROUND_NUMBERS + frame + LONGEST_VALUE);
 }
 
-void appendPoint(QString& out, NukePointCurve const& point)
+void appendPoint(TextBuffer& out, NukePointCurve const& point)
 {
     point.first.appendTo(out);
-    out += QLatin1Char(' ');
+    out << ' ';
     point.second.appendTo(out);
 }
 
@@ -130,7 +119,7 @@ int removeUnwritableKeys(QVector<NukePointCurve>& points)
         {
             for (NukeCurve::Key const& key : curve->keys())
             {
-                if (!std::isfinite(key.value))
+                if (!isWritable(static_cast<double>(key.value)))
                 {
                     frames.push_back(key.frame);
                 }

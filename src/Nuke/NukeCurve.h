@@ -3,6 +3,7 @@
 // texts that a knob holds.
 
 #include "Core/ExportApi.h"
+#include "Writing/TextBuffer.h"
 
 #include <QString>
 #include <QStringList>
@@ -49,10 +50,10 @@ public:
     operator QString() const;
 
     /// Appends that text.
-    void appendTo(QString& out) const;
+    void appendTo(TextBuffer& out) const;
 
-    /// No fewer characters than the text has; off by half at most for common values.
-    long long textLimit() const;
+    /// No fewer bytes than the text has; off by half at most for common values.
+    qint64 textLimit() const;
 
 private:
     QString m_name;
@@ -63,7 +64,7 @@ private:
 using NukePointCurve = std::pair<NukeCurve, NukeCurve>;
 
 /// "{curve x1 100} {curve x1 50}".
-void appendPoint(QString& out, NukePointCurve const& point);
+MARLO_EXPORT_API void appendPoint(TextBuffer& out, NukePointCurve const& point);
 
 /// Takes out of both curves of each point the keys of frames in which one of them is no
 /// finite number: Nuke would take the word for one as the name of a variable.

@@ -9,6 +9,7 @@
 #include "Host/MeshTracking.h"
 #include "Host/ZN_ClipInfo.h"
 #include "Nuke/parts/NukeTrackerNode.h"
+#include "Writing/Frames.h"
 
 namespace Export
 {
@@ -29,7 +30,15 @@ NukeMeshExporter::~NukeMeshExporter() = default;
 
 QString NukeMeshExporter::exportSingleView(QString const& name, QVector<NukePointCurve> const& curves) const
 {
-    return trackerNode(name, curves, "");
+    TextBuffer out;
+    writeSingleView(out, name, curves);
+    return out.toString();
+}
+
+void NukeMeshExporter::writeSingleView(TextBuffer& out, QString const& name,
+                                       QVector<NukePointCurve> const& curves) const
+{
+    appendTrackerNode(out, name, curves, "");
 }
 
 QVector<NukePointCurve> NukeMeshExporter::createCurves() const
@@ -41,7 +50,7 @@ QVector<NukePointCurve> NukeMeshExporter::createCurves() const
     }
     std::vector<ZN::MeshTracking::Vertex> const& vertices = mesh->vertices();
     int const frames = helper().numFrames();
-    refuseMoreThanFits(static_cast<long long>(vertices.size()), frames);
+    refuseMoreThanFits(static_cast<qint64>(vertices.size()), frames);
 
     QVector<NukePointCurve> curves(static_cast<int>(vertices.size()));
     for (NukePointCurve& curve : curves)
@@ -51,11 +60,10 @@ QVector<NukePointCurve> NukeMeshExporter::createCurves() const
     }
     ZN_BaseClipInfo const& clip = *helper().baseClipInfo();
     ZN::NormalizedSpace const picture(QSize(static_cast<int>(clip.width()), static_cast<int>(clip.height())));
-    double const first = helper().firstFrame().value();
     double const step = static_cast<double>(helper().frameStep());
-    for (int i = 0; i < frames; ++i)
+    auto const addFrame = [&](int, int frame)
     {
-        double const time = (i + first) * step;
+        double const time = frame * step;
         Anm::Context const context(Anm::Time::fromDouble(time), helper().view(), Anm::ProxyScale::Full);
         float const key = static_cast<float>(helper().baseClipOffset() + time);
         NukePointCurve* curve = curves.data();
@@ -67,7 +75,8 @@ QVector<NukePointCurve> NukeMeshExporter::createCurves() const
             curve->second.addKeyframe(key, point.y);
             ++curve;
         }
-    }
+    };
+    forEachFrame(helper(), addFrame);
     return curves;
 }
 

@@ -17,6 +17,7 @@ public:
 
 protected:
     QVector<NukePointCurve> createCurves() const override;
+    void writeSingleView(TextBuffer& out, QString const& name, QVector<NukePointCurve> const& curves) const override;
 };
 
 }

@@ -27,19 +27,17 @@
 
 #include "Nuke/NukeRotoExporterBase.h"
 
-#include "Writing/ThrowHelpers.h"
-#include "Writing/TrackingSetup.h"
 #include "Host/Contour.h"
 #include "Host/ExporterHelper.h"
 #include "Host/KORV_ProjectManager.h"
+#include "Writing/Results.h"
+#include "Writing/Setup.h"
+#include "Writing/Values.h"
 #include "text/Names.h"
-#include "text/NumberText.h"
 
 #include <QPointF>
 
 #include <algorithm>
-#include <cmath>
-#include <limits>
 
 namespace Export
 {
@@ -60,9 +58,6 @@ constexpr char LAYER_ATTRIBUTES[] =
     " \"opc\" S 0 1 \"mbo\" S 0 1 \"mb\" S 0 1 \"mbs\" S 0 0.5 \"fo\" S 0 1 \"fx\" S 0 0 \"fy\" S 0 0 \"ff\" S 0 1 "
     "\"ft\" S 0 0\n"
     "   }\n";
-
-/// What a QByteArray can hold, with a little room for its own record.
-constexpr qint64 LARGEST_TEXT = std::numeric_limits<int>::max() - 64;
 
 constexpr qint64 CURVES_PER_VERTEX = 12;
 
@@ -85,16 +80,6 @@ qint64 pointKeyCount(Korvane::ExportedShape const& shape)
         }
     }
     return count;
-}
-
-/// Makes room in steps that double, so that many small layers don't move the text each.
-void reserveMore(QByteArray& out, qint64 size)
-{
-    qint64 const wanted = out.size() + size;
-    if (wanted > out.capacity())
-    {
-        out.reserve(static_cast<int>(std::min(LARGEST_TEXT, std::max(wanted, qint64(out.capacity()) * 2))));
-    }
 }
 
 /// The motion that all contours of a layer have in common; null where they differ.
@@ -121,8 +106,7 @@ std::vector<KORV_ExportHomography> const* commonMotion(Korvane::ExportedShape co
 
 bool isFinite(KORV_ExportHomography const& homography)
 {
-    return std::isfinite(homography.time) &&
-           std::all_of(homography.m.begin(), homography.m.end(), [](double entry) { return std::isfinite(entry); });
+    return isWritable(homography.time) && areWritable(homography.m);
 }
 
 /// @param leftOut goes up by the number of homographies that aren't finite
@@ -161,22 +145,21 @@ std::shared_ptr<QMap<QString, QByteArray>> NukeRotoExporterBase::exportShape(KOR
                                                                              QList<unsigned int> const& layerIds,
                                                                              Options const& options) const
 {
-    QByteArray text;
+    TextBuffer text(sizeAdvice());
     unsigned int const leftOut = appendDocument(text, project, layerIds, options);
-    return result(path, text, leftOut);
+    return result(path, text.bytes(), leftOut);
 }
 
 std::shared_ptr<QMap<QString, QByteArray>> NukeRotoExporterBase::result(QString const& path, QByteArray const& text,
                                                                         unsigned int leftOut)
 {
-    auto files = std::make_shared<QMap<QString, QByteArray>>();
-    files->insert(path, text);
-    if (leftOut > 0)
-    {
-        QString const failure = QStringLiteral("%1 keyframes were left out, as their values aren't finite");
-        files->insert(ERROR_FILENAME, failure.arg(leftOut).toUtf8());
-    }
-    return files;
+    QString const failure = QStringLiteral("%1 keyframes were left out, as their values aren't finite");
+    return shapeResult(path, text, leftOut > 0 ? failure.arg(leftOut) : QString());
+}
+
+QString NukeRotoExporterBase::sizeAdvice()
+{
+    return QStringLiteral("Export fewer layers, or layers with a shorter range.");
 }
 
 QString NukeRotoExporterBase::getFormatVersion() const
@@ -189,7 +172,7 @@ QString NukeRotoExporterBase::getFormatRootNode() const
     return QStringLiteral(" RootNode: 1\n");
 }
 
-unsigned int NukeRotoExporterBase::appendDocument(QByteArray& out, KORV_ProjectManager& project,
+unsigned int NukeRotoExporterBase::appendDocument(TextBuffer& out, KORV_ProjectManager& project,
                                                   QList<unsigned int> const& layerIds, Options const& options) const
 {
     if (!project.sm()->hasLayers())
@@ -199,15 +182,10 @@ unsigned int NukeRotoExporterBase::appendDocument(QByteArray& out, KORV_ProjectM
     auto const layers = Korvane::ShapeExportHelper::getLayersToExport(project, options.layerExportMode, layerIds);
     std::vector<LayerNode> const nodes = plannedNodes(project, layers, options);
 
-    out += getFormatName().toUtf8();
-    out += " {\n"
-           " curves {AnimTree: \"\" {\n";
-    out += getFormatVersion().toUtf8();
-    out += getFormatRootNode().toUtf8();
-    out += ROOT_NODE;
-    out += "  NumOfChildren: ";
-    Text::appendInteger(out, static_cast<long long>(nodes.size()));
-    out += '\n';
+    out << getFormatName() << " {\n"
+        << " curves {AnimTree: \"\" {\n"
+        << getFormatVersion() << getFormatRootNode() << ROOT_NODE
+        << "  NumOfChildren: " << Integer{static_cast<long long>(nodes.size())} << "\n";
     unsigned int leftOut = 0;
     for (LayerNode const& node : nodes)
     {
@@ -215,16 +193,14 @@ unsigned int NukeRotoExporterBase::appendDocument(QByteArray& out, KORV_ProjectM
         leftOut += layerToStr(out, project, clip, *node.layer, node.view, node.name,
                               static_cast<unsigned int>(options.framesToExport), options.viewMode != 0);
     }
-    out += " }\n"
-           "}\n"
-           "}\n";
+    out << " }\n"
+        << "}\n"
+        << "}\n";
     if (!layers.isEmpty())
     {
-        out += "name Roto_";
-        out += Text::blanksToUnderscores(layers.first()->name()).toUtf8();
-        out += '\n';
+        out << "name Roto_" << Text::blanksToUnderscores(layers.first()->name()) << "\n";
     }
-    out += "}\n";
+    out << "}\n";
     return leftOut;
 }
 
@@ -255,7 +231,7 @@ NukeRotoExporterBase::plannedNodes(KORV_ProjectManager const& project,
             QString const suffix = isMultiView ? QLatin1Char('.') + project.views()->name(view) : QString();
             nodes.push_back({*it, view, layer.name() + suffix});
             size += leastSize(project, nodes.back(), options);
-            requireSize(size);
+            requireTextSize(size, sizeAdvice());
         }
     }
     return nodes;
@@ -276,17 +252,7 @@ qint64 NukeRotoExporterBase::leastSize(KORV_ProjectManager const& project, Layer
     return keys > 1 ? points * CURVES_PER_VERTEX * keys * LEAST_KEY : 0;
 }
 
-void NukeRotoExporterBase::requireSize(qint64 size)
-{
-    if (size > LARGEST_TEXT)
-    {
-        throwOperationFailed("NukeRotoExporterBase", 0, QStringLiteral("exportShape"),
-                             QStringLiteral("The shapes need more than the 2 GB that one file can hold. Export fewer "
-                                            "layers, or layers with a shorter range."));
-    }
-}
-
-unsigned int NukeRotoExporterBase::layerToStr(QByteArray& out, KORV_ProjectManager const& project,
+unsigned int NukeRotoExporterBase::layerToStr(TextBuffer& out, KORV_ProjectManager const& project,
                                               KORV_Clip const* clip, KORV_Layer const& layer, Anm::View const& view,
                                               QString const& name, unsigned int framesToExport, bool viewMode) const
 {
@@ -296,29 +262,23 @@ unsigned int NukeRotoExporterBase::layerToStr(QByteArray& out, KORV_ProjectManag
         project, static_cast<int>(helper.firstFrame().value()), static_cast<int>(helper.lastFrame().value()), layer,
         view, OUTLINE_FLAGS | (m_withMatrix ? Korvane::ShapeMotionApart : 0U), 1.0, QPointF(0, 0), viewMode);
     qint64 const pointKeys = pointKeyCount(shape) * CURVES_PER_VERTEX;
-    reserveMore(out, pointKeys * USUAL_KEY);
+    out.reserve(pointKeys * USUAL_KEY);
 
     unsigned int leftOut = 0;
     std::vector<KORV_ExportHomography> const* const common = commonMotion(shape);
     std::vector<KORV_ExportHomography> const layerMotion =
         common ? finiteMotion(*common, leftOut) : std::vector<KORV_ExportHomography>();
-    out += "  Node: {\n"
-           "   NodeName: \"";
-    out += Text::blanksToUnderscores(name).toUtf8();
-    out += "\" {\n"
-           "    NodeType: 1\n";
+    out << "  Node: {\n"
+        << "   NodeName: \"" << Text::blanksToUnderscores(name) << "\" {\n"
+        << "    NodeType: 1\n";
     if (!layerMotion.empty())
     {
-        out += "    ";
+        out << "    ";
         getTransformBlock(out, layerMotion);
     }
-    out += "    NumOfAttributes: 10\n"
-           "    \"vis\" S 0 ";
-    out += layer.isHidden(true) ? '0' : '1';
-    out += LAYER_ATTRIBUTES;
-    out += "   NumOfChildren: ";
-    Text::appendInteger(out, shape.numShapes());
-    out += '\n';
+    out << "    NumOfAttributes: 10\n"
+        << "    \"vis\" S 0 " << (layer.isHidden(true) ? '0' : '1') << LAYER_ATTRIBUTES
+        << "   NumOfChildren: " << Integer{shape.numShapes()} << "\n";
 
     Anm::View const defaultView = Anm::View::defaultView();
     auto const blend = static_cast<ZN_BlendMode>(layer.blendMode().value(defaultView));
@@ -338,7 +298,7 @@ unsigned int NukeRotoExporterBase::layerToStr(QByteArray& out, KORV_ProjectManag
                                   layer.overlayColour());
         }
     }
-    out += "  }\n";
+    out << "  }\n";
     return leftOut;
 }
 

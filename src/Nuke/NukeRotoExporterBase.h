@@ -5,6 +5,7 @@
 #include "Host/KORV_Layer.h"
 #include "Host/ShapeExporter.h"
 #include "Nuke/Obfuscate.h"
+#include "Writing/TextBuffer.h"
 
 #include <QByteArray>
 #include <QColor>
@@ -26,9 +27,8 @@ namespace Export
 /// each layer and view, a node for each contour. Derived classes give the class of the
 /// node.
 ///
-/// A document runs to hundreds of megabytes, so everything is appended to one buffer of
-/// UTF-8. What would go beyond a QByteArray is refused, as a rule before any outline is
-/// computed.
+/// A document runs to hundreds of megabytes, so everything is appended to one buffer. What
+/// one file can't hold is refused, as a rule before any outline is computed.
 class MARLO_EXPORT_API NukeRotoExporterBase : public Korvane::ShapeExporter, public Obfuscate
 {
 public:
@@ -61,7 +61,7 @@ public:
     /// @param homographies motion of the contour; empty for none
     /// @param helper gives the range in which the shape is visible
     /// @return how many keys and homographies were left out because they aren't finite
-    virtual unsigned int shapeToStr(QByteArray& out, KORV_ProjectManager const& project, QString const& name,
+    virtual unsigned int shapeToStr(TextBuffer& out, KORV_ProjectManager const& project, QString const& name,
                                     KORV_Clip const* clip, Anm::View const& view,
                                     Korvane::ExportedShape::Curves const& maskCurves,
                                     Korvane::ExportedShape::Curves const& blurCurves,
@@ -74,7 +74,7 @@ public:
     /// @param clip the layer's base clip, handed on to shapeToStr
     /// @param viewMode handed on to Korvane::ExportedShape
     /// @return as shapeToStr
-    virtual unsigned int layerToStr(QByteArray& out, KORV_ProjectManager const& project, KORV_Clip const* clip,
+    virtual unsigned int layerToStr(TextBuffer& out, KORV_ProjectManager const& project, KORV_Clip const* clip,
                                     KORV_Layer const& layer, Anm::View const& view, QString const& name,
                                     unsigned int framesToExport, bool viewMode) const;
 
@@ -89,22 +89,18 @@ public:
     static double roundToDigit(double value, int digits);
 
     /// Value, then tail.
-    static void appendFormattedS(QByteArray& out, double value, char const* tail);
+    static void appendFormattedS(TextBuffer& out, double value, char const* tail);
 
     /// A key of a shape curve. Slopes are units per frame.
-    static void appendFormattedF(QByteArray& out, Anm::Time const& time, double value, double leftSlope,
+    static void appendFormattedF(TextBuffer& out, Anm::Time const& time, double value, double leftSlope,
                                  double rightSlope);
 
     /// Time and value of a key of a matrix curve, then tail.
-    static void appendTransformBlock(QByteArray& out, Anm::Time const& time, double value, char const* tail);
+    static void appendTransformBlock(TextBuffer& out, Anm::Time const& time, double value, char const* tail);
 
     /// The line of a node's matrix; nothing for an empty vector. A single homography is
     /// written as the identity: its motion is in the points.
-    static void getTransformBlock(QByteArray& out, std::vector<KORV_ExportHomography> const& homographies);
-
-    /// @param size of a text in bytes
-    /// @throws KORV_OperationFailed for what a QByteArray can't hold
-    static void requireSize(qint64 size);
+    static void getTransformBlock(TextBuffer& out, std::vector<KORV_ExportHomography> const& homographies);
 
 protected:
     /// @param fileSeed,classBias key of Obfuscate
@@ -112,8 +108,11 @@ protected:
 
     /// Appends the whole node.
     /// @return as shapeToStr
-    unsigned int appendDocument(QByteArray& out, KORV_ProjectManager& project, QList<unsigned int> const& layerIds,
+    unsigned int appendDocument(TextBuffer& out, KORV_ProjectManager& project, QList<unsigned int> const& layerIds,
                                 Options const& options) const;
+
+    /// How the user gets a smaller file.
+    static QString sizeAdvice();
 
     /// The result of exportShape.
     /// @param leftOut as shapeToStr returns it

@@ -5,8 +5,6 @@
 
 #include "Nuke/NukeRotoExporterBase.h"
 
-#include "text/NumberText.h"
-
 #include <algorithm>
 #include <cmath>
 
@@ -64,11 +62,11 @@ int decimalsOf(double value, NumberRule const& rule)
 }
 
 /// Decimals come from the value as it is, digits from the snapped one.
-void appendNumber(QByteArray& out, double value, NumberRule const& rule)
+void appendNumber(TextBuffer& out, double value, NumberRule const& rule)
 {
     double const rounded = roundedTo(value, rule.scale);
     bool const isSnapped = std::abs(value - rounded) < rule.snap;
-    Text::appendFixed(out, isSnapped ? rounded : value, decimalsOf(value, rule));
+    out << Fixed{isSnapped ? rounded : value, decimalsOf(value, rule)};
 }
 
 // The identity and the values that stay at rest in front of the matrix.
@@ -106,62 +104,58 @@ double NukeRotoExporterBase::roundToDigit(double value, int digits)
     return roundedTo(value, std::pow(10.0, digits));
 }
 
-void NukeRotoExporterBase::appendFormattedS(QByteArray& out, double value, char const* tail)
+void NukeRotoExporterBase::appendFormattedS(TextBuffer& out, double value, char const* tail)
 {
     appendNumber(out, value, SHAPE_NUMBERS);
-    out += tail;
+    out << tail;
 }
 
-void NukeRotoExporterBase::appendFormattedF(QByteArray& out, Anm::Time const& time, double value, double leftSlope,
+void NukeRotoExporterBase::appendFormattedF(TextBuffer& out, Anm::Time const& time, double value, double leftSlope,
                                             double rightSlope)
 {
-    out += "\"\" ";
+    out << "\"\" ";
     appendNumber(out, time.value(), SHAPE_NUMBERS);
-    out += ' ';
+    out << ' ';
     appendNumber(out, value, SHAPE_NUMBERS);
-    out += ' ';
+    out << ' ';
     appendNumber(out, leftSlope, SHAPE_NUMBERS);
-    out += " 1 ";
+    out << " 1 ";
     appendNumber(out, rightSlope, SHAPE_NUMBERS);
-    out += " 1 258 0 ";
+    out << " 1 258 0 ";
 }
 
-void NukeRotoExporterBase::appendTransformBlock(QByteArray& out, Anm::Time const& time, double value, char const* tail)
+void NukeRotoExporterBase::appendTransformBlock(TextBuffer& out, Anm::Time const& time, double value, char const* tail)
 {
-    out += "\"\" ";
+    out << "\"\" ";
     appendNumber(out, time.value(), SHAPE_NUMBERS);
-    out += ' ';
+    out << ' ';
     appendNumber(out, value, MATRIX_NUMBERS);
-    out += ' ';
-    out += tail;
+    out << ' ' << tail;
 }
 
-void NukeRotoExporterBase::getTransformBlock(QByteArray& out, std::vector<KORV_ExportHomography> const& homographies)
+void NukeRotoExporterBase::getTransformBlock(TextBuffer& out, std::vector<KORV_ExportHomography> const& homographies)
 {
     if (homographies.empty())
     {
         return;
     }
-    out += "Transform2: ";
-    out += MATRIX_HEAD;
+    out << "Transform2: " << MATRIX_HEAD;
     for (int slot = 0; slot < 16; ++slot)
     {
         if (homographies.size() == 1)
         {
-            out += slot % 5 == 0 ? "S 0 1 " : "S 0 0 ";
+            out << (slot % 5 == 0 ? "S 0 1 " : "S 0 0 ");
             continue;
         }
-        out += "L 0 4096 0.5 2 0 0 \"\" 0 ";
-        Text::appendInteger(out, static_cast<long long>(homographies.size()));
-        out += ' ';
+        out << "L 0 4096 0.5 2 0 0 \"\" 0 " << Integer{static_cast<long long>(homographies.size())} << ' ';
         for (KORV_ExportHomography const& homography : homographies)
         {
             appendTransformBlock(out, Anm::Time::fromDouble(homography.time), slotValue(homography, MATRIX_SLOTS[slot]),
                                  "0 1 0 1 258 0 ");
         }
-        out += "0 ";
+        out << "0 ";
     }
-    out += '\n';
+    out << '\n';
 }
 
 }

@@ -19,11 +19,11 @@
 
 #include "Nuke/NukeRotoExporterBase.h"
 
-#include "Writing/ThrowHelpers.h"
 #include "Host/ExporterHelper.h"
 #include "Host/KORV_ProjectManager.h"
+#include "Writing/ThrowHelpers.h"
+#include "Writing/Values.h"
 #include "text/Names.h"
-#include "text/NumberText.h"
 
 #include <algorithm>
 #include <cmath>
@@ -50,9 +50,6 @@ constexpr char BODY_LEAD[] = "       0 ";
 
 // Of " 0 0 " behind a point the part that belongs to the point that doesn't follow.
 constexpr int LEAD_OF_NEXT_POINT = 3;
-
-/// Bytes that a key may need.
-constexpr qint64 LONGEST_KEY = 128;
 
 /// When a shape is visible.
 enum LifetimeType
@@ -85,12 +82,12 @@ BezierCurves bezierCurves(Korvane::ExportedShape::Curves const& curves)
 
 bool isFinite(Mtx_Vector2 const& vector)
 {
-    return std::isfinite(vector.x) && std::isfinite(vector.y);
+    return isWritable(vector.x) && isWritable(vector.y);
 }
 
 bool isFinite(Korvane::ExportBezierCurve const& curve)
 {
-    bool finite = std::isfinite(curve.time);
+    bool finite = isWritable(curve.time);
     for (int i = 0; i < curve.numSpans() && finite; ++i)
     {
         Sabrel::BezierSpan const& span = curve[static_cast<std::size_t>(i)];
@@ -120,31 +117,22 @@ int lifetimeType(double first, double last, int frameCount)
 }
 
 /// @param suffix of the names: nothing for the fill, "o" for the overlay
-void appendColour(QByteArray& out, QColor const& colour, char const* suffix)
+void appendColour(TextBuffer& out, QColor const& colour, char const* suffix)
 {
     auto const appendComponent = [&](char component, double value)
-    {
-        out += '"';
-        out += component;
-        out += suffix;
-        out += "\" S 0 ";
-        Text::appendGeneral(out, value);
-    };
+    { out << '"' << component << suffix << "\" S 0 " << General{value}; };
     appendComponent('r', colour.redF());
-    out += ' ';
+    out << ' ';
     appendComponent('g', colour.greenF());
-    out += ' ';
+    out << ' ';
     appendComponent('b', colour.blueF());
-    out += ' ';
+    out << ' ';
     appendComponent('a', 1);
 }
 
-void appendAttribute(QByteArray& out, char const* name, int value)
+void appendAttribute(TextBuffer& out, char const* name, int value)
 {
-    out += " \"";
-    out += name;
-    out += "\" S 0 ";
-    Text::appendInteger(out, value);
+    out << " \"" << name << "\" S 0 " << Integer{value};
 }
 
 /// The keys of a shape, checked: what the curves are read from.
@@ -229,23 +217,18 @@ private:
 /// @param valueAt value by key
 /// @param written turns a value into what is written for it; slopes are of the value
 template <typename ValueAt, typename Written>
-void appendCurve(QByteArray& out, ShapeKeys const& keys, ValueAt const& valueAt, Written const& written,
+void appendCurve(TextBuffer& out, ShapeKeys const& keys, ValueAt const& valueAt, Written const& written,
                  char const* tail)
 {
     std::size_t const count = keys.times.size();
-    NukeRotoExporterBase::requireSize(out.size() + static_cast<qint64>(count) * LONGEST_KEY);
     double const first = valueAt(0);
     if (count == 1)
     {
-        out += "S 1 ";
-        Text::appendInteger(out, static_cast<long long>(keys.times[0]));
-        out += ' ';
+        out << "S 1 " << Integer{static_cast<long long>(keys.times[0])} << ' ';
     }
     else
     {
-        out += "L 0 4096 0.5 2 0 0 \"\" 0 ";
-        Text::appendInteger(out, static_cast<long long>(count));
-        out += ' ';
+        out << "L 0 4096 0.5 2 0 0 \"\" 0 " << Integer{static_cast<long long>(count)} << ' ';
         double before = first;
         double value = first;
         for (std::size_t key = 0; key < count; ++key)
@@ -263,7 +246,7 @@ void appendCurve(QByteArray& out, ShapeKeys const& keys, ValueAt const& valueAt,
 
 /// The curves of x and of y, and the lead of the next point.
 template <typename PointAt, typename Written>
-void appendPoint(QByteArray& out, ShapeKeys const& keys, PointAt const& pointAt, Written const& written)
+void appendPoint(TextBuffer& out, ShapeKeys const& keys, PointAt const& pointAt, Written const& written)
 {
     appendCurve(
         out, keys, [&](std::size_t key) { return pointAt(key).x; }, written, " ");
@@ -276,10 +259,10 @@ double asItIs(double value)
     return value;
 }
 
-void appendMainBody(QByteArray& out, ShapeKeys const& keys, Obfuscate const& obfuscator)
+void appendMainBody(TextBuffer& out, ShapeKeys const& keys, Obfuscate const& obfuscator)
 {
     auto const obfuscated = [&](double value) { return obfuscator.obfuscate(value); };
-    out += BODY_LEAD;
+    out << BODY_LEAD;
     for (std::size_t vertex = 0; vertex < keys.vertexCount; ++vertex)
     {
         std::size_t const before = keys.before(vertex);
@@ -293,9 +276,9 @@ void appendMainBody(QByteArray& out, ShapeKeys const& keys, Obfuscate const& obf
     out.chop(LEAD_OF_NEXT_POINT);
 }
 
-void appendFeatherBody(QByteArray& out, ShapeKeys const& keys)
+void appendFeatherBody(TextBuffer& out, ShapeKeys const& keys)
 {
-    out += BODY_LEAD;
+    out << BODY_LEAD;
     for (std::size_t vertex = 0; vertex < keys.vertexCount; ++vertex)
     {
         std::size_t const before = keys.before(vertex);
@@ -315,22 +298,18 @@ void appendFeatherBody(QByteArray& out, ShapeKeys const& keys)
 }
 
 /// The lines in front of a body.
-void appendCurveHead(QByteArray& out, Korvane::ExportBezierCurve const& outline,
+void appendCurveHead(TextBuffer& out, Korvane::ExportBezierCurve const& outline,
                      Korvane::ExportBezierCurve const& curve)
 {
     constexpr int POINTS_PER_SPAN = 3;
-    out += "      CubicCurve: \"\" {\n"
-           "       Type: 0 Flag: ";
-    Text::appendInteger(out, outline.closed ? ClosedCurve : OpenCurve);
-    out += " Dim: 2\n"
-           "       NumOfPoints: ";
-    Text::appendInteger(out, POINTS_PER_SPAN * curve.numSpans());
-    out += '\n';
+    out << "      CubicCurve: \"\" {\n"
+        << "       Type: 0 Flag: " << Integer{outline.closed ? ClosedCurve : OpenCurve} << " Dim: 2\n"
+        << "       NumOfPoints: " << Integer{POINTS_PER_SPAN * curve.numSpans()} << "\n";
 }
 
 }
 
-unsigned int NukeRotoExporterBase::shapeToStr(QByteArray& out, KORV_ProjectManager const& project, QString const& name,
+unsigned int NukeRotoExporterBase::shapeToStr(TextBuffer& out, KORV_ProjectManager const& project, QString const& name,
                                               KORV_Clip const*, Anm::View const& view,
                                               Korvane::ExportedShape::Curves const& maskCurves,
                                               Korvane::ExportedShape::Curves const& blurCurves,
@@ -339,31 +318,29 @@ unsigned int NukeRotoExporterBase::shapeToStr(QByteArray& out, KORV_ProjectManag
                                               bool inverted, QColor const& fill, QColor const& overlay) const
 {
     ShapeKeys const keys(name, maskCurves, blurCurves);
-    out += "   Node: {\n"
-           "    NodeName: \"";
-    out += Text::blanksToUnderscores(name).toUtf8();
-    out += "\" {\n"
-           "     NodeType: 3\n"
-           "     CurveGroup: \"\" {\n";
+    out << "   Node: {\n"
+        << "    NodeName: \"" << Text::blanksToUnderscores(name) << "\" {\n"
+        << "     NodeType: 3\n"
+        << "     CurveGroup: \"\" {\n";
     if (!homographies.empty())
     {
-        out += "      ";
+        out << "      ";
         getTransformBlock(out, homographies);
     }
-    out += "      Flag: 0\n"
-           "      NumOfCubicCurves: 2\n";
+    out << "      Flag: 0\n"
+        << "      NumOfCubicCurves: 2\n";
     appendCurveHead(out, *keys.masks.front(), *keys.masks.front());
     appendMainBody(out, keys, *this);
-    out += "\n"
-           "      }\n";
+    out << "\n"
+        << "      }\n";
     appendCurveHead(out, *keys.masks.front(), *keys.blurs.front());
     appendFeatherBody(out, keys);
-    out += "\n"
-           "      }\n"
-           "      NumOfAttributes: 27\n"
-           "      \"vis\" S 0 1 ";
+    out << "\n"
+        << "      }\n"
+        << "      NumOfAttributes: 27\n"
+        << "      \"vis\" S 0 1 ";
     appendColour(out, fill, "");
-    out += ' ';
+    out << ' ';
     appendColour(out, overlay, "o");
 
     double const first = helper.firstFrame().value();
@@ -371,16 +348,15 @@ unsigned int NukeRotoExporterBase::shapeToStr(QByteArray& out, KORV_ProjectManag
     appendAttribute(out, "opc", 1);
     appendAttribute(out, "bm", blend == ZN_BLEND_ADD ? 0 : MULTIPLY_BLEND);
     appendAttribute(out, "inv", inverted ? 1 : 0);
-    out += SHAPE_ATTRIBUTES;
-    Text::appendInteger(out, project.views()->viewIndex(view) + 1);
+    out << SHAPE_ATTRIBUTES << Integer{project.views()->viewIndex(view) + 1};
     appendAttribute(out, "ltn", static_cast<int>(first) + project.frameOffset());
     appendAttribute(out, "ltm", static_cast<int>(last) + project.frameOffset());
     appendAttribute(out, "ltt", lifetimeType(first, last, project.frameCount()));
-    out += "\n"
-           "     }\n"
-           "    }\n"
-           "    NumOfChildren: 0\n"
-           "   }\n";
+    out << "\n"
+        << "     }\n"
+        << "    }\n"
+        << "    NumOfChildren: 0\n"
+        << "   }\n";
     return keys.leftOut;
 }
 

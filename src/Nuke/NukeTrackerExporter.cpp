@@ -14,7 +14,9 @@ NukeTrackerExporter::~NukeTrackerExporter() = default;
 
 QString NukeTrackerExporter::exportSingleView(QString const& name, CornerPin const& pin) const
 {
-    return trackerNode(name, {pin.to1, pin.to2, pin.to3, pin.to4}, "track ");
+    TextBuffer out;
+    appendTrackerNode(out, name, {pin.to1, pin.to2, pin.to3, pin.to4}, "track ");
+    return out.toString();
 }
 
 }

@@ -18,91 +18,55 @@
 
 #include "Nuke/parts/NukeTrackerNode.h"
 
-#include "Nuke/parts/NukeTemplate.h"
-#include "text/NumberText.h"
-
-#include <algorithm>
-
 namespace Export
 {
 
 namespace
 {
 
-// The third number of the head counts the rows; the columns are enable, name, x and y
-// of the track and of its offset.
-constexpr char NODE[] = "Tracker4 {\n"
-                        "inputs 0\n"
-                        "tracks { { 1 6 %1 } \n"
-                        "{ { 5 1 20 enable e 1 } \n"
-                        "{ 3 1 75 name name 1 } \n"
-                        "{ 2 1 58 track_x track_x 1 } \n"
-                        "{ 2 1 58 track_y track_y 1 } \n"
-                        "{ 2 1 63 offset_x offset_x 1 } \n"
-                        "{ 2 1 63 offset_y offset_y 1 } \n"
-                        "} \n"
-                        "{ \n"
-                        "%2"
-                        "} \n"
-                        "}\n"
-                        "name Tracker_%3\n"
-                        "}\n";
+// With its track's number and what stands around it, beside its curves.
+constexpr qint64 AROUND_ROW = 96;
 
-constexpr char ROW[] = "{ {curve K x1 1} \"%1\" %2 {curve K x1 0} {curve K x1 0} } \n";
-
-// For the whole node, in one buffer; no more than Qt has in one text.
-int roomFor(QString const& name, QVector<NukePointCurve> const& tracks)
+void reserveFor(TextBuffer& out, QVector<NukePointCurve> const& tracks)
 {
-    constexpr long long NUMBER = 16;
-    long long room = static_cast<long long>(sizeof NODE) + NUMBER + name.size();
+    constexpr qint64 AROUND_ROWS = 512;
+    qint64 room = AROUND_ROWS;
     for (NukePointCurve const& track : tracks)
     {
-        room += static_cast<long long>(sizeof ROW) + NUMBER + track.first.textLimit() + track.second.textLimit();
+        room += AROUND_ROW + track.first.textLimit() + track.second.textLimit();
     }
-    return static_cast<int>(std::min(room, (2147483647LL - 64) / 2));
+    out.reserve(room);
 }
 
 }
 
-QString trackerNode(QString const& name, QVector<NukePointCurve> const& tracks, char const* trackName)
+void appendTrackerNode(TextBuffer& out, QString const& name, QVector<NukePointCurve> const& tracks,
+                       char const* trackName)
 {
-    QString node;
-    node.reserve(roomFor(name, tracks));
-    auto const appendRow = [&](int row)
+    reserveFor(out, tracks);
+    // The third number of the head counts the rows; the columns are enable, name, x and y
+    // of the track and of its offset.
+    out << "Tracker4 {\n"
+        << "inputs 0\n"
+        << "tracks { { 1 6 " << Integer{tracks.size()} << " } \n"
+        << "{ { 5 1 20 enable e 1 } \n"
+           "{ 3 1 75 name name 1 } \n"
+           "{ 2 1 58 track_x track_x 1 } \n"
+           "{ 2 1 58 track_y track_y 1 } \n"
+           "{ 2 1 63 offset_x offset_x 1 } \n"
+           "{ 2 1 63 offset_y offset_y 1 } \n"
+           "} \n"
+           "{ \n";
+    for (int row = 0; row < tracks.size(); ++row)
     {
-        appendFilled(node, ROW,
-                     [&](int place)
-                     {
-                         if (place == 1)
-                         {
-                             node += QLatin1String(trackName);
-                             Text::appendInteger(node, row + 1);
-                         }
-                         else
-                         {
-                             appendPoint(node, tracks[row]);
-                         }
-                     });
-    };
-    appendFilled(node, NODE,
-                 [&](int place)
-                 {
-                     switch (place)
-                     {
-                     case 1:
-                         Text::appendInteger(node, tracks.size());
-                         break;
-                     case 2:
-                         for (int row = 0; row < tracks.size(); ++row)
-                         {
-                             appendRow(row);
-                         }
-                         break;
-                     default:
-                         node += name;
-                     }
-                 });
-    return node;
+        out << "{ {curve K x1 1} \"" << trackName << Integer{row + 1} << "\" ";
+        appendPoint(out, tracks[row]);
+        out << " {curve K x1 0} {curve K x1 0} } \n";
+    }
+    out << "} \n"
+        << "}\n"
+        << "name Tracker_" << name << "\n"
+        << "}\n";
 }
 
 }

@@ -5,10 +5,11 @@
 namespace Export
 {
 
-/// The text of a Tracker4 node.
+/// Appends a Tracker4 node.
 ///
 /// @param name what the node's name ends in
 /// @param trackName what stands in front of a track's number, from 1, in its name
-QString trackerNode(QString const& name, QVector<NukePointCurve> const& tracks, char const* trackName);
+void appendTrackerNode(TextBuffer& out, QString const& name, QVector<NukePointCurve> const& tracks,
+                       char const* trackName);
 
 }

@@ -192,7 +192,7 @@ TEST(NukeMesh, NodeWithATrackForEachVertexAndNoneWithoutAMesh)
 TEST(NukeMesh, WhatNoMemoryCanHoldIsRefusedAtOnce)
 {
     constexpr int FRAMES = 100'000;
-    constexpr int VERTICES = 1'100; // ten characters or more for each of the pairs of keys
+    constexpr int VERTICES = 2'200; // ten bytes or more for each of the pairs of keys
     ProjectBuilder builder(FRAMES);
     builder.addLayer("A");
     MarloHost::MeshModel mesh;
@@ -206,7 +206,8 @@ TEST(NukeMesh, WhatNoMemoryCanHoldIsRefusedAtOnce)
     }
     catch (KORV_OperationFailed const& error)
     {
-        EXPECT_TRUE(error.message().startsWith("The track is too large for one Nuke script.")) << error.what();
+        EXPECT_TRUE(error.message().startsWith("The text needs more than the 2 GB that one file can hold."))
+            << error.what();
     }
 }
 

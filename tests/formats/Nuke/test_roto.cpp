@@ -23,9 +23,9 @@ using Spans = std::vector<Sabrel::BezierSpan>;
 
 QByteArray shortText(double value)
 {
-    QByteArray text;
+    TextBuffer text;
     Roto::appendFormattedS(text, value, ";");
-    return text;
+    return text.bytes();
 }
 
 TEST(RotoNumbers, FiveDigitsThreeDecimalsAndASnap)
@@ -85,10 +85,10 @@ TEST(RotoNumbers, AreTheTextOfQtForTheRuleAsItIsWritten)
 
 TEST(RotoNumbers, KeysOfShapesAndOfMatrices)
 {
-    QByteArray text;
+    TextBuffer text;
     Roto::appendFormattedF(text, Anm::Time::fromDouble(1001), 960.0625, -0.25, 1.0 / 3);
     Roto::appendTransformBlock(text, Anm::Time::fromDouble(1001.5), 12.345678, "0 1 0 1 258 0 ");
-    EXPECT_EQ(text, "\"\" 1001 960.06 -0.250 1 0.333 1 258 0 \"\" 1001.5 12.346 0 1 0 1 258 0 ");
+    EXPECT_EQ(text.bytes(), "\"\" 1001 960.06 -0.250 1 0.333 1 258 0 \"\" 1001.5 12.346 0 1 0 1 258 0 ");
 }
 
 boost::shared_ptr<Korvane::ExportCurveBase> bezier(double time, Spans const& spans, bool closed = true)
@@ -120,11 +120,11 @@ struct Shape
         Korvane::TrackingExporterHelper helper;
         helper.initialiseWithPMAndRange(*project, project->toolManager()->currentLayerID(), Anm::View::defaultView(),
                                         2147483647, Anm::Time::fromInt(0), Anm::Time::fromInt(9), false);
-        QByteArray text;
+        TextBuffer text;
         leftOut = NukeRotoExporter(true).shapeToStr(text, *project, "my lens", nullptr, Anm::View::defaultView(), mask,
                                                     blur, motion, helper, blend, inverted, QColor(255, 128, 0),
                                                     QColor(0, 0, 51, 10));
-        return text;
+        return text.bytes();
     }
 };
 
@@ -380,7 +380,7 @@ TEST(RotoDocument, MoreThanAFileHoldsIsRefusedAlsoInParts)
         }
         catch (KORV_OperationFailed const& error)
         {
-            EXPECT_TRUE(error.message().startsWith("The shapes need more than the 2 GB that one file can hold."));
+            EXPECT_TRUE(error.message().startsWith("The text needs more than the 2 GB that one file can hold."));
         }
     }
 }
