@@ -47,7 +47,7 @@ std::vector<ExportRecord> exportAll(Options const& options, Console& console)
     {
         throw usageError(QStringLiteral("all: -o - isn't a folder"));
     }
-    std::vector<FormatEntry> const formats = offeredFormats(options.kind);
+    std::vector<FormatEntry> const formats = formatsOfKind(options.kind);
     checkFormatOptions(formats, options.choices.formatOptions);
     int const total = static_cast<int>(formats.size());
     console.progress(0, total, QStringLiteral("reading ") + options.project);

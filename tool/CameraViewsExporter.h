@@ -1,7 +1,7 @@
 #pragma once
 
 #include "Core/ExporterWrapper.h"
-#include "FormatList.h"
+#include "FindFormat.h"
 #include "Host/Anm.h"
 
 #include <memory>

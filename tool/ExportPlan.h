@@ -2,7 +2,7 @@
 // From what the user chose and a format to exporters with their target paths.
 
 #include "Core/ExportFunctions.h"
-#include "FormatList.h"
+#include "FindFormat.h"
 #include "Options.h"
 
 #include <QString>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "FormatList.h"
+#include "FindFormat.h"
 #include "Options.h"
 #include "Record.h"
 

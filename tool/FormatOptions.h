@@ -1,7 +1,7 @@
 #pragma once
 // What `--option KEY=VALUE` may set for a format.
 
-#include "FormatList.h"
+#include "FindFormat.h"
 
 #include <QMap>
 #include <QString>

@@ -2,7 +2,7 @@
 
 #include "Commands.h"
 #include "Console.h"
-#include "FormatList.h"
+#include "FindFormat.h"
 #include "FormatOptions.h"
 #include "Record.h"
 
@@ -77,7 +77,7 @@ QString tableLine(FormatEntry const& entry, int keyWidth, int nameWidth)
 
 ExitStatus runFormats(Options const& options, Console& console)
 {
-    std::vector<FormatEntry> const entries = offeredFormats(options.kind);
+    std::vector<FormatEntry> const entries = formatsOfKind(options.kind);
     if (options.json)
     {
         Json list = Json::array();

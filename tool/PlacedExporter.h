@@ -2,7 +2,7 @@
 // Exports that each have their own current layer and view.
 
 #include "Core/ExporterWrapper.h"
-#include "FormatList.h"
+#include "FindFormat.h"
 #include "Host/Anm.h"
 
 #include <QSet>

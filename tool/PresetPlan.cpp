@@ -25,7 +25,7 @@ FormatEntry formatOf(ExportInfo const& info, KORV_ProjectManager const& project)
 {
     Export::createExporter(info, project);
     static char const* const words[] = {"tracking", "shape", "camera"};
-    for (FormatEntry const& entry : offeredFormats(QLatin1String(words[info.type])))
+    for (FormatEntry const& entry : formatsOfKind(QLatin1String(words[info.type])))
     {
         if (entry.key() == info.format)
         {

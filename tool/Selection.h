@@ -2,7 +2,7 @@
 // Which layers and views of a project an export takes.
 
 #include "Core/UserOptions.h"
-#include "FormatList.h"
+#include "FindFormat.h"
 #include "Options.h"
 
 #include <QStringList>

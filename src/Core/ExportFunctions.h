@@ -66,6 +66,7 @@ public:
 
 struct BatchItem
 {
+    /// Not null.
     std::shared_ptr<ExporterWrapper> wrapper;
     ExportFileInfo fileInfo;
 
@@ -86,16 +87,17 @@ MARLO_EXPORT_API std::shared_ptr<ExporterWrapper> createExporter(Preset::ExportI
 ///
 /// @param directory where the dialog starts
 /// @return whether anything was written, and where the dialog should start next time
-/// @throws std::logic_error with the reason when the export isn't possible;
-///         KORV_OperationFailed when a folder or a file can't be written
+/// @throws KORV_BadArgument for a null wrapper; std::logic_error with the reason when the
+///         export isn't possible; KORV_OperationFailed when a folder or a file can't be
+///         written
 MARLO_EXPORT_API std::pair<bool, QString> exportToDisk(std::shared_ptr<ExporterWrapper> const& wrapper,
                                                        ExportFileInfo const& fileInfo, QString const& directory,
                                                        KORV_ProjectManager& project,
                                                        ExportMessageBoxProvider& provider);
 
 /// Exports onto the clipboard; leaves it alone when the export gives nothing.
-/// @throws std::logic_error with the reason when the export isn't possible, and
-///         when it gives several files
+/// @throws KORV_BadArgument for a null wrapper; std::logic_error with the reason when the
+///         export isn't possible, and when it gives several files
 MARLO_EXPORT_API void copyToClipboard(std::shared_ptr<ExporterWrapper> const& wrapper, KORV_ProjectManager& project,
                                       ExportMessageBoxProvider& provider, Fnd::IClipboard& clipboard);
 

@@ -1,6 +1,11 @@
 #pragma once
 // From format to exporter. Each factory owns one exporter per format until the
 // process ends; exporters are made when a factory is first asked for anything.
+//
+// Exporters are never null. One serves one export at a time, and all exports run on the
+// thread of the application's user interface: exporters keep their working data in
+// themselves while they run, and nothing behind it. The factories may be asked on any
+// thread for the first time, but formats are added and removed on that one only.
 
 #include "Core/DataFormat.h"
 #include "Core/ExportApi.h"
@@ -39,7 +44,8 @@ public:
                                                                   KORV_ProjectManager const& project);
 
     /// Offers one more format, whatever its categories.
-    /// @throws KORV_BadArgument when a format of the same display name is there
+    /// @throws KORV_BadArgument for a null exporter, and when a format of the same display
+    ///         name is there
     static void registerCustomExporter(TrackingDataFormat const& format,
                                        std::shared_ptr<Korvane::TrackingExporter> const& exporter);
 
@@ -64,7 +70,8 @@ public:
                                                                KORV_ProjectManager const& project);
 
     /// Offers one more format, whatever its category.
-    /// @throws KORV_BadArgument when a format of the same display name is there
+    /// @throws KORV_BadArgument for a null exporter, and when a format of the same display
+    ///         name is there
     static void registerCustomExporter(ShapeDataFormat const& format,
                                        std::shared_ptr<Korvane::ShapeExporter> const& exporter);
 
@@ -91,7 +98,8 @@ public:
     static bool isRegistered(CameraSolveFormat const& format);
 
     /// Offers one more format, whatever its category.
-    /// @throws KORV_BadArgument when a format of the same display name is there
+    /// @throws KORV_BadArgument for a null exporter, and when a format of the same display
+    ///         name is there
     static void registerCustomExporter(CameraSolveFormat const& format,
                                        std::shared_ptr<KV::CameraSolveExporter> const& exporter);
 

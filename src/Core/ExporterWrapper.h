@@ -1,6 +1,7 @@
 #pragma once
 // An exporter together with what the user chose. The export operations
-// (ExportFunctions.h) see nothing but ExporterWrapper, whatever the data kind.
+// (ExportFunctions.h) see nothing but ExporterWrapper, whatever the data kind. Exporters
+// that wrappers are made with must not be null, but where it says so.
 
 #include "Core/DataFormat.h"
 #include "Core/ExportApi.h"
@@ -85,6 +86,8 @@ class MARLO_EXPORT_API ShapeExporterWrapper : public ExporterWrapper
 {
 public:
     /// @param hostPresent whether the program runs inside a plug-in host
+    /// @param exporter used for the clipboard alone, null where that isn't asked for:
+    ///        getExportResult() takes the one that the project's host is offered
     ShapeExporterWrapper(UserShapeOptions const& options, ShapeDataFormat const& format, bool hostPresent,
                          std::shared_ptr<Korvane::ShapeExporter> exporter);
 

@@ -121,7 +121,8 @@ TEST(ExporterFactories, CameraSolveFormatsByName)
     ASSERT_TRUE(Factory::formatByName("custom_camera"));
     EXPECT_EQ(Factory::formatByName("custom_camera")->displayName(), QString("Custom Camera"));
     EXPECT_TRUE(CameraSolveFormat::MAP_ALL().contains("custom_camera"));
-    EXPECT_FALSE(thrown<KORV_BadArgument>([&] { Factory::registerCustomExporter(format, nullptr); }).isEmpty());
+    auto const again = std::make_shared<FakeCameraSolveExporter>();
+    EXPECT_FALSE(thrown<KORV_BadArgument>([&] { Factory::registerCustomExporter(format, again); }).isEmpty());
     Factory::unregisterExporter(format);
     EXPECT_FALSE(Factory::isRegistered(format));
     EXPECT_FALSE(Factory::formatByName("custom_camera"));
@@ -273,7 +274,7 @@ TEST(ExporterMap, AFailingExporterLeavesTheRowsBeforeItAndTheNextCallStartsOver)
         }
         return std::make_shared<FakeTrackingExporter>();
     };
-    Map exporters({{&firstFormat, makeFirst}, {&secondFormat, makeSecond, true}},
+    Map exporters({{&firstFormat, makeFirst, {}}, {&secondFormat, makeSecond, {}, true}},
                   [](T const& format, TXIHost const*) { return format.internalName() == "first"; });
     EXPECT_EQ(thrown<std::runtime_error>([&] { exporters.built(nullptr); }), QString("no licence"));
     s_secondFails = false;

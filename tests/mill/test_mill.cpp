@@ -1,12 +1,18 @@
-// Every offered format goes through the same mill, whichever that are: a format
-// that is added to the tables is covered before its author writes a test.
+// Every offered format goes through the same mill, whichever that are and whatever their
+// kind: a format that is added to the tables is covered before its author writes a test.
 
-#include "Core/DataFormat.h"
 #include "Core/ExportFunctions.h"
+#include "Core/ExportEnvironment.h"
 #include "Core/ExporterFactories.h"
 #include "Core/ExporterWrapper.h"
+#include "Core/FormatList.h"
+#include "Core/LensExporter.h"
+#include "Host/CameraSolveExporter.h"
 #include "Host/KORV_Exception.h"
+#include "Host/ShapeExporter.h"
+#include "Host/TrackingExporter.h"
 #include "ProjectBuilder.h"
+#include "marlohost/Services.h"
 
 #include <gtest/gtest.h>
 
@@ -14,8 +20,10 @@
 #include <QDirIterator>
 #include <QFile>
 #include <QProcess>
+#include <QRegularExpression>
 #include <QTemporaryDir>
 
+#include <clocale>
 #include <cmath>
 #include <limits>
 
@@ -24,63 +32,52 @@ using namespace Export;
 namespace
 {
 
-struct Format
+/// A new count of identifiers for an exporter that mints some, so that every export is the first.
+template <typename Exporter>
+Exporter const& counted(Exporter const& exporter)
 {
-    Preset::ExportInfo::Type type;
-    QString key;
-    QString extension;
-};
-
-std::ostream& operator<<(std::ostream& out, Format const& format)
-{
-    return out << format.key.toStdString();
-}
-
-std::vector<Format> offeredFormats()
-{
-    std::vector<Format> formats;
-    auto const add = [&](Preset::ExportInfo::Type type)
+    if (auto* const minter = dynamic_cast<IdentifierMinter*>(exporter.get()))
     {
-        return [&formats, type](DataFormatBase const& format) {
-            formats.push_back({type, format.internalName(), format.extension()});
-        };
-    };
-    TrackingExporterFactory::forEachFormat(add(Preset::ExportInfo::Tracking), nullptr);
-    ShapeExporterFactory::forEachFormat(add(Preset::ExportInfo::Shape), nullptr);
-    CameraSolveExporterFactory::forEachFormat(add(Preset::ExportInfo::Camera));
-    return formats;
+        minter->setEnvironment(std::make_shared<CountingEnvironment>());
+    }
+    return exporter;
 }
 
-std::shared_ptr<ExporterWrapper> wrapperOf(Format const& format, KORV_ProjectManager const& project)
+std::shared_ptr<ExporterWrapper> wrapperOf(FormatEntry const& format, KORV_ProjectManager const& project)
 {
     std::vector<Anm::View> const views{project.currentView()};
-    Preset::ExportInfo info;
-    info.format = format.key;
-    info.type = format.type;
-    switch (format.type)
+    QString const& name = format.format().displayName();
+    switch (format.kind())
     {
-    case Preset::ExportInfo::Tracking:
+    case FormatKind::Tracking:
     {
         UserTrackingOptions options;
         options.viewsToExport = views;
-        info.options = options;
-        break;
+        auto const exporter = TrackingExporterFactory::getExporter(format.as<TrackingDataFormat>());
+        return std::make_shared<TrackingExporterWrapper>(counted(exporter), options, false, name);
     }
-    case Preset::ExportInfo::Shape:
+    case FormatKind::Shape:
     {
         UserShapeOptions options;
         options.viewsToExport = views;
-        info.options = options;
+        auto const& shape = format.as<ShapeDataFormat>();
+        auto const exporter = ShapeExporterFactory::getExporter(shape, project);
+        return std::make_shared<ShapeExporterWrapper>(options, shape, false, counted(exporter));
+    }
+    case FormatKind::Camera:
+    {
+        auto const exporter = CameraSolveExporterFactory::getExporter(format.as<CameraSolveFormat>());
+        return std::make_shared<CameraSolveExporterWrapper>(UserCameraSolveOptions(), false, name, counted(exporter));
+    }
+    case FormatKind::Lens:
         break;
     }
-    case Preset::ExportInfo::Camera:
-        info.options = UserCameraSolveOptions();
-        break;
-    }
-    return createExporter(info, project);
+    constexpr unsigned int FIRST_CLIP = 1;
+    auto const exporter = LensExporter::EXPORTERS_BY_FORMAT().value(format.as<LensDataFormat>());
+    return std::make_shared<LensExporterWrapper>(FIRST_CLIP, std::any(), name, exporter);
 }
 
-Korvane::ExportedFiles exported(Format const& format, ProjectBuilder const& builder, QString const& path)
+Korvane::ExportedFiles exported(FormatEntry const& format, ProjectBuilder const& builder, QString const& path)
 {
     auto const project = builder.make("/shots/mill.json");
     auto const wrapper = wrapperOf(format, *project);
@@ -179,7 +176,7 @@ ToolRun runTool(QStringList const& arguments, QMap<QString, QString> const& envi
     return {process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1, process.readAllStandardError()};
 }
 
-class Mill : public testing::TestWithParam<Format>
+class Mill : public testing::TestWithParam<FormatEntry>
 {
 protected:
     void SetUp() override
@@ -206,7 +203,7 @@ protected:
 
 TEST_P(Mill, WrittenTwiceIsEqualAndAnotherProjectBetweenLeavesNoTrace)
 {
-    QString const target = path("out" + GetParam().extension);
+    QString const target = path("out" + GetParam().format().extension());
     ProjectBuilder other = ProjectBuilder(3).addLayer("Other");
     other.model.solve = MarloHost::SolveModel();
     auto const first = exported(GetParam(), smallProject(), target);
@@ -223,18 +220,20 @@ TEST_P(Mill, WrittenTwiceIsEqualAndAnotherProjectBetweenLeavesNoTrace)
     EXPECT_EQ(first.messages, QStringList());
 }
 
+// The build makes the locale and LOCPATH tells where it is: without it a program stays in "C"
+// and nothing is tested.
 TEST_P(Mill, GermanLocaleAndAnotherHashSeedChangeNoByte)
 {
     QString const project = writeProjectFile(smallProject());
     QMap<QString, QString> const environments[] = {
-        {{"LC_ALL", "C"}, {"QT_HASH_SEED", "0"}, {"SOURCE_DATE_EPOCH", "86400"}},
-        {{"LC_ALL", "de_DE.UTF-8"}, {"LANG", "de_DE.UTF-8"}, {"QT_HASH_SEED", "31"}, {"SOURCE_DATE_EPOCH", "86400"}},
+        {{"LC_ALL", "C"}, {"QT_HASH_SEED", "0"}},
+        {{"LC_ALL", "de_DE.UTF-8"}, {"LANG", "de_DE.UTF-8"}, {"QT_HASH_SEED", "31"}},
     };
     QMap<QString, QByteArray> written[2];
     for (int i = 0; i < 2; ++i)
     {
         QString const folder = path(QString::number(i)) + "/";
-        ToolRun const run = runTool({"export", project, GetParam().key, "-o", folder}, environments[i]);
+        ToolRun const run = runTool({"export", project, GetParam().key(), "-o", folder}, environments[i]);
         ASSERT_EQ(run.status, 0) << run.errors.toStdString();
         written[i] = filesBelow(folder);
     }
@@ -244,6 +243,25 @@ TEST_P(Mill, GermanLocaleAndAnotherHashSeedChangeNoByte)
     {
         EXPECT_TRUE(sameBytes(written[0][file], written[1].value(file)));
     }
+
+    ASSERT_STREQ(std::setlocale(LC_ALL, "de_DE.UTF-8"), "de_DE.UTF-8");
+    ASSERT_STREQ(std::localeconv()->decimal_point, ",");
+    auto const here = exported(GetParam(), smallProject(), path("out" + GetParam().format().extension()));
+    std::setlocale(LC_ALL, "C");
+    EXPECT_EQ(here.files.first(), written[0].first());
+}
+
+TEST_P(Mill, TheClipboardGetsWhatAFileGets)
+{
+    if (!supportsCopy(GetParam().format()))
+    {
+        GTEST_SKIP() << "goes to files only";
+    }
+    auto const project = smallProject().make("/shots/mill.json");
+    MarloHost::MemoryClipboard clipboard;
+    Declining provider;
+    copyToClipboard(wrapperOf(GetParam(), *project), *project, provider, clipboard);
+    EXPECT_EQ(clipboard.text().toUtf8(), exported(GetParam(), smallProject(), QString()).files.first());
 }
 
 TEST_P(Mill, ATargetThatCannotBeWrittenIsNamedAndNothingIsLeftBehind)
@@ -253,7 +271,7 @@ TEST_P(Mill, ATargetThatCannotBeWrittenIsNamedAndNothingIsLeftBehind)
     blocker.close();
     auto const project = smallProject().make();
     Declining provider;
-    QString const target = path("file/deeper/out" + GetParam().extension);
+    QString const target = path("file/deeper/out" + GetParam().format().extension());
     try
     {
         exportBatch({{wrapperOf(GetParam(), *project), {}, target}}, *project, provider);
@@ -270,7 +288,7 @@ TEST_P(Mill, ATargetThatCannotBeWrittenIsNamedAndNothingIsLeftBehind)
 TEST_P(Mill, AFullDiskLeavesTheOlderFilesAsTheyWere)
 {
     QString const project = writeProjectFile(smallProject());
-    QStringList const arguments{"export", project, GetParam().key, "-o", path("out") + "/", "--overwrite"};
+    QStringList const arguments{"export", project, GetParam().key(), "-o", path("out") + "/", "--overwrite"};
     ASSERT_EQ(runTool(arguments).status, 0);
     QMap<QString, QByteArray> older;
     for (QString const& file : filesBelow(path("out")).keys())
@@ -296,7 +314,7 @@ TEST_P(Mill, NamesNeverBecomePlaceholdersOrFolders)
         builder.model.currentLayer = builder.layer().name;
         builder.model.solve->features.back().layer = builder.layer().name;
         QString const folder = path("names");
-        ToolRun const run = runTool({"export", writeProjectFile(builder), GetParam().key, "-o", folder + "/"});
+        ToolRun const run = runTool({"export", writeProjectFile(builder), GetParam().key(), "-o", folder + "/"});
         EXPECT_EQ(run.status, 0) << name << ": " << run.errors.toStdString();
         QStringList const files = filesBelow(folder).keys();
         EXPECT_FALSE(files.isEmpty()) << name;
@@ -308,40 +326,70 @@ TEST_P(Mill, NamesNeverBecomePlaceholdersOrFolders)
     }
 }
 
-TEST_P(Mill, ValuesThatAreNotFiniteAreCountedAndNeverWritten)
+/// Where a project may hold a value that isn't finite, and which formats are about it.
+struct BadPlace
 {
-    double const bad[] = {std::nan(""), std::numeric_limits<double>::infinity()};
-    for (double const value : bad)
+    char const* name;
+    FormatNeed need;
+    double& (*number)(MarloHost::ProjectModel& model);
+};
+
+BadPlace const BAD_PLACES[] = {
+    {"a homography", NeedsTrack,
+     [](MarloHost::ProjectModel& model) -> double& { return model.layers[0].tracks[0].homographies[9 + 2]; }},
+    {"a contour", NeedsContours,
+     [](MarloHost::ProjectModel& model) -> double& { return model.layers[0].contours[0].keys[0].points[1]; }},
+    {"a mesh", NeedsMesh,
+     [](MarloHost::ProjectModel& model) -> double& { return model.layers[0].mesh->tracks[0].positions[3]; }},
+    {"a camera", NeedsSolve,
+     [](MarloHost::ProjectModel& model) -> double& { return model.solve->camera.pose.positions[4]; }},
+};
+
+/// A number's word for what isn't finite, whatever stands around it.
+bool holdsNonFiniteWord(QByteArray const& text)
+{
+    static QRegularExpression const word("(?<![A-Za-z0-9_])[-+]?(nan|inf|infinity)(?![A-Za-z0-9_])",
+                                         QRegularExpression::CaseInsensitiveOption);
+    return !text.contains('\0') && word.match(QString::fromUtf8(text)).hasMatch();
+}
+
+TEST_P(Mill, ValuesThatAreNotFiniteAreToldAndNeverWritten)
+{
+    FormatTraits const& traits = GetParam().traits();
+    for (BadPlace const& place : BAD_PLACES)
     {
-        ProjectBuilder builder = smallProject();
-        auto& numbers = builder.layer().tracks.front().homographies;
-        numbers[9 + 2] = value;
-        builder.model.solve->camera.pose.positions[4] = value;
-        auto const result = exported(GetParam(), builder, path("out" + GetParam().extension));
-        // The result of masks has no place for a count.
-        if (GetParam().key != "after_effects_mask")
+        for (double const value : {std::nan(""), std::numeric_limits<double>::infinity()})
         {
-            EXPECT_GT(result.failedCount + result.messages.size(), 0);
-        }
-        for (QByteArray const& content : result.files)
-        {
-            for (char const* word : {"\tnan", "\tinf", "\t-inf", " nan", " inf", "\tNaN"})
+            ProjectBuilder builder = smallProject();
+            place.number(builder.model) = value;
+            auto const result = exported(GetParam(), builder, path("out" + GetParam().format().extension()));
+            if (traits.needs.testFlag(place.need) && traits.leftOut == LeftOut::IsTold)
             {
-                EXPECT_FALSE(content.contains(word)) << word;
+                EXPECT_GT(result.failedCount + result.messages.size(), 0) << place.name << " of " << value;
+            }
+            for (QByteArray const& content : result.files)
+            {
+                EXPECT_FALSE(holdsNonFiniteWord(content)) << place.name << " of " << value;
             }
         }
     }
 }
 
-TEST_P(Mill, AnEmptyLayerIsSaidAndDoesNoHarm)
+TEST_P(Mill, ALayerWithoutTrackingDataIsToldOrRefused)
 {
-    if (GetParam().type != Preset::ExportInfo::Tracking)
+    FormatTraits const& traits = GetParam().traits();
+    if (!traits.needs.testFlag(NeedsTrack))
     {
-        GTEST_SKIP() << "only tracking formats read the track of a layer";
+        GTEST_SKIP() << "doesn't read the track of a layer";
     }
     ProjectBuilder builder = smallProject();
     builder.layer().tracks.clear();
-    QString const target = path("out" + GetParam().extension);
+    QString const target = path("out" + GetParam().format().extension());
+    if (traits.untracked == Untracked::IsRefused)
+    {
+        EXPECT_THROW(exported(GetParam(), builder, target), KORV_Exception);
+        return;
+    }
     auto const result = exported(GetParam(), builder, target);
     EXPECT_EQ(result.messages, QStringList(target + ": Layer \"Poster\" has no tracking data"));
 }
@@ -364,9 +412,9 @@ QMap<QString, QString> goldenFolders()
 
 TEST_P(Mill, TextEqualsItsGolden)
 {
-    QString const golden = goldenFolders().value(GetParam().key);
-    ASSERT_FALSE(golden.isEmpty()) << "no folder tests/formats/FAMILY/golden/" << GetParam().key.toStdString();
-    QString const target = "/golden/out" + GetParam().extension;
+    QString const golden = goldenFolders().value(GetParam().key());
+    ASSERT_FALSE(golden.isEmpty()) << "no folder tests/formats/FAMILY/golden/" << GetParam().key().toStdString();
+    QString const target = "/golden/out" + GetParam().format().extension();
     auto const result = exported(GetParam(), smallProject(), target);
     if (qEnvironmentVariableIsSet("MARLO_UPDATE_GOLDENS"))
     {
@@ -389,16 +437,17 @@ TEST_P(Mill, TextEqualsItsGolden)
 }
 
 INSTANTIATE_TEST_SUITE_P(Formats, Mill, testing::ValuesIn(offeredFormats()),
-                         [](testing::TestParamInfo<Format> const& format) { return format.param.key.toStdString(); });
+                         [](testing::TestParamInfo<FormatEntry> const& format)
+                         { return format.param.key().toStdString(); });
 
 // Parameter names, and so the list of tests, must differ; and a golden without a
 // format is left over from something.
 TEST(MillItself, GoldensAndOfferedFormatsAreTheSame)
 {
     QStringList keys;
-    for (Format const& format : offeredFormats())
+    for (FormatEntry const& format : offeredFormats())
     {
-        keys.append(format.key);
+        keys.append(format.key());
     }
     keys.sort();
     EXPECT_EQ(goldenFolders().keys(), keys);
@@ -415,16 +464,16 @@ TEST(Printed, TransformAndCornerPinDocuments)
             return frame == 0 ? ProjectBuilder::identity()
                               : ProjectBuilder::similarity(960, 540, -1.5 * 3.141592653589793 / 180, 1.005, 1.5, -0.25);
         });
-    EXPECT_TRUE(sameBytes(
-        fileContent(MARLO_SOURCE_DIR "/tests/formats/AfterEffects/printed/after_effects_transform.txt"),
-        exported({Preset::ExportInfo::Tracking, "after_effects_transform", ".txt"}, transform, "p").files.value("p")));
+    EXPECT_TRUE(
+        sameBytes(fileContent(MARLO_SOURCE_DIR "/tests/formats/AfterEffects/printed/after_effects_transform.txt"),
+                  exported(FormatEntry(TrackingDataFormat::AE_TRANSFORM()), transform, "p").files.value("p")));
 
     ProjectBuilder pin(2);
     pin.addLayer("A", {100, 50, 200, 50, 100, 100, 200, 100});
     pin.track([](int frame) { return ProjectBuilder::translation(frame, -0.5 * frame); });
-    EXPECT_TRUE(sameBytes(
-        fileContent(MARLO_SOURCE_DIR "/tests/formats/AfterEffects/printed/after_effects_corner_pin.txt"),
-        exported({Preset::ExportInfo::Tracking, "after_effects_corner_pin", ".txt"}, pin, "p").files.value("p")));
+    EXPECT_TRUE(
+        sameBytes(fileContent(MARLO_SOURCE_DIR "/tests/formats/AfterEffects/printed/after_effects_corner_pin.txt"),
+                  exported(FormatEntry(TrackingDataFormat::AE_CORNER_PIN_SIMPLE()), pin, "p").files.value("p")));
 }
 
 }

@@ -1,5 +1,5 @@
-// Every exporter of camera solves. A new one is a line here, in the order of the
-// formats.
+// Every exporter of camera solves, with what its format declares about itself. A new one is
+// a row here, in the order of the formats.
 
 #include "Core/formats/ExporterTables.h"
 
@@ -9,15 +9,30 @@
 namespace Export
 {
 
-// The row of KestreliaProjectFile is to say `true` behind its exporter: that format
-// is offered whatever the product's categories are.
+namespace
+{
+
+constexpr char PASTE_CAMERA[] =
+    "Copy the text and paste it with Paste Marlo Camera in the Edit menu, which the importer plug-in adds.";
+
+}
+
+// exporter, what it honours and needs, what breaks a field, the way in, limits. The row of
+// KestreliaProjectFile is to end in `true`: that format is offered whatever the product's
+// categories are.
 std::vector<CameraSolveRow> cameraSolveRows()
 {
     using F = CameraSolveFormat;
     using Row = CameraSolveRow;
     return {
-        {&F::AE, &Row::make<AE3DMotionExporter, 2>},
-        {&F::AE_legacy, &Row::make<AE3DMotionExporter, 1>},
+        {&F::AE,
+         &Row::make<AE3DMotionExporter, 2>,
+         {HonoursObjects, NeedsSolve, "", PASTE_CAMERA,
+          "Six significant digits; one eye of a stereo pair; no lens; nulls are tied to their parents by name."}},
+        {&F::AE_legacy,
+         &Row::make<AE3DMotionExporter, 1>,
+         {HonoursObjects, NeedsSolve, "", PASTE_CAMERA,
+          "Six significant digits; one eye of a stereo pair; no lens; nulls without hierarchy."}},
     };
 }
 

@@ -41,6 +41,15 @@ CameraSolveMap& cameraSolveExporters()
     return exporters;
 }
 
+template <typename Exporter>
+void requireExporter(std::shared_ptr<Exporter> const& exporter)
+{
+    if (!exporter)
+    {
+        throwBadArgument(QStringLiteral("There is no exporter to register"));
+    }
+}
+
 }
 
 // The look-ups with and without a project each keep the map as their own first call
@@ -68,6 +77,7 @@ std::shared_ptr<Korvane::TrackingExporter> TrackingExporterFactory::getExporter(
 void TrackingExporterFactory::registerCustomExporter(TrackingDataFormat const& format,
                                                      std::shared_ptr<Korvane::TrackingExporter> const& exporter)
 {
+    requireExporter(exporter);
     trackingExporters().add(format, exporter,
                             tr("Format with '%1' name already has been registered").arg(format.displayName()));
 }
@@ -99,6 +109,7 @@ std::shared_ptr<Korvane::ShapeExporter> ShapeExporterFactory::getExporter(ShapeD
 void ShapeExporterFactory::registerCustomExporter(ShapeDataFormat const& format,
                                                   std::shared_ptr<Korvane::ShapeExporter> const& exporter)
 {
+    requireExporter(exporter);
     shapeExporters().add(format, exporter,
                          tr("Format with '%1' name already has been registered").arg(format.displayName()));
 }
@@ -140,6 +151,7 @@ bool CameraSolveExporterFactory::isRegistered(CameraSolveFormat const& format)
 void CameraSolveExporterFactory::registerCustomExporter(CameraSolveFormat const& format,
                                                         std::shared_ptr<KV::CameraSolveExporter> const& exporter)
 {
+    requireExporter(exporter);
     cameraSolveExporters().add(format, exporter,
                                tr("Format with '%1' name already has been registered").arg(format.displayName()));
 }

@@ -5,6 +5,7 @@
 #include "Core/DataFormat.h"
 #include "Writing/ThrowHelpers.h"
 #include "Host/PluginHost.h"
+#include "Writing/FormatTraits.h"
 
 #include <QByteArray>
 #include <QList>
@@ -57,6 +58,7 @@ struct ExporterRow
 {
     Format const& (*format)();
     std::shared_ptr<Exporter> (*create)();
+    FormatTraits traits;
 
     /// Offered whatever the product's categories are.
     bool always = false;

@@ -1,26 +1,15 @@
 // Every exporter of lens data. A new one is a line here, in the order of the formats.
 
-#include "Core/LensExporter.h"
+#include "Core/formats/ExporterTables.h"
 
-#include <vector>
+#include "Core/LensExporter.h"
 
 namespace Export
 {
 
-namespace
-{
-
-struct LensRow
-{
-    LensDataFormat const& (*format)();
-    boost::shared_ptr<LensExporter const> (*create)();
-};
-
 std::vector<LensRow> lensRows()
 {
     return {};
-}
-
 }
 
 QMap<LensDataFormat, boost::shared_ptr<LensExporter const>> const& LensExporter::EXPORTERS_BY_FORMAT()

@@ -1,4 +1,5 @@
-// Every exporter of shape data. A new one is a line here, in the order of the formats.
+// Every exporter of shape data, with what its format declares about itself. A new one is a
+// row here, in the order of the formats.
 
 #include "Core/formats/ExporterTables.h"
 
@@ -10,19 +11,57 @@
 namespace Export
 {
 
+namespace
+{
+
+constexpr FormatHonours IN_VIEWS(QFlag(HonoursLayers | HonoursViews));
+
+// What ends a quoted name of the tree, and what means something to Tcl around it.
+constexpr char TREE[] = "{}[]\"\\;$";
+
+constexpr char PASTE_NODE[] = "Paste the text into the node graph, or open the file as a script.";
+constexpr char BAKED[] =
+    "Five significant digits and at most three decimals: 0.05 px from 1000 px on. A key for each frame; X-splines "
+    "become Bezier curves.";
+constexpr char WITH_MATRIX[] =
+    "Five significant digits and at most three decimals: 0.05 px from 1000 px on. X-splines become Bezier curves.";
+
+}
+
+// exporter, what it honours and needs, what breaks a field, the way in, limits
 std::vector<ShapeRow> shapeRows()
 {
     using F = ShapeDataFormat;
     using Row = ShapeRow;
     return {
-        {&F::AE_MARLO_SHAPE, &Row::make<MarloShapeAEExporter>},
-        {&F::NUKE_ROTO_PAINT_WITH_MATRIX, &Row::make<NukeRotoPaintExporter, true>},
-        {&F::NUKE_ROTO_PAINT_NO_MATRIX, &Row::make<NukeRotoPaintExporter, false>},
-        {&F::NUKE_ROTO_WITH_MATRIX, &Row::make<NukeRotoExporter, true>},
-        {&F::NUKE_ROTO_NO_MATRIX, &Row::make<NukeRotoExporter, false>},
-        {&F::NUKE_SPLINE_WARP, &Row::make<NukeSplineWarpExporter>},
-        {&F::MARLO_BLEND, &Row::make<MarloBlendExporter, false>},
-        {&F::GLIMMERSET_FXS, &Row::make<Korvane::GlimmersetShapeExporter>},
+        {&F::AE_MARLO_SHAPE,
+         &Row::make<MarloShapeAEExporter>,
+         {HonoursLayers, NeedsContours, "", "Copy the text and paste it with Paste Marlo Mask in the Edit menu.",
+          "Six significant digits; one view; contours that leave 30000 px around the picture are baked; rows that "
+          "aren't finite are left out without a word.",
+          LeftOut::IsSilent}},
+        {&F::NUKE_ROTO_PAINT_WITH_MATRIX,
+         &Row::make<NukeRotoPaintExporter, true>,
+         {IN_VIEWS, NeedsContours, TREE, PASTE_NODE, WITH_MATRIX}},
+        {&F::NUKE_ROTO_PAINT_NO_MATRIX,
+         &Row::make<NukeRotoPaintExporter, false>,
+         {IN_VIEWS, NeedsContours, TREE, PASTE_NODE, BAKED}},
+        {&F::NUKE_ROTO_WITH_MATRIX,
+         &Row::make<NukeRotoExporter, true>,
+         {IN_VIEWS, NeedsContours, TREE, PASTE_NODE, WITH_MATRIX}},
+        {&F::NUKE_ROTO_NO_MATRIX,
+         &Row::make<NukeRotoExporter, false>,
+         {IN_VIEWS, NeedsContours, TREE, PASTE_NODE, BAKED}},
+        {&F::NUKE_SPLINE_WARP,
+         &Row::make<NukeSplineWarpExporter>,
+         {IN_VIEWS, NeedsContours, TREE, PASTE_NODE, WITH_MATRIX}},
+        {&F::MARLO_BLEND,
+         &Row::make<MarloBlendExporter, false>,
+         {IN_VIEWS, NeedsContours, TREE, "Load the file with the blending plug-in.", BAKED}},
+        {&F::GLIMMERSET_FXS,
+         &Row::make<Korvane::GlimmersetShapeExporter>,
+         {IN_VIEWS, NeedsContours, "", "Open the file in Glimmerset.",
+          "No frames that stand in for others are marked; Veil ML contours are refused."}},
     };
 }
 

@@ -30,9 +30,13 @@ struct ExportFunctions
     Q_DECLARE_TR_FUNCTIONS(ExportFunctions)
 };
 
-void checkPossible(ExporterWrapper const& wrapper, KORV_ProjectManager& project)
+void checkPossible(std::shared_ptr<ExporterWrapper> const& wrapper, KORV_ProjectManager& project)
 {
-    auto const [isPossible, reason] = wrapper.isExportPossible(project);
+    if (!wrapper)
+    {
+        throwBadArgument(QStringLiteral("There is no export to run"));
+    }
+    auto const [isPossible, reason] = wrapper->isExportPossible(project);
     if (!isPossible)
     {
         throw std::logic_error(reason.value_or(""));
@@ -241,7 +245,7 @@ std::pair<bool, QString> exportToDisk(std::shared_ptr<ExporterWrapper> const& wr
                                       QString const& directory, KORV_ProjectManager& project,
                                       ExportMessageBoxProvider& provider)
 {
-    checkPossible(*wrapper, project);
+    checkPossible(wrapper, project);
     if (fileInfo.canSave == 0)
     {
         return {false, directory};
@@ -266,7 +270,7 @@ std::pair<bool, QString> exportToDisk(std::shared_ptr<ExporterWrapper> const& wr
 void copyToClipboard(std::shared_ptr<ExporterWrapper> const& wrapper, KORV_ProjectManager& project,
                      ExportMessageBoxProvider& provider, Fnd::IClipboard& clipboard)
 {
-    checkPossible(*wrapper, project);
+    checkPossible(wrapper, project);
     Korvane::ExportedFiles result = wrapper->getExportResult(project, QStringLiteral(""));
     dropIfAbandoned(result, provider);
     if (result.files.size() > 1)
@@ -285,7 +289,7 @@ bool exportBatch(std::vector<BatchItem> const& items, KORV_ProjectManager& proje
     Korvane::ExportedFiles merged;
     for (BatchItem const& item : items)
     {
-        checkPossible(*item.wrapper, project);
+        checkPossible(item.wrapper, project);
         Korvane::ExportedFiles const result = item.wrapper->getExportResult(project, item.path);
         merged.messages += result.messages;
         merged.notices.insert(merged.notices.end(), result.notices.begin(), result.notices.end());

@@ -1,7 +1,5 @@
-#include "FormatList.h"
+#include "FindFormat.h"
 
-#include "Core/ExporterFactories.h"
-#include "Core/LensExporter.h"
 #include "Failure.h"
 
 #include <QStringList>
@@ -38,7 +36,7 @@ QStringList nearestKeys(QString const& text)
 {
     int const farthest = std::max(2, text.size() / 3);
     std::vector<std::pair<int, QString>> near;
-    for (FormatEntry const& entry : offeredFormats())
+    for (FormatEntry const& entry : Export::offeredFormats())
     {
         int const distance = editDistance(text.toLower(), entry.key());
         if (distance <= farthest)
@@ -61,60 +59,19 @@ QStringList nearestKeys(QString const& text)
 
 }
 
-QString kindWord(Kind kind)
+std::vector<FormatEntry> formatsOfKind(QString const& word)
 {
-    static char const* const words[] = {"tracking", "shape", "camera", "lens"};
-    return QLatin1String(words[static_cast<std::size_t>(kind)]);
-}
-
-FormatEntry::FormatEntry(Format const& format) : m_format(format)
-{
-}
-
-Kind FormatEntry::kind() const
-{
-    return static_cast<Kind>(m_format.index());
-}
-
-bool FormatEntry::isOfLayers() const
-{
-    return format().flags().testFlag(Export::BelongsToLayers);
-}
-
-Export::DataFormatBase const& FormatEntry::format() const
-{
-    return std::visit([](auto const& concrete) -> Export::DataFormatBase const& { return concrete; }, m_format);
-}
-
-QString const& FormatEntry::key() const
-{
-    return format().internalName();
-}
-
-std::vector<FormatEntry> offeredFormats(QString const& word)
-{
-    std::vector<FormatEntry> entries;
-    auto const add = [&](auto const& format)
-    {
-        FormatEntry const entry(format);
-        if (word.isEmpty() || kindWord(entry.kind()) == word)
-        {
-            entries.push_back(entry);
-        }
-    };
-    Export::TrackingExporterFactory::forEachFormat(add, nullptr);
-    Export::ShapeExporterFactory::forEachFormat(add, nullptr);
-    Export::CameraSolveExporterFactory::forEachFormat(add);
-    for (Export::LensDataFormat const& format : Export::LensExporter::EXPORTERS_BY_FORMAT().keys())
-    {
-        add(format);
-    }
+    std::vector<FormatEntry> entries = Export::offeredFormats();
+    entries.erase(std::remove_if(entries.begin(), entries.end(),
+                                 [&](FormatEntry const& entry)
+                                 { return !word.isEmpty() && kindWord(entry.kind()) != word; }),
+                  entries.end());
     return entries;
 }
 
 FormatEntry findFormat(QString const& key)
 {
-    for (FormatEntry const& entry : offeredFormats())
+    for (FormatEntry const& entry : Export::offeredFormats())
     {
         if (entry.key() == key)
         {

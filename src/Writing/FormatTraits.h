@@ -1,0 +1,81 @@
+#pragma once
+
+#include <QFlags>
+
+namespace Export
+{
+
+/// Which of the user's choices an export of a format follows. The others change nothing in
+/// its files.
+enum FormatHonour
+{
+    /// One export holds all layers that were chosen, else the first or the current one.
+    HonoursLayers = 1,
+
+    /// One export holds all views that were chosen, else one.
+    HonoursViews = 2,
+
+    /// Which motion is exported: basic, adjusted, offset or stabilized.
+    HonoursMotion = 4,
+    HonoursInvert = 8,
+    HonoursUndistort = 16,
+
+    /// Which objects of the scene are exported.
+    HonoursObjects = 32
+};
+Q_DECLARE_FLAGS(FormatHonours, FormatHonour)
+Q_DECLARE_OPERATORS_FOR_FLAGS(FormatHonours)
+
+/// What an export of a format is about: without it there is nothing to write.
+enum FormatNeed
+{
+    NeedsTrack = 1,
+    NeedsMesh = 2,
+    NeedsContours = 4,
+    NeedsSolve = 8,
+    NeedsLens = 16
+};
+Q_DECLARE_FLAGS(FormatNeeds, FormatNeed)
+Q_DECLARE_OPERATORS_FOR_FLAGS(FormatNeeds)
+
+/// How an export says that it left something out, as its value isn't finite.
+enum class LeftOut
+{
+    /// By a count or by messages.
+    IsTold,
+
+    /// Not at all: the result of its kind has no place for it.
+    IsSilent
+};
+
+/// What an export makes of a layer without tracking data.
+enum class Untracked
+{
+    /// A document without rows, and a message.
+    IsTold,
+    IsRefused
+};
+
+/// What a format declares about itself, beside its exporter in the table of its data kind.
+/// Callers warn, skip or refuse by it; nothing of it changes what exporters write.
+struct FormatTraits
+{
+    FormatHonours honours;
+    FormatNeeds needs;
+
+    /// Printable characters of a name (layer, contour, view) that would leave their field
+    /// in the format's text. Control characters do in every format.
+    char const* breaksField = "";
+
+    /// How the user gets the files into the target program, a sentence or two.
+    char const* wayIn = "";
+
+    /// What the target can't hold or the text can't say, in sentences; the format's page has
+    /// the details.
+    char const* limits = "";
+
+    LeftOut leftOut = LeftOut::IsTold;
+    Untracked untracked = Untracked::IsTold;
+};
+
+}
