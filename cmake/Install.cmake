@@ -27,11 +27,20 @@ if(TARGET marlo-export)
 endif()
 
 # Headers keep their folder, so that they find one another as they do in the sources.
+# Those in a room inside a folder of src/ are private to it.
 set(marlo_header_dirs platform/mtx platform/kestrelia platform/usd)
 if(TARGET marlohost)
     list(APPEND marlo_header_dirs host/marlohost)
 endif()
-install(DIRECTORY src/ ${marlo_header_dirs} DESTINATION ${marlo_include_dir} FILES_MATCHING PATTERN "*.h")
+file(GLOB marlo_rooms_inside LIST_DIRECTORIES true RELATIVE ${CMAKE_SOURCE_DIR}/src ${CMAKE_SOURCE_DIR}/src/*/*)
+set(marlo_private_rooms)
+foreach(room IN LISTS marlo_rooms_inside)
+    if(IS_DIRECTORY ${CMAKE_SOURCE_DIR}/src/${room})
+        list(APPEND marlo_private_rooms PATTERN ${room} EXCLUDE)
+    endif()
+endforeach()
+install(DIRECTORY src/ ${marlo_header_dirs} DESTINATION ${marlo_include_dir}
+    FILES_MATCHING PATTERN "*.h" ${marlo_private_rooms})
 
 install(EXPORT MarloExportTargets NAMESPACE MarloExport:: DESTINATION ${marlo_cmake_dir})
 configure_package_config_file(cmake/MarloExportConfig.cmake.in ${CMAKE_BINARY_DIR}/cmake/MarloExportConfig.cmake

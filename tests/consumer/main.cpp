@@ -1,10 +1,12 @@
-// A program that links the installed library: lists the tracking formats, then
-// makes a project of two frames and prints it as keyframe text.
+// A program that links the installed library: registers an exporter of its own, lists the
+// tracking formats, then makes a project of two frames and prints it as keyframe text and
+// in its own format.
+
+#include "CornerListExporter.h"
 
 #include "Core/ExporterFactories.h"
 #include "Host/KORV_Layer.h"
 #include "Host/KORV_ProjectManager.h"
-#include "Host/TrackingExporter.h"
 #include "marlohost/ProjectFile.h"
 #include "marlohost/ProjectModel.h"
 
@@ -21,6 +23,7 @@ MarloHost::ProjectModel movingSurface()
     clip.width = 1920;
     clip.height = 1080;
     clip.frameCount = 2;
+    clip.frameOffset = 1001;
 
     MarloHost::TrackModel track;
     track.view = QStringLiteral("main");
@@ -39,20 +42,40 @@ MarloHost::ProjectModel movingSurface()
     return model;
 }
 
+Export::TrackingDataFormat cornerList()
+{
+    return {QStringLiteral("Corner List"),
+            QStringLiteral("corner_list"),
+            QStringLiteral(".csv"),
+            QStringLiteral("Corners of the surface by frame."),
+            {},
+            {},
+            false,
+            1,
+            Export::SaveOptions(Export::SaveToFile)};
+}
+
 }
 
 int main()
 {
     QTextStream out(stdout);
+    Export::TrackingExporterFactory::registerCustomExporter(cornerList(), std::make_shared<CornerListExporter>());
     Export::TrackingExporterFactory::forEachFormat(
         [&out](Export::TrackingDataFormat const& format) { out << format.internalName() << "\n"; }, nullptr);
 
     auto const project = MarloHost::makeProject(movingSurface());
-    auto const format = Export::TrackingDataFormat::byName(*project, QStringLiteral("after_effects_transform"));
-    auto const exporter = Export::TrackingExporterFactory::getExporter(format);
-    Korvane::ExportedFiles const result =
-        exporter->exportTracking(*project, QStringLiteral("sign.txt"), project->currentLayer()->numericID(),
-                                 project->currentFrame(), Korvane::TrackingExporter::Options());
-    out << result.files.value(QStringLiteral("sign.txt"));
-    return result.failedCount == 0 ? 0 : 1;
+    int failedCount = 0;
+    for (char const* const key : {"after_effects_transform", "corner_list"})
+    {
+        auto const format = Export::TrackingDataFormat::byName(*project, QString::fromLatin1(key));
+        auto const exporter = Export::TrackingExporterFactory::getExporter(format);
+        QString const path = QStringLiteral("sign") + format.extension();
+        Korvane::ExportedFiles const result =
+            exporter->exportTracking(*project, path, project->currentLayer()->numericID(), project->currentFrame(),
+                                     Korvane::TrackingExporter::Options());
+        out << result.files.value(path);
+        failedCount += result.failedCount;
+    }
+    return failedCount == 0 ? 0 : 1;
 }

@@ -440,19 +440,6 @@ INSTANTIATE_TEST_SUITE_P(Formats, Mill, testing::ValuesIn(offeredFormats()),
                          [](testing::TestParamInfo<FormatEntry> const& format)
                          { return format.param.key().toStdString(); });
 
-// Parameter names, and so the list of tests, must differ; and a golden without a
-// format is left over from something.
-TEST(MillItself, GoldensAndOfferedFormatsAreTheSame)
-{
-    QStringList keys;
-    for (FormatEntry const& format : offeredFormats())
-    {
-        keys.append(format.key());
-    }
-    keys.sort();
-    EXPECT_EQ(goldenFolders().keys(), keys);
-}
-
 // The two documents that the format's description prints, byte for byte.
 TEST(Printed, TransformAndCornerPinDocuments)
 {
