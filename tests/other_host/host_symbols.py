@@ -33,7 +33,7 @@ static void stop(char const* name)
 """
 POINTER = struct.calcsize("P")
 SCOPE = re.compile(r"\b(?:namespace|class|struct|enum)\s+(?:MARLO_HOST_API\s+)?([\w:]+)")
-MOC = ("staticMetaObject", "metaObject", "qt_metacall", "qt_metacast")
+MOC = ("staticMetaObject", "metaObject(0)", "qt_metacast(1)", "qt_metacall(3)")
 MEMBER = re.compile(r"(operator[^\s\w(]+|~?\w+)\s*(?:\(|=|$)")
 QUALIFIED = re.compile(r"(?:\w+ for )?((?:\w+::)*(?:operator[^\w(]+|~?\w+))")
 
@@ -51,8 +51,19 @@ def demangled(symbols):
     return dict(zip(symbols, names.splitlines()))
 
 
+def with_arity(name, rest):
+    """A name and the number of its parameters: "f(2)" for "f" and "(int, QMap<A, B>) const"."""
+    without = None
+    while without != rest:
+        without, rest = rest, re.sub(r"<[^<>]*>", "", rest)
+    parameters = re.search(r"\(([^()]*)", rest)
+    if not parameters:
+        return name
+    return f"{name}({parameters[1].count(',') + 1 if parameters[1].strip() else 0})"
+
+
 def declared(header):
-    """Qualified names of the classes, functions and static data of a header."""
+    """Qualified names of the classes, functions (with_arity) and static data of a header."""
     names, scopes = set(), []
     for statement, end in re.findall(r"([^{};]*)([{};])", re.sub(r"//.*|#.*", "", header.read_text("utf-8"))):
         scope, member = SCOPE.search(statement), MEMBER.search(statement.strip())
@@ -65,7 +76,8 @@ def declared(header):
             scopes.append(scope[1] if scope else "")
             names.add("::".join(filter(None, scopes)))
         elif member:
-            names.add(f"{inside}::{member[1]}".lstrip(":"))
+            name = f"{inside}::{member[1]}".lstrip(":")
+            names.add(with_arity(name, statement.strip()[member.end(1):]))
     return names
 
 
@@ -75,8 +87,9 @@ def check(library, host, headers):
     interface = set().union(*map(declared, pathlib.Path(headers).glob("*.h")))
     faults = {name for name in taken.values() if "MarloHost::" in name}
     for name in of_host:
-        without_arguments = QUALIFIED.match(re.sub(r"<[^<>()]*>(?=::)", "", name))
-        if not without_arguments or without_arguments[1] not in interface:
+        plain = re.sub(r"<[^<>()]*>(?=::)", "", name)
+        qualified = QUALIFIED.match(plain)
+        if not qualified or with_arity(qualified[1], plain[qualified.end():]) not in interface:
             faults.add(name)
     for name in sorted(faults):
         print(f"host_symbols: the library takes what src/Host doesn't declare: {name}", file=sys.stderr)
