@@ -1,12 +1,12 @@
 """A project file that uses every key, and what can be wrong with one."""
 
-import copy
 import json
 from dataclasses import dataclass
 from typing import Any, Callable, Dict, Iterator, List, Tuple
 
+from faults import REMOVED, spoiled
+
 Place = Tuple[Any, ...]
-REMOVED = object()
 
 _IDENTITY = [1, 0, 0, 0, 1, 0, 0, 0, 1]
 _MOVED = [1, 0, 2.5, 0, 1, -1, 0, 0, 1]
@@ -78,15 +78,7 @@ class Fault:
     reported: str
 
     def project(self) -> Dict[str, Any]:
-        project = copy.deepcopy(good())
-        holder: Any = project
-        for step in self.at[:-1]:
-            holder = holder[step]
-        if self.value is REMOVED:
-            del holder[self.at[-1]]
-        else:
-            holder[self.at[-1]] = self.value
-        return project
+        return spoiled(good(), self.at, self.value)
 
 
 def path(at: Place) -> str:

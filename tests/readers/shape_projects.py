@@ -1,11 +1,13 @@
 """Projects with roto shapes, made here so that a wrong order, side, sign, unit, key or layer shows as many pixels."""
 
 import copy
-from typing import Any, Dict, List
+from dataclasses import dataclass
+from typing import Any, Dict, List, Tuple
 
 import numpy as np
 
 import shots
+from shape_model import Scene
 
 
 def _bezier(middle, radius, turn: float, stretch: float = 1.0) -> List[float]:
@@ -121,3 +123,23 @@ def far() -> Dict[str, Any]:
     layer["contours"] = [shape, layer["contours"][2]]
     project.update({"layers": [layer], "playback": [0, 39]})
     return project
+
+
+@dataclass(frozen=True)
+class Case:
+    """A scene and what exports it."""
+    name: str
+    scene: Scene
+    arguments: Tuple[str, ...] = ()
+
+
+def cases() -> Dict[str, Case]:
+    """By name; a format that writes one view alone leaves "both views" out."""
+    several, one, two = layers(), fields(), stereo()
+    names = [layer["name"] for layer in several["layers"]]
+    return {case.name: case for case in (
+        Case("layers", Scene(several, names), ("--layers", "all")),
+        Case("single frame", Scene(several, ["Still"]), ("--layer", "Still")), Case("fields", Scene(one)),
+        Case("both views", Scene(two, views=(0, 1)), ("--view", "all")),
+        Case("left view", Scene(two), ("--view", "left")), Case("right view", Scene(two, views=(1,)), ("--view", "right")),
+        Case("far", Scene(far())))}

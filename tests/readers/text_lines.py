@@ -1,4 +1,4 @@
-"""Pieces of strict readers of text: its lines, and numbers of six significant digits."""
+"""The lines of a text that has to be exactly what its format says."""
 
 import re
 from typing import Tuple
@@ -17,16 +17,6 @@ def decoded(data: bytes) -> str:
         raise TextError(f"byte {error.start}: not UTF-8") from None
 
 
-_NUMBER = re.compile(r"-?(0|[1-9][0-9]*)(\.[0-9]*[1-9])?(e[+-][0-9]{2,3})?", re.ASCII)
-
-
-def six_digits(text: str) -> float:
-    """A number of six significant digits at most, without zeros at its end."""
-    if not _NUMBER.fullmatch(text) or len(re.sub(r"[-.]|e.*", "", text).lstrip("0")) > 6:
-        raise TextError(f"{text[:40]!r} is not a number of six digits at most")
-    return float(text)
-
-
 class Lines:
     """The lines of a text, taken one after the other."""
 
@@ -38,9 +28,12 @@ class Lines:
 
     def expect(self, *lines: str) -> None:
         for line in lines:
-            self.match(re.escape(line))
+            if self.peek() != line:
+                raise self.error(f"{self.peek()[:80]!r} instead of {line[:80]!r}")
+            self._at += 1
 
     def match(self, pattern: str) -> Tuple[str, ...]:
+        """The groups of a pattern that the next line has to match."""
         found = re.fullmatch(pattern, self.peek())
         if found is None:
             raise self.error(f"{self.peek()[:80]!r} does not match {pattern[:80]!r}")
@@ -52,13 +45,16 @@ class Lines:
         self._at += 1
         return line
 
+    def left(self) -> int:
+        return len(self._lines) - self._at
+
     def peek(self) -> str:
-        if self._at >= len(self._lines):
+        if not self.left():
             raise TextError("the text ends early")
         return self._lines[self._at]
 
     def end(self) -> None:
-        if self._at != len(self._lines):
+        if self.left():
             raise self.error("text behind the end")
 
     def error(self, message: str) -> TextError:
