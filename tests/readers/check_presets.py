@@ -28,8 +28,8 @@ FIRST = ["presets", 0, "exports", 0]
 # Where, and what stands there instead.
 BAD = (
     (["version"], 2), (["version"], "1"), (["presets"], REMOVED), (["presets"], {}), (["presets", 0, "name"], REMOVED),
-    (["presets", 0, "name"], 1), (["presets", 0, "exports"], REMOVED), (FIRST + ["type"], "lens"), (FIRST + ["type"], REMOVED),
-    (FIRST + ["format"], REMOVED), (FIRST + ["options"], []), (FIRST + ["options", "invert"], 1),
+    (["presets", 0, "name"], 1), (["presets", 0, "exports"], REMOVED), (FIRST + ["type"], "lens"),
+    (FIRST + ["type"], REMOVED), (FIRST + ["format"], REMOVED), (FIRST + ["options"], []), (FIRST + ["options", "invert"], 1),
     (FIRST + ["options", "trackingOption"], "Basic"), (FIRST + ["options", "layerExportMode"], "specified"),
     (FIRST + ["options", "referenceFrame"], True), (FIRST + ["options", "viewsToExport"], [0.5]),
     (FIRST + ["filePath"], 7),

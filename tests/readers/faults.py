@@ -6,9 +6,9 @@ same for all: other words, another number, dropped, repeated, exchanged, moved o
 
 import copy
 import re
+from texts import two_units_off
 from typing import Any, Callable, Iterable, Iterator, List, Sequence, Tuple
 
-from printed_numbers import two_units_off
 
 Place = Tuple[int, int]
 REMOVED = object()

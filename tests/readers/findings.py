@@ -6,7 +6,7 @@ from typing import Any, Callable, Dict, List, Union
 
 import numpy as np
 
-from printed_numbers import half_units
+from texts import half_units
 
 # Names a place from the indices of the number that is off most, or is what stands before these indices.
 Where = Union[str, Callable[..., str]]

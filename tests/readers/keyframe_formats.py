@@ -17,7 +17,7 @@ from findings import Findings, judging
 from keyframe_text import Block, Document
 from layer_model import Layer, Transform
 from planar import Shot, crossings, similarities
-from printed_numbers import half_units
+from texts import half_units
 
 AE_TITLE, SCRATCH_TITLE = keyframe_text.FILE_TITLES
 CORNER_NAMES = ("lower left", "lower right", "upper left", "upper right")
@@ -166,7 +166,7 @@ def misplaced(data: bytes, height: float) -> Faults:
     for one, other in combinations(range(len(pins)), 2):
         faults.swap(f"corners {one} and {other} swapped", sum(pins[one].cells, []), sum(pins[other].cells, []))
     for index, table in enumerate(points):
-        faults.late(f"point {index} one frame late", *(table.column(column) for column in (1, 2)))
+        faults.late(f"point {index} one frame late", *table.values())
     for table in tables:
         if table.title == "Rotation":
             faults.negate("rotation reversed", table.column(1))

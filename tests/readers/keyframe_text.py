@@ -21,8 +21,7 @@ from dataclasses import dataclass
 from typing import Dict, List, Optional, Tuple
 
 from faults import Faults, Place
-from printed_numbers import six_digits
-from text_lines import Lines, TextError, decoded
+from texts import Lines, TextError, decoded, six_digits
 
 FILE_TITLES = ("Adobe After Effects 6.0 Keyframe Data", "Assimilate SCRATCH Keyframe Data")
 FOOTER = "End of Keyframe Data"
@@ -131,6 +130,10 @@ class Table:
     def column(self, index: int) -> List[Place]:
         """Column 0 holds the frames."""
         return [row[index] for row in self.cells]
+
+    def values(self) -> List[List[Place]]:
+        """All columns but that of the frames."""
+        return [self.column(index) for index in range(1, len(self.cells[0]))]
 
 
 def tables(faults: Faults, within: Place = (0, -1)) -> List[Table]:

@@ -208,7 +208,8 @@ class Layer(PlanarLayer):
 class Scene:
     """What is exported: layers from the top of the stack, each in these views."""
 
-    def __init__(self, project: Dict[str, Any], names: Optional[List[str]] = None, views: Tuple[int, ...] = (0,)) -> None:
+    def __init__(self, project: Dict[str, Any], names: Optional[List[str]] = None,
+                 views: Tuple[int, ...] = (0,)) -> None:
         """Without names the topmost layer."""
         self.project = project
         names = [project["layers"][0]["name"]] if names is None else names

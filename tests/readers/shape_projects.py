@@ -141,5 +141,5 @@ def cases() -> Dict[str, Case]:
         Case("layers", Scene(several, names), ("--layers", "all")),
         Case("single frame", Scene(several, ["Still"]), ("--layer", "Still")), Case("fields", Scene(one)),
         Case("both views", Scene(two, views=(0, 1)), ("--view", "all")),
-        Case("left view", Scene(two), ("--view", "left")), Case("right view", Scene(two, views=(1,)), ("--view", "right")),
-        Case("far", Scene(far())))}
+        Case("left view", Scene(two), ("--view", "left")),
+        Case("right view", Scene(two, views=(1,)), ("--view", "right")), Case("far", Scene(far())))}

@@ -50,12 +50,12 @@ class TextFaults:
 
     def _late(self, name: str, document: int) -> None:
         """Values come a row late."""
-        columns = [table.column(at) for table in self._tables[document].values() for at in range(1, len(table.cells[0]))]
-        self.seen.late(name, *columns)
+        self.seen.late(name, *(column for table in self._tables[document].values() for column in table.values()))
 
     def _without(self, name: str, null: int) -> None:
         count = self.told.places(r"\d+", self._lines[3])[0]
-        self.told.put(name, (self._documents[1:][null], ""), (self._nulls[null], ""), (count, str(len(self._nulls) - 1)))
+        fewer = str(len(self._nulls) - 1)
+        self.told.put(name, (self._documents[1:][null], ""), (self._nulls[null], ""), (count, fewer))
 
     def _positions(self, *columns: int) -> List[Place]:
         return [place for tables in self._tables for column in columns for place in tables[POSITION].column(column)]

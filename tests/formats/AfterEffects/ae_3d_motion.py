@@ -14,10 +14,9 @@ from ae_3d_nulls import AXES, MILLIMETRE, RIG_SCALE, Options, expected_nulls
 from ae_3d_text import POSITION, ROTATIONS, SCALE, ZOOM
 from findings import Findings, judging
 from keyframe_text import Document
-from printed_numbers import half_units
 from reprojection import Camera, spread
 from scene_model import Placement, SceneModel, rotating_xyz, rotating_xyz_angles
-from text_lines import TextError
+from texts import TextError, half_units
 
 PICTURE = "reprojection, px"
 
@@ -55,7 +54,7 @@ class Reading:
         found = np.array([*text.camera.header.values(), text.film_size, text.focal_length])
         findings.printed("header", found, [
             self.model.project.get("frameRate", 24), int(clip["width"] * aspect), clip["height"], aspect, aspect,
-            self.camera.film_width * self.header_unit, self.camera.focal[0] * self.header_unit], SINGLE * found, "field")
+            self.camera.film_width * self.header_unit, self.camera.focal[0] * self.header_unit], SINGLE * found)
         findings.same("version", text.version, "2.0" if self.options.hierarchy else "1.0")
         findings.same("a zoom", ae_3d_text.has(text.camera, ZOOM), self.camera.focal_is_keyed or self.model.legacy)
         nulls = [(null.name, null.is_parent, text.nulls[null.parent].name if null.parent >= 0 else "")
@@ -79,7 +78,8 @@ class Reading:
         for null, expected in zip(self.text.nulls, self.nulls):
             self._judge_document(findings, null.name, null.document, expected.local, True)
 
-    def _judge_document(self, findings: Findings, name: str, document: Document, place: Placement, scaled: bool) -> None:
+    def _judge_document(self, findings: Findings, name: str, document: Document, place: Placement,
+                        scaled: bool) -> None:
         frames, found = ae_3d_text.rows(document, POSITION)
         at = np.searchsorted(self.rows, frames)
 
@@ -90,8 +90,8 @@ class Reading:
         found = ae_3d_text.rows(document, *ROTATIONS)[1]
         findings.printed("rotation", found, nearest_angles(AXES @ place.rotation[at] @ AXES, found), ARITHMETIC, where)
         if scaled:
-            percent = np.repeat(100.0 * place.scale[at, None], 3, axis=1)
-            findings.printed("scale", ae_3d_text.rows(document, SCALE)[1], percent, SINGLE * percent + ARITHMETIC, where)
+            percent, found = np.repeat(100.0 * place.scale[at, None], 3, axis=1), ae_3d_text.rows(document, SCALE)[1]
+            findings.printed("scale", found, percent, SINGLE * percent + ARITHMETIC, where)
 
     def judge_picture(self, findings: Findings) -> None:
         """Pixels of all nulls through the camera, both from the text alone, against those of the solve. What only
@@ -104,9 +104,11 @@ class Reading:
         found = self.pixels(*values)
         shown = np.stack([self.nulls[i].shown for i in seen], axis=1)
         expected = camera.project(np.stack([self.nulls[i].world for i in seen], axis=1))
+        names = [self.nulls[i].name for i in seen]
         # Where a null doesn't exist it may be anywhere.
-        findings.compare(PICTURE, found, np.where(shown[..., None], expected, found), spread(self.pixels, values, errors),
-                         lambda row, null, axis: f"frame {self.rows[row]:g}, {self.nulls[seen[null]].name}, {'xy'[axis]}")
+        expected = np.where(shown[..., None], expected, found)
+        findings.compare(PICTURE, found, expected, spread(self.pixels, values, errors),
+                         lambda row, null, axis: f"frame {self.rows[row]:g}, {names[null]}, {'xy'[axis]}")
 
     def printed(self) -> Tuple[List[np.ndarray], List[np.ndarray]]:
         """Numbers of the camera, the lens and each null with all its parents, and how far each may be off."""

@@ -21,8 +21,7 @@ import numpy as np
 
 import keyframe_text
 from keyframe_text import Document
-from printed_numbers import six_digits
-from text_lines import Lines, TextError, decoded
+from texts import Lines, TextError, decoded, six_digits
 
 POSITION, SCALE, ZOOM = "Transform\tPosition", "Transform\tScale", "Camera Options\tZoom"
 ROTATIONS = ("Transform\tX Rotation", "Transform\tY Rotation", "Transform\tRotation")

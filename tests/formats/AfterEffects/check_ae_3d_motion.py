@@ -21,7 +21,7 @@ from reprojection import Camera, spread
 from scene_model import SceneModel, partial_turn, static_xyz
 
 VERIFIES = {
-    "after_effects_3D_motion": "each number within half a unit of its sixth digit, nulls through the camera within 0.05 px",
+    "after_effects_3D_motion": "each number within half a unit of its sixth digit, nulls in the picture within 0.05 px",
     "after_effects_3D_motion_pre_2025": "each number within half a unit of its sixth digit, nulls within 0.05 px",
 }
 
@@ -186,7 +186,8 @@ def check_bound(check: Check) -> None:
 
 def body(check: Check) -> None:
     for options in (Options(), Options(False)):
-        check.verdict(options.key, "golden", judge(check.golden(options.key), SceneModel(check.goldens_project()), options))
+        golden = judge(check.golden(options.key), SceneModel(check.goldens_project()), options)
+        check.verdict(options.key, "golden", golden)
     for part in (check_by_hand, check_bound, check_exports, check_sample, check_combinations):
         part(check)
 

@@ -9,8 +9,7 @@ import numpy as np
 
 from bounded import Bounded, cosine, exact, sine, stacked
 from keyframe_text import FILE_TITLES, FOOTER, header
-from printed_numbers import six_digits, within_half_units
-from text_lines import Lines, TextError, decoded
+from texts import Lines, TextError, decoded, six_digits, within_half_units
 
 # The parts of the homography beside the outlines, in the order of the text.
 COMPONENTS = ("Translation X", "Translation Y", "Scale", "Rotation", "Shear X", "Shear Y", "Perspective X",

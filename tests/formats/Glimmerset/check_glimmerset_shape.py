@@ -18,7 +18,7 @@ from faults import Faults
 from findings import Findings, judging
 from planar import through
 from shape_model import Layer, Scene
-from text_lines import TextError
+from texts import TextError
 
 VERIFIES = {
     "glimmerset_shape": "points exactly, where homographies carry the surface within 1e-7 px",
@@ -149,16 +149,18 @@ def faults_of(data: bytes) -> Faults:
                       "referenceFrame"):
         faults.put(f"{attribute} changed", (faults.place(rf'<layer [^>]*?\b{attribute}="([^"]*)"'), "7"))
     for attribute in ("width", "height", "pixelAspect", "frameRate", "frameOffset", "fieldsPerFrame"):
-        faults.put(f"{attribute} of the project changed", (faults.place(rf'<project [^>]*?\b{attribute}="([^"]*)"'), "7"))
+        faults.put(f"project's {attribute} changed", (faults.place(rf'<project [^>]*?\b{attribute}="([^"]*)"'), "7"))
     faults.put("open and closed", (faults.place(r'closed="(\w+)"'), "maybe"))
-    faults.replace_all((("another version", 'Shapes version="1"', 'Shapes version="2"'), ("no end", "</glimmersetShapes>", "")))
+    faults.replace("another version", 'Shapes version="1"', 'Shapes version="2"')
+    faults.replace("no end", "</glimmersetShapes>", "")
     return faults
 
 
 def body(check: Check) -> None:
     layers, line = two_layers(), fields()
     bottom = layers["currentLayer"]
-    scenes = {"one layer": (Scene(layers, [bottom]),), "all layers": (Scene(layers, ["Top", bottom]), "--layers", "all"),
+    scenes = {"one layer": (Scene(layers, [bottom]),),
+              "all layers": (Scene(layers, ["Top", bottom]), "--layers", "all"),
               "visible layers": (Scene(layers, [bottom]), "--layers", "visible"), "fields": (Scene(line),)}
     for name, (scene, *arguments) in scenes.items():
         data = check.export(KEY, name, scene.project, *arguments)

@@ -24,10 +24,9 @@ from checking import Check
 from faults import Faults
 from findings import Findings, judging
 from planar import PlanarLayer, Shot
-from printed_numbers import six_digits
 from roto_judge import Scramble
 from shape_model import Scene
-from text_lines import Lines, TextError, decoded
+from texts import Lines, TextError, decoded, six_digits
 
 VERIFIES = {
     "marlo_blend_shape": "points and curves, descrambled, within half a unit of their last digit",
@@ -131,7 +130,7 @@ def tracking_faults(data: bytes) -> Faults:
     faults = header_faults(data)
     faults.replace("another layer", "Layer Name ", "Layer Name another ")
     for index, table in enumerate(keyframe_text.tables(faults)):
-        faults.late(f"block {index} a frame late", *([row[at] for row in table.cells] for at in range(1, len(table.cells[0]))))
+        faults.late(f"block {index} a frame late", *table.values())
     return faults
 
 

@@ -21,7 +21,7 @@ from checking import Check
 from findings import Findings, judging
 from shape_model import Scene
 from shape_projects import Case
-from text_lines import decoded
+from texts import decoded
 
 VERIFIES = {
     "nuke_roto_basic": "points and curves within half a unit of their last digit, X-splines within 0.05 px",

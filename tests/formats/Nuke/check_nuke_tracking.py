@@ -9,7 +9,7 @@ of Nuke. Then faults are put into the exported texts, and each has to be noticed
 import re
 import sys
 from dataclasses import dataclass, replace
-from typing import Any, Callable, Dict, List, Tuple
+from typing import Any, Dict, List, Tuple
 
 import numpy as np
 
@@ -21,8 +21,7 @@ from checking import Check, Project
 from faults import Faults
 from findings import Findings, judging
 from planar import PlanarLayer, Shot
-from printed_numbers import six_digits
-from text_lines import Lines, TextError, decoded
+from texts import Lines, TextError, decoded, six_digits
 
 VERIFIES = {
     "nuke_corner_pin": "each number within half a unit of its sixth digit, as a float",
@@ -38,6 +37,9 @@ ARITHMETIC = 1e-8
 
 # The corners in Nuke's order: lower left, lower right, upper right, upper left.
 ORDER = (0, 1, 3, 2)
+
+# Stands for a curve in the lists of a node.
+CURVE = object()
 
 _KEY = re.compile(r"x(-?[0-9]+)")
 _CONSTANT = {value: ["curve", "K", "x1", value] for value in "01"}
@@ -84,70 +86,46 @@ def curve(words: Any) -> Tuple[List[int], np.ndarray]:
     return [int(key.group(1)) for key in keys], np.array([six_digits(word) for word in words[2::2]])
 
 
-def _knobs(knobs: List[Any], *names: str) -> List[Any]:
-    """The words of knobs that have to have these names."""
-    if [knob[0] for knob in knobs] != list(names) or any(len(knob) < 2 for knob in knobs):
-        raise TextError(f"knobs {[knob[0] for knob in knobs]}")
-    return [knob[1:] for knob in knobs]
+def node_of(key: str, name: str, count: int) -> List[Any]:
+    """A node with as many points, as the lists of its script; a name of two words reads as a list of two."""
+    def words(text: str) -> Any:
+        return text.split(" ") if " " in text else text
+    if key in PINS:
+        corners = [[f"to{corner}", [CURVE, CURVE]] for corner in (1, 2, 3, 4)]
+        return ["CornerPin2D", [*corners, *_BASE, ["name", *f"CornerPin2D_{name}".split(" ")]]]
+    labels = [words(str(i + 1) if key == MESH else f"track {i + 1}") for i in range(count)]
+    rows = [[_CONSTANT["1"], label, CURVE, CURVE, _CONSTANT["0"], _CONSTANT["0"]] for label in labels]
+    return ["Tracker4", [["inputs", "0"], ["tracks", [["1", "6", str(count)], _HEADER, rows]],
+                         ["name", *f"Tracker_{name}".split(" ")]]]
 
 
-def _pair(words: Any) -> List[Any]:
-    if not isinstance(words, list) or len(words) != 2:
-        raise TextError("a point is an x and a y curve")
-    return words
-
-
-def pin_points(findings: Findings, knobs: List[Any], name: str) -> List[Any]:
-    """The curves of a corner pin, x and y of each of the four corners."""
-    words = _knobs(knobs, "to1", "to2", "to3", "to4", "from1", "from2", "from3", "from4", "name")
-    findings.same("base of the pin", knobs[4:8], _BASE)
-    findings.same("name", " ".join(words[8]), "CornerPin2D_" + name)
-    findings.same("corners", [len(corner) for corner in words[:4]], [1] * 4)
-    return [_pair(corner[0]) for corner in words[:4]]
-
-
-def tracker_points(findings: Findings, knobs: List[Any], name: str, row_name: Callable[[int], str], count: str) -> List[Any]:
-    inputs, tracks, names = _knobs(knobs, "inputs", "tracks", "name")
-    findings.same("inputs", inputs, ["0"])
-    findings.same("name", " ".join(names), "Tracker_" + name)
-    if len(tracks[0]) != 3:
-        raise TextError("tracks are a header, columns and rows")
-    head, columns, rows = tracks[0]
-    findings.same("header of the tracks", (head, columns), (["1", "6", count], _HEADER))
-    for i, row in enumerate(rows):
-        if len(row) != 6 or row[0] != _CONSTANT["1"] or row[4:] != [_CONSTANT["0"]] * 2:
-            raise TextError(f"row {i + 1} of the tracks")
-        # A name of two words reads as a list of two.
-        findings.same(f"row {i + 1}", row[1] if isinstance(row[1], str) else " ".join(row[1]), row_name(i + 1))
-    return [row[2:4] for row in rows]
+def curves_of(found: Any, expected: Any) -> List[Tuple[List[int], np.ndarray]]:
+    """What stands where curves are expected; everything else has to be what is expected."""
+    if expected is CURVE:
+        return [curve(found)]
+    if not isinstance(expected, list) or not isinstance(found, list) or len(found) != len(expected):
+        if found != expected:
+            raise TextError(f"{str(found)[:60]} instead of {str(expected)[:60]}")
+        return []
+    return [one for pair in zip(found, expected) for one in curves_of(*pair)]
 
 
 @judging
 def judge(findings: Findings, data: bytes, key: str, layer: str, tracks: List[Track]) -> None:
     nodes = nuke_script.nodes(decoded(data))
-    if not findings.same("nodes", [node[0] for node in nodes], ["CornerPin2D" if key in PINS else "Tracker4"] * len(tracks)):
-        return
-    for (_, knobs), track in zip(nodes, tracks):
-        name = layer + ("_" + track.view if track.view else "")
-        if key in PINS:
-            points = pin_points(findings, knobs, name)
-        elif key == MESH:
-            points = tracker_points(findings, knobs, name, str, str(track.points.shape[1]))
-        else:
-            points = tracker_points(findings, knobs, name, lambda i: f"track {i}", "4")
-        _compare(findings, [[curve(axis) for axis in point] for point in points], track, key)
+    if findings.same("number of nodes", len(nodes), len(tracks)):
+        for node, track in zip(nodes, tracks):
+            name = layer + ("_" + track.view if track.view else "")
+            _compare(findings, curves_of(node, node_of(key, name, track.points.shape[1])), track, key)
 
 
-def _compare(findings: Findings, points: List[List[Tuple[List[int], np.ndarray]]], track: Track, key: str) -> None:
+def _compare(findings: Findings, curves: List[Tuple[List[int], np.ndarray]], track: Track, key: str) -> None:
     # Frames are rounded, halves upwards: fields print each whole number twice.
     frames = [int(frame) for frame in np.floor(track.frames.astype(np.float32) + 0.5)]
-    if not findings.same("points", len(points), track.points.shape[1]):
-        return
-    for i, point in enumerate(points):
-        for axis in range(2):
-            if findings.same(f"frames of point {i + 1}", point[axis][0], frames):
-                _compare_values(findings, f"{track.view or 'view'}, point {i + 1}, {'xy'[axis]}", point[axis][1],
-                                track.points[:, i, axis], key)
+    for at, (found_frames, found) in enumerate(curves):
+        place = f"{track.view or 'view'}, point {at // 2 + 1}, {'xy'[at % 2]}"
+        if findings.same(f"frames of {place}", found_frames, frames):
+            _compare_values(findings, place, found, track.points[:, at // 2, at % 2], key)
 
 
 def _compare_values(findings: Findings, place: str, found: np.ndarray, expected: np.ndarray, key: str) -> None:
@@ -253,10 +231,11 @@ def two_views() -> Dict[str, Any]:
 
 # ---- the check
 
-def check_script(check: Check, key: str, name: str, project: Project, layer: str, tracks: List[Track], *arguments: str) -> None:
+def check_script(check: Check, key: str, name: str, project: Project, layer: str, tracks: List[Track],
+                 *arguments: str) -> None:
     """Texts of two views get faults."""
     data = check.export(key, name, project, *arguments)
-    if data is not None and judged(check, key, name, data, layer, tracks) and name in ("two views", "mesh in two views"):
+    if data is not None and judged(check, key, name, data, layer, tracks) and "two views" in name:
         check.faults(key, name, script_faults(data), lambda text: judge(text, key, layer, tracks))
         broken = Faults(data)
         broken.replace("brace lost", "}", "", last=True)
@@ -275,7 +254,8 @@ def check_corners(check: Check, name: str, project: Project, layer: str, tracks:
     for key in (*PINS, "nuke_tracker"):
         check_script(check, key, name, project, layer, tracks, *arguments)
     files = check.export_files(ASCII, name, project, *arguments)
-    if files and check.verdict(ASCII, name, judge_ascii(files, plain, line_height)) and name == "two views":
+    good = files and check.verdict(ASCII, name, judge_ascii(files, plain, line_height))
+    if good and "two views" in name:
         check.faults(ASCII, name, ascii_faults(files), lambda bad: judge_ascii(bad, plain, line_height))
 
 

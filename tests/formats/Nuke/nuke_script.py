@@ -16,8 +16,7 @@ import numpy as np
 
 from bounded import Bounded
 from findings import Findings, judging
-from printed_numbers import Digits
-from text_lines import Lines, TextError, decoded
+from texts import Digits, Lines, TextError, decoded
 
 _TCL = Path(__file__).with_name("nuke_script.tcl")
 

@@ -5,7 +5,7 @@ from typing import List
 
 from faults import Faults, Place
 from nuke_script import CURVE
-from printed_numbers import last_units_off
+from texts import last_units_off
 
 
 @dataclass(frozen=True)
@@ -91,12 +91,13 @@ def numbers(data: bytes) -> Faults:
         return f"{1080.0 - float(text):.{len(text.partition('.')[2])}f}"
     faults.edit("y flipped", [place for curve in main[3::6] for place in curve.shown()], flip)
     for name, curves, pairs in (
-            ("vertices 0 and 1 swapped", main, ((2, 8), (3, 9))), ("handles of a vertex swapped", main, ((0, 4), (1, 5))),
-            ("x and y of a vertex swapped", main, ((2, 3),)), ("feathers of vertices swapped", feather, ((2, 8), (3, 9))),
+            ("vertices 0 and 1 swapped", main, ((2, 8), (3, 9))), ("handles swapped", main, ((0, 4), (1, 5))),
+            ("x and y of a vertex swapped", main, ((2, 3),)), ("feathers swapped", feather, ((2, 8), (3, 9))),
             ("feather handles swapped", feather, ((0, 4), (1, 5)))):
         ones, others = ([place for pair in pairs for place in curves[pair[side]].shown()] for side in (0, 1))
         faults.swap(name, ones, others)
-    faults.edit("feather without distance", [place for curve in feather[2::6] for place in curve.shown()], lambda _: "0")
+    vertices = [place for curve in feather[2::6] for place in curve.shown()]
+    faults.edit("feather without distance", vertices, lambda _: "0")
     faults.late("vertex a key late", main[2].values)
     for name, curves in (("curve", main), ("feather", feather)):
         for index in range(6):

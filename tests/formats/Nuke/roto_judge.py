@@ -16,8 +16,8 @@ import shape_model
 from bounded import Bounded, carried, exact, stacked
 from findings import Findings
 from nuke_script import Curve
-from printed_numbers import six_digits
 from shape_model import ARRIVING, LEAVING, VERTEX, X_SPLINE, Contour, Layer, Outline, Scene
+from texts import six_digits
 
 # Allowance for the arithmetic of doubles: coordinates go through a few homographies.
 ARITHMETIC = 1e-8
@@ -70,7 +70,8 @@ def _judge_layer(findings: Findings, node: nuke_script.LayerNode, layer: Layer, 
         flag = 8224 if contour.closed else 8192
         findings.same(f"{place}: flags", shape.flags, (flag, flag))
         _judge_attributes(findings, place, shape.attributes, layer, scene)
-        findings.add(_judged_outlines(place, shape.main, shape.feather, layer, contour, node.motion, with_matrix, scramble))
+        findings.add(_judged_outlines(place, shape.main, shape.feather, layer, contour, node.motion, with_matrix,
+                                      scramble))
 
 
 def _judge_attributes(findings: Findings, place: str, values: Tuple[str, ...], layer: Layer, scene: Scene) -> None:
