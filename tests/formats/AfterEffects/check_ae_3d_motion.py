@@ -169,7 +169,8 @@ def check_bound(check: Check) -> None:
     """Numbers that are off by their whole error, at random, stay within the bound and come near it."""
     project = scene_shots.PROJECTS["moving parts"]()
     text = check.export(Options().key, "bound", project, "--quiet")
-    if text is None:
+    # What is wrong with the text is told where all are judged.
+    if text is None or judge(text, SceneModel(project), Options()).faults():
         return
     reading = Reading(text, SceneModel(project), Options())
     values, errors = reading.printed()

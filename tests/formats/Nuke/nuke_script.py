@@ -10,11 +10,9 @@ import subprocess
 from dataclasses import dataclass
 from functools import lru_cache
 from pathlib import Path
-from typing import Any, Dict, List, Optional, Tuple
+from typing import Any, List, Match, Optional, Tuple
 
-import numpy as np
-
-from bounded import Bounded
+from bounded import Bounded, exact, stacked
 from findings import Findings, judging
 from texts import Digits, Lines, TextError, decoded
 
@@ -232,93 +230,73 @@ def _cubic_curve(lines: Lines) -> Tuple[int, str]:
     return flag, f"{count} {body}"
 
 
+# Keys of nine words each behind their count; `row` are the words of one, of which the first says nothing.
+_KEYS = 'L 0 4096 0\\.5 2 0 0 "" 0 ([0-9]+)((?: "" {row})+)'
+_STILL = re.compile("S 1 (-?[0-9]+) ([^ ]+)(?: |$)")
+_KEYED = re.compile(_KEYS.format(row="[^ ]+ [^ ]+ [^ ]+ 1 [^ ]+ 1 258 0") + " ([^ ]+)(?: |$)")
+_ENTRY = re.compile(_KEYS.format(row="[^ ]+ [^ ]+ 0 1 0 1 258 0") + " 0 ")
+
+
+def _columns(keys: Match[str]) -> List[List[str]]:
+    words = keys.group(2).split(" ")[1:]
+    if int(keys.group(1)) != len(words) // 9 or len(words) < 18:
+        raise TextError(f"{len(words) // 9} keys where {keys.group(1)} are announced")
+    return [words[i::9] for i in range(9)]
+
+
 @lru_cache(maxsize=256)
 def points(text: str) -> List[Tuple[Curve, Curve]]:
     """The curves of a shape's points, x and y; three points for each vertex."""
-    tokens = Tokens(text.split(" "))
-    count, = tokens.take(1)
-    found = []
-    while tokens.left():
-        tokens.expect("0")
-        found.append((tokens.curve(), tokens.curve()))
-        tokens.expect("0")
+    count, _, body = text.partition(" ")
+    found, at = [], 0
+    while at < len(body):
+        if not body.startswith("0 ", at):
+            raise TextError(f"a point begins with {body[at:at + 20]!r}")
+        x, at = _curve(body, at + 2)
+        y, at = _curve(body, at)
+        if body[at:at + 2] != ("0 " if at + 2 < len(body) else "0"):
+            raise TextError(f"a point ends with {body[at:at + 20]!r}")
+        at += 2
+        found.append((x, y))
     if len(found) != int(count) or len(found) % 3 != 0:
         raise TextError(f"{len(found)} points in a curve of {count}")
     return found
 
 
-class Tokens:
-    def __init__(self, tokens: List[str]) -> None:
-        self._tokens = tokens
-        self._at = 0
-
-    def left(self) -> int:
-        return len(self._tokens) - self._at
-
-    def take(self, count: int) -> List[str]:
-        if self.left() < count:
-            raise TextError("a curve ends early")
-        self._at += count
-        return self._tokens[self._at - count:self._at]
-
-    def expect(self, *tokens: str) -> None:
-        found = self.take(len(tokens))
-        if found != list(tokens):
-            raise TextError(f"{' '.join(found)!r} instead of {' '.join(tokens)!r}")
-
-    def keys(self, names: Tuple[Optional[str], ...]) -> List[List[str]]:
-        """The keys of a curve with several, each a row of what stands where `names` has None."""
-        self.expect(*'L 0 4096 0.5 2 0 0 "" 0'.split(" "))
-        count, = self.take(1)
-        if not count.isdigit() or int(count) < 2:
-            raise TextError(f"a curve of {count!r} keys")
-        rows = []
-        for _ in range(int(count)):
-            row = self.take(len(names))
-            if any(name is not None and name != token for name, token in zip(names, row)):
-                raise TextError(f"key {' '.join(row)!r}")
-            rows.append([token for name, token in zip(names, row) if name is None])
-        return rows
-
-    def curve(self) -> Curve:
-        if self._tokens[self._at:self._at + 2] == ["S", "1"]:
-            self.take(2)
-            time, value = self.take(2)
-            if not re.fullmatch("-?[0-9]+", time):
-                raise TextError(f"{time!r} is not a whole frame")
-            return Curve(Bounded(np.array([float(time)]), np.zeros(1)), CURVE.read_all([value]), None, None)
-        rows = self.keys(('""', None, None, None, "1", None, "1", "258", "0"))
-        still, = self.take(1)
-        if still != rows[0][1]:
-            raise TextError(f"the value of a curve is {still}, that of its first key {rows[0][1]}")
-        times, values, left, right = (CURVE.read_all(list(column)) for column in zip(*rows))
-        return Curve(times, values, left, right)
+def _curve(text: str, at: int) -> Tuple[Curve, int]:
+    """The curve that stands here, and where what follows it begins."""
+    still = _STILL.match(text, at)
+    if still is not None:
+        return Curve(exact([float(still.group(1))]), CURVE.read_all([still.group(2)]), None, None), still.end()
+    keyed = _KEYED.match(text, at)
+    if keyed is None:
+        raise TextError(f"{text[at:at + 60]!r} is not a curve")
+    _, times, values, left, _, right, *_ = _columns(keyed)
+    if keyed.group(3) != values[0]:
+        raise TextError(f"the value of a curve is {keyed.group(3)}, that of its first key {values[0]}")
+    return Curve(*(CURVE.read_all(column) for column in (times, values, left, right))), keyed.end()
 
 
-_MATRIX_HEAD = "0 0 S 0 0 S 0 0 S 0 0 S 0 1 S 0 1 S 0 0 S 0 0 S 0 0".split(" ")
+_MATRIX_HEAD = "0 0 S 0 0 S 0 0 S 0 0 S 0 1 S 0 1 S 0 0 S 0 0 S 0 0 "
+_IDENTITY = "".join(f"S 0 {1 if i % 5 == 0 else 0} " for i in range(16))
 
 
 @lru_cache(maxsize=256)
 def matrix(text: str) -> Optional[Matrix]:
     """The keys of a Transform2 block, (frames, 16); None for the identity that a single frame has."""
-    if not text.endswith(" "):
-        raise TextError("Transform2 doesn't end in a blank")
-    tokens = Tokens(text[:-1].split(" "))
-    tokens.expect(*_MATRIX_HEAD)
-    if tokens.left() == 48:
-        for i in range(16):
-            tokens.expect("S", "0", "1" if i % 5 == 0 else "0")
+    if not text.startswith(_MATRIX_HEAD):
+        raise TextError(f"a matrix begins with {text[:60]!r}")
+    at = len(_MATRIX_HEAD)
+    if text[at:] == _IDENTITY:
         return None
-    times, columns = None, []
-    for _ in range(16):
-        rows = tokens.keys(('""', None, None, "0", "1", "0", "1", "258", "0"))
-        tokens.expect("0")
-        at = [row[0] for row in rows]
-        if times is not None and at != times:
-            raise TextError("the entries of a matrix have keys at different frames")
-        times = at
-        columns.append(MATRIX.read_all([row[1] for row in rows]))
-    if tokens.left():
-        raise TextError("a matrix of more than sixteen entries")
-    entries = Bounded(np.stack([c.value for c in columns], axis=1), np.stack([c.error for c in columns], axis=1))
-    return Matrix(CURVE.read_all(times), entries)
+    columns = []
+    while at < len(text):
+        entry = _ENTRY.match(text, at)
+        if entry is None:
+            raise TextError(f"{text[at:at + 60]!r} is no entry of a matrix")
+        at = entry.end()
+        columns.append(_columns(entry))
+    if len(columns) != 16 or any(column[1] != columns[0][1] for column in columns):
+        raise TextError("not sixteen entries with keys at the same frames")
+    entries = stacked([MATRIX.read_all(column[2]) for column in columns], axis=1)
+    return Matrix(CURVE.read_all(columns[0][1]), entries)
