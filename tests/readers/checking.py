@@ -124,6 +124,14 @@ class Check:
         if not noticed:
             self.fail(f"{name}, {key}: no faults")
 
+    def prove(self, key: str, name: str, project: Project, judge: Callable[[bytes], Findings],
+              arguments: Iterable[str] = (),
+              faults: Optional[Callable[[bytes], Iterable[Tuple[str, Any]]]] = None) -> None:
+        """Exports a project to a single file and judges that; `faults` are made of it when it is good."""
+        data = self.export(key, name, project, *arguments)
+        if data is not None and self.verdict(key, name, judge(data)) and faults is not None:
+            self.faults(key, name, faults(data), judge)
+
     def finish(self) -> int:
         """The exit status, behind what the declaration asks for and a summary."""
         for key in self._verifies:

@@ -163,9 +163,8 @@ def body(check: Check) -> None:
               "all layers": (Scene(layers, ["Top", bottom]), "--layers", "all"),
               "visible layers": (Scene(layers, [bottom]), "--layers", "visible"), "fields": (Scene(line),)}
     for name, (scene, *arguments) in scenes.items():
-        data = check.export(KEY, name, scene.project, *arguments)
-        if data is not None and check.verdict(KEY, name, judge(data, scene)) and name == "one layer":
-            check.faults(KEY, name, faults_of(data), lambda text: judge(text, scene))
+        check.prove(KEY, name, scene.project, lambda text: judge(text, scene), arguments,
+                    faults_of if name == "one layer" else None)
     check.verdict(KEY, "golden", judge(check.golden(KEY), Scene(check.goldens_project())))
 
 

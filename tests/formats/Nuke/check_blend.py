@@ -161,12 +161,10 @@ def check_tracking(check: Check) -> None:
         layer = PlanarLayer(project)
         shot = layer.shot(reference=None if reference is None else reference - layer.offset)
         arguments = [] if reference is None else ["--reference-frame", str(reference)]
-        data = check.export(TRACKING, name, project, *arguments)
-        judge = lambda text: judge_tracking(text, project, shot)
-        if data is not None and check.verdict(TRACKING, name, judge(data)) and reference is not None:
-            check.faults(TRACKING, name, tracking_faults(data), judge)
-            for faults in (keyframe_formats.misplaced(data, shot.height), keyframe_formats.inexact(data)):
-                check.faults(TRACKING, name, faults, judge)
+        check.prove(TRACKING, name, project, lambda text: judge_tracking(text, project, shot), arguments,
+                    None if reference is None else lambda data: [
+                        *tracking_faults(data), *keyframe_formats.misplaced(data, shot.height),
+                        *keyframe_formats.inexact(data)])
 
 
 def body(check: Check) -> None:
