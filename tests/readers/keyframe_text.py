@@ -21,7 +21,7 @@ from dataclasses import dataclass
 from typing import Dict, List, Optional, Tuple
 
 from faults import Faults, Place
-from texts import Lines, TextError, decoded, six_digits
+from texts import Lines, decoded, six_digits
 
 FILE_TITLES = ("Adobe After Effects 6.0 Keyframe Data", "Assimilate SCRATCH Keyframe Data")
 FOOTER = "End of Keyframe Data"

@@ -22,7 +22,7 @@ from faults import Faults, Place
 from findings import Findings, judging
 from mask_text import Mask, Outlines
 from shape_model import X_SPLINE, Contour, Layer, Outline, Scene, apart
-from texts import half_units, six_digits
+from texts import six_digits
 
 VERIFIES = {
     "after_effects_mask": "each number within half a unit of its sixth digit, masks in every frame within what follows",
