@@ -108,16 +108,16 @@ def stereo() -> Dict[str, Any]:
     return project
 
 
-def far() -> Dict[str, Any]:
-    """A vertex is more than 30000 pixels away, in a single frame."""
+def far(number: int = 0, value: float = -31000.0) -> Dict[str, Any]:
+    """A vertex is more than 30000 pixels away, in a single frame; `number` is that of the coordinate in a key."""
     project = layers()
     layer = copy.deepcopy(project["layers"][0])
     shape = layer["contours"][0]
     shape["keys"] = [dict(shape["keys"][0], frame=frame) for frame in (12, 19, 20, 26)]
     for key in shape["keys"]:
         key["points"] = list(key["points"])
-    shape["keys"][1]["points"][0] = 4200.0
-    shape["keys"][2]["points"][0] = -31000.0
+    shape["keys"][1]["points"][number] = 4200.0
+    shape["keys"][2]["points"][number] = value
     del layer["adjust"]
     layer["tracking"] = [{"homographies": _moved(15, 2.0, (560, 430), (9.5, 7.25), 4.0, 1.0, (0, 0))}]
     layer["contours"] = [shape, layer["contours"][2]]

@@ -22,6 +22,7 @@ from faults import Faults, Place
 from findings import Findings, judging
 from mask_text import Mask, Outlines
 from shape_model import X_SPLINE, Contour, Layer, Outline, Scene, apart
+from shape_projects import Case
 from texts import six_digits
 
 VERIFIES = {
@@ -262,6 +263,9 @@ def body(check: Check) -> None:
     check.verdict(KEY, "golden", judge(check.golden(KEY), Scene(check.goldens_project())))
     cases = shape_projects.cases()
     del cases["both views"]
+    # y of the third vertex is seen 30500 and 23700 pixels away.
+    cases["far up"] = Case("far up", Scene(shape_projects.far(13, 36000.0)))
+    cases["less far up"] = Case("less far up", Scene(shape_projects.far(13, 28000.0)))
     for case in cases.values():
         # In "layers" the motion stands apart, in "far" an outline goes too far for that.
         check.prove(KEY, case.name, case.scene.project, lambda text: judge(text, case.scene), case.arguments,
