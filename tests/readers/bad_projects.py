@@ -1,12 +1,12 @@
 """A project file that uses every key, and what can be wrong with one."""
 
-import copy
 import json
 from dataclasses import dataclass
 from typing import Any, Callable, Dict, Iterator, List, Tuple
 
+from faults import REMOVED, spoiled
+
 Place = Tuple[Any, ...]
-REMOVED = object()
 
 _IDENTITY = [1, 0, 0, 0, 1, 0, 0, 0, 1]
 _MOVED = [1, 0, 2.5, 0, 1, -1, 0, 0, 1]
@@ -78,15 +78,7 @@ class Fault:
     reported: str
 
     def project(self) -> Dict[str, Any]:
-        project = copy.deepcopy(good())
-        holder: Any = project
-        for step in self.at[:-1]:
-            holder = holder[step]
-        if self.value is REMOVED:
-            del holder[self.at[-1]]
-        else:
-            holder[self.at[-1]] = self.value
-        return project
+        return spoiled(good(), self.at, self.value)
 
 
 def path(at: Place) -> str:
@@ -105,14 +97,6 @@ def _solve(*at: Any) -> Place:
     return ("solve",) + at
 
 
-# An unknown key is put into each kind of object.
-_OBJECTS: List[Place] = [
-    (), _clip(), _clip("footage"), _clip("filmBack"), _clip("lens"), _clip("lens", "radial1"), ("clips", 1, "footage"),
-    ("groups", 0), _layer(), _layer("surface"), _layer("tracking", 0), _layer("adjust", 0), _layer("stabilize"),
-    _layer("contours", 0), _layer("contours", 1, "keys", 0), _layer("mesh"), _layer("mesh", "tracks", 0),
-    ("groups", 0, "pose"), _layer("surfacePoints"), _solve(), _solve("camera"), _solve("stereo"), _solve("scene"),
-    _solve("features", 0), _solve("featureRoot"), _solve("assets", 0),
-]
 _REQUIRED: List[Place] = [
     ("marloProject",), ("clips",), _clip("name"), _clip("width"), _clip("height"), _clip("frameCount"),
     _clip("filmBack", "height"), _clip("footage", "kind"), _clip("footage", "directory"),
@@ -127,22 +111,13 @@ _REQUIRED: List[Place] = [
     _solve("stereo", "mode"), _solve("stereo", "separation"), _solve("features", 0, "name"),
     _solve("features", 0, "positions"), _solve("assets", 0, "path"),
 ]
-_WRONG_TYPES: List[Tuple[Place, Any]] = [
-    (("marloProject",), "1"), (("frameRate",), "25"), (("clips",), {}), (("views",), "left"), (("views", 0), 1),
-    (("groups",), {}), (("groups", 0, "hidden"), 1), (("layers",), None), (("layers", 0), []), (("currentFrame",), 1.5),
-    (("currentFrame",), True), (("currentLayer",), 0), (("playback",), 5), (("trim", 0), "1"), (_clip("name"), 7),
-    (_clip("width"), 1920.5), (_clip("interlaced"), "yes"), (_clip("footage"), "a.mov"), (_clip("lens"), []),
-    (_clip("lens", "focalLength"), "1.2"), (_layer("in"), None), (_layer("surface"), [1]),
-    (_layer("surface", "corners"), "600"), (_layer("surface", "corners", 3), None), (_layer("tracking"), {}),
-    (_layer("tracking", 0, "homographies", 4), "1"), (_layer("tracking", 1, "frames", 0), 2.5),
-    (_layer("adjust", 0, "offsets", 0), []), (_layer("stabilize"), True), (_layer("invert"), 1), (_layer("blend"), 1),
-    (_layer("colour"), "red"), (_layer("contours"), {}), (_layer("contours", 0, "closed"), "yes"),
-    (_layer("contours", 0, "veilML"), "left"), (_layer("contours", 0, "keys", 0, "points", 3), "0"),
-    (_layer("mesh"), []), (_layer("mesh", "vertexCount"), 3.5), (_layer("mesh", "tracks", 0, "positions"), "0"),
-    (("solve",), []), (_solve("legacy"), 0), (_solve("camera", "positions", 2), "1"), (_solve("features"), {}),
-    (_solve("features", 0, "name"), 1), (_solve("assets", 0, "path"), 7), (_solve("stereo", "separation"), "wide"),
-    (_layer("pose"), [0, 0, 0]), (_layer("surfacePoints", "names", 1), 2), (_layer("surfacePoints", "uvs"), 1),
-    (_layer("surfacePoints", "faceIndices", 1), 0.5), (_layer("surfacePoints", "inaccurate", 0), True),
+# Numbers that aren't whole, and what is no number but near to one; of other types every value is tried.
+_WRONG_NUMBERS: List[Tuple[Place, Any]] = [
+    (("layers",), None), (("currentFrame",), 1.5), (("currentFrame",), True), (_clip("width"), 1920.5),
+    (_layer("in"), None), (_layer("surface", "corners", 3), None), (_layer("tracking", 1, "frames", 0), 2.5),
+    (_layer("invert"), 1), (_layer("adjust", 0, "offsets", 0), []), (_layer("stabilize"), True),
+    (_layer("mesh", "vertexCount"), 3.5), (_solve("legacy"), 0), (_layer("surfacePoints", "faceIndices", 1), 0.5),
+    (_layer("surfacePoints", "inaccurate", 0), True), (("groups", 0, "hidden"), 1),
 ]
 _WRONG_VALUES: List[Tuple[Place, Any]] = [
     (("marloProject",), 2), (("frameRate",), 0), (("frameRate",), -25), (("clips",), []), (("views",), []),
@@ -175,19 +150,44 @@ _WRONG_VALUES: List[Tuple[Place, Any]] = [
 
 
 _REPORTED_WITH_HOLDER = ("firstFrame", "frames", "kind", "mode", "moving", "scales")
-_LISTS = (("frames",), ("inaccurate",), ("faceIndices",), ("scales",), ("points",))
+_LISTS = (("veilML",), ("frames",), ("inaccurate",), ("faceIndices",), ("scales",), ("points",))
+
+
+def _kinds(value: Any, at: Place = ()) -> Iterator[Tuple[Place, Any]]:
+    """Everything in a document."""
+    yield at, value
+    children = value.items() if isinstance(value, dict) else enumerate(value) if isinstance(value, list) else ()
+    for step, child in children:
+        yield from _kinds(child, at + (step,))
+
+
+def _by_kind() -> List[Tuple[Place, Any]]:
+    """Of everything that differs by indices alone the first."""
+    first: Dict[Place, Tuple[Place, Any]] = {}
+    for at, value in _kinds(good()):
+        first.setdefault(tuple(0 if isinstance(step, int) else step for step in at), (at, value))
+    return list(first.values())
+
+
+def _told(at: Place) -> Place:
+    """Keys that need or exclude one another, and elements of lists of numbers, may be reported with what holds them."""
+    return at[:-1] if at[-1] in _REPORTED_WITH_HOLDER or at[-2:-1] in _LISTS else at
+
+
+_OF_OTHER_TYPE = {str: 7, int: "1", float: "1", bool: "yes", list: {}, dict: []}
 
 
 def seen_by_both() -> Iterator[Fault]:
     """Faults of form, which the schema describes."""
-    for at in _OBJECTS:
-        yield Fault(f"unknown key in {path(at)}", at + ("flavour",), 1, path(at))
+    for at, value in _by_kind():
+        if isinstance(value, dict):
+            yield Fault(f"unknown key in {path(at)}", at + ("flavour",), 1, path(at))
+        if at:
+            yield Fault(f"{path(at)} is of another type", at, _OF_OTHER_TYPE[type(value)], path(_told(at)))
     for at in _REQUIRED:
         yield Fault(f"{path(at)} is missing", at, REMOVED, path(at[:-1]))
-    for at, value in _WRONG_TYPES + _WRONG_VALUES:
-        # Keys that need or exclude one another and an element of a list of numbers may be reported with what holds them.
-        whole = at[-1] in _REPORTED_WITH_HOLDER or at[-2:-1] in _LISTS
-        yield Fault(f"{path(at)} is {json.dumps(value)}", at, value, path(at[:-1] if whole else at))
+    for at, value in _WRONG_NUMBERS + _WRONG_VALUES:
+        yield Fault(f"{path(at)} is {json.dumps(value)}", at, value, path(_told(at)))
 
 
 _DANGLING = [("currentLayer",), ("currentView",), ("displayClip",), ("groups", 1, "parent"), _layer("clip"),

@@ -9,119 +9,84 @@ import json
 import re
 import sys
 from pathlib import Path
-from typing import Any, Iterator, List, Tuple
+from typing import Any, Iterator, Tuple
 
 import jsonschema
 
 import bad_projects
+import checking
 import scene_shots
 import shots
-from tool import Tool
+from checking import Check
 
 _PLACE = re.compile(r"\$(?:\.\w+|\[\d+\])*")
 
 
-class Check:
-    def __init__(self, tool: Tool, schema: Any, scratch: Path) -> None:
-        self.tool = tool
-        self.validator = jsonschema.Draft202012Validator(schema)
-        self.scratch = scratch
-        self.failures = 0
+def accepted(check: Check, validator: Any, name: str, file: Path) -> None:
+    """The file is good for both."""
+    for error in validator.iter_errors(json.loads(file.read_text(encoding="utf-8"))):
+        check.fail(f"{name}: the schema refuses {error.json_path}: {error.message}")
+    if check.silent("info", file):
+        print("good:", name)
 
-    def fail(self, message: str) -> None:
-        self.failures += 1
-        print("FAILED", message)
 
-    def saved(self, text: str) -> Path:
-        target = self.scratch / "project.json"
-        target.write_text(text, encoding="utf-8")
-        return target
-
-    def accepted(self, name: str, file: Path) -> None:
-        """The file is good for both."""
-        for error in self.validator.iter_errors(json.loads(file.read_text(encoding="utf-8"))):
-            self.fail(f"{name}: the schema refuses {error.json_path}: {error.message}")
-        status, errors = self.tool.run("info", file)
-        if status != 0 or errors:
-            self.fail(f"{name}: the program ends with status {status}: {' / '.join(errors)}")
-
-    def refused_by_tool(self, name: str, file: Path, reported: str) -> None:
-        status, errors = self.tool.run("info", file)
-        if status != 3 or len(errors) != 1:
-            self.fail(f"{name}: the program ends with status {status} and {len(errors)} lines: {' / '.join(errors)}")
-        elif str(file) not in errors[0]:
-            self.fail(f"{name}: the error does not name the file: {errors[0]}")
-        elif reported and not any(_inside(place, reported) for place in _PLACE.findall(errors[0])):
-            self.fail(f"{name}: the error does not name {reported}: {errors[0]}")
-
-    def fault(self, fault: bad_projects.Fault, schema_sees_it: bool) -> None:
-        project = fault.project()
-        if self.validator.is_valid(project) == schema_sees_it:
-            self.fail(f"{fault.name}: the schema {'accepts' if schema_sees_it else 'refuses'} it")
-        self.refused_by_tool(fault.name, self.saved(json.dumps(project)), fault.reported)
+def refused(check: Check, name: str, file: Path, reported: str) -> None:
+    status, errors = check.run("info", file)
+    if status != 3 or len(errors) != 1:
+        check.fail(f"{name}: the program ends with status {status} and {len(errors)} lines: {' / '.join(errors)}")
+        return
+    check.expect(str(file) in errors[0], f"{name}: the error does not name the file: {errors[0]}")
+    if reported:
+        check.expect(any(_inside(place, reported) for place in _PLACE.findall(errors[0])),
+                     f"{name}: the error does not name {reported}: {errors[0]}")
 
 
 def _inside(place: str, container: str) -> bool:
     return place.startswith(container) and place[len(container):len(container) + 1] in ("", ".", "[")
 
 
-def good_files(source: Path, check: Check) -> Iterator[Tuple[str, Path]]:
-    page = (source / "docs" / "project-file.md").read_text(encoding="utf-8")
+def good_files(check: Check) -> Iterator[Tuple[str, Path]]:
+    page = (check.source / "docs" / "project-file.md").read_text(encoding="utf-8")
     texts = [("project with every key", json.dumps(bad_projects.good()))]
     texts += [(f"example {i} of the page", text) for i, text in enumerate(re.findall(r"```json\n(.*?)```", page, re.S))]
-    texts += [("hand-made shot", json.dumps(shots.hand_made(shots.STRONG))),
-              ("interlaced shot", json.dumps(shots.interlaced()))]
-    texts += [(f"solved shot {name}", json.dumps(make())) for name, make in scene_shots.PROJECTS.items()]
-    for name, text in texts:
-        yield name, check.saved(text)
-    for sample in sorted((source / "samples").glob("*.json")):
+    projects = {"hand-made shot": shots.hand_made(shots.STRONG), "interlaced shot": shots.interlaced(),
+                **{f"solved shot {name}": make() for name, make in scene_shots.PROJECTS.items()}}
+    for name, text in texts + [(name, json.dumps(project)) for name, project in projects.items()]:
+        yield name, check.saved("project", text)
+    for sample in sorted((check.source / "samples").glob("*.json")):
         yield f"sample {sample.name}", sample
-    imported, table = check.scratch / "paper.json", source / "tests" / "data" / "paper004_corners.txt"
-    size = "x".join(map(str, shots.PAPER_SIZE))
-    try:
-        check.tool.write(imported, "import", "corners", table, "--size", size)
+    imported, table = check.scratch / "paper.json", check.source / "tests" / "data" / "paper004_corners.txt"
+    if check.silent("import", "corners", table, "--size", "x".join(map(str, shots.PAPER_SIZE)), "-o", imported):
         yield "imported project", imported
-    except (RuntimeError, OSError) as error:
-        check.fail(str(error))
 
 
-def text_faults(check: Check) -> int:
+def text_faults(check: Check) -> None:
     good = json.dumps(bad_projects.good())
     for name, change, reported in bad_projects.TEXT_FAULTS:
-        bad = change(good)
-        if bad == good:
-            check.fail(f"{name}: the fault changes nothing")
-        check.refused_by_tool(name, check.saved(bad), reported)
-    latin = check.scratch / "latin.json"
-    latin.write_bytes(good.replace("Poster", "Pl\xe4ne").encode("latin-1"))
-    check.refused_by_tool("not UTF-8", latin, "")
-    check.refused_by_tool("no file", check.scratch / "nowhere.json", "")
-    return len(bad_projects.TEXT_FAULTS) + 2
+        check.expect(change(good) != good, f"{name}: the fault changes nothing")
+        refused(check, name, check.saved("project", change(good)), reported)
+    latin = good.replace("Poster", "Pl\xe4ne").encode("latin-1")
+    refused(check, "not UTF-8", check.saved("latin", latin), "")
+    refused(check, "no file", check.scratch / "nowhere.json", "")
 
 
-def main() -> int:
-    if len(sys.argv) != 4:
-        print(__doc__, file=sys.stderr)
-        return 2
-    program, source, scratch = sys.argv[1], Path(sys.argv[2]), Path(sys.argv[3])
-    scratch.mkdir(parents=True, exist_ok=True)
-    schema = json.loads((source / "docs" / "project.schema.json").read_text(encoding="utf-8"))
+def body(check: Check) -> None:
+    schema = check.json("docs/project.schema.json")
     jsonschema.Draft202012Validator.check_schema(schema)
-    check = Check(Tool(program), schema, scratch)
-    accepted: List[str] = []
-    for name, file in good_files(source, check):
-        check.accepted(name, file)
-        accepted.append(name)
-    both, only_tool = list(bad_projects.seen_by_both()), list(bad_projects.seen_by_tool())
-    for fault in both:
-        check.fault(fault, True)
-    for fault in only_tool:
-        check.fault(fault, False)
-    texts = text_faults(check)
-    print(f"{len(accepted)} good projects ({', '.join(accepted)})")
-    print(f"{len(both)} faults of form, {len(only_tool)} of meaning, {texts} of the text; {check.failures} failures")
-    return 1 if check.failures else 0
+    validator = jsonschema.Draft202012Validator(schema)
+    for name, file in good_files(check):
+        accepted(check, validator, name, file)
+    for faults, seen in ((bad_projects.seen_by_both(), True), (bad_projects.seen_by_tool(), False)):
+        count = 0
+        for count, fault in enumerate(faults, 1):
+            project = fault.project()
+            check.expect(validator.is_valid(project) != seen,
+                         f"{fault.name}: the schema {'accepts' if seen else 'refuses'} it")
+            refused(check, fault.name, check.saved("project", project), fault.reported)
+        print(f"{count} faults {'of form' if seen else 'of meaning'}")
+        check.expect(count > 0, "no faults")
+    text_faults(check)
 
 
 if __name__ == "__main__":
-    sys.exit(main())
+    sys.exit(checking.run(__doc__, body, {}))

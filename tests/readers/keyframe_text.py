@@ -13,14 +13,15 @@
     End of Keyframe Data
 
 A program that pastes this text skips what it doesn't understand, and the artist finds out much later. This reader
-refuses instead, with the number of the line.
+refuses instead, with the number of the line. Faults of such texts are put into their blocks, which `tables` finds.
 """
 
 import re
 from dataclasses import dataclass
 from typing import Dict, List, Optional, Tuple
 
-import numpy as np
+from faults import Faults, Place
+from texts import Lines, decoded, six_digits
 
 FILE_TITLES = ("Adobe After Effects 6.0 Keyframe Data", "Assimilate SCRATCH Keyframe Data")
 FOOTER = "End of Keyframe Data"
@@ -37,15 +38,7 @@ LAYER_PROPERTIES: Properties = {
 }
 EFFECT_POINT = ("X pixels", "Y pixels")
 
-# The digits that one number of the text carries at most.
-DIGITS = 6
-
 _EFFECT = re.compile(r"Effects\t([^\t#]+) #([1-9][0-9]*)\t([^\t]+)")
-_NUMBER = re.compile(r"-?(0|[1-9][0-9]*)(\.[0-9]+)?(e[+-][0-9]{2,3})?")
-
-
-class KeyframeTextError(ValueError):
-    """The text isn't keyframe text; the message names the line."""
 
 
 @dataclass(frozen=True)
@@ -54,11 +47,10 @@ class Block:
     effect: Optional[str]
     index: Optional[int]
     param: str
-    columns: Tuple[str, ...]
     rows: Dict[float, Tuple[float, ...]]
 
 
-@dataclass(frozen=True)
+@dataclass(frozen=True, eq=False)
 class Document:
     title: str
     header: Dict[str, float]
@@ -72,100 +64,36 @@ class Document:
         return [block for block in self.blocks if block.effect is not None]
 
 
-def half_units(values: np.ndarray) -> np.ndarray:
-    """How far printed numbers may lie from those that were meant: half a unit of the sixth significant digit.
-
-    A number prints as "0" only when it is exactly that.
-    """
-    values = np.abs(np.asarray(values, float))
-    # The margin is far below the sixth digit, and lifts powers of ten over the error of the logarithm.
-    exponents = np.floor(np.log10(np.where(values > 0.0, values, 1.0) * (1.0 + 1e-9)))
-    return np.where(values > 0.0, 0.5 * 10.0 ** (exponents - DIGITS + 1), 0.0)
-
-
-class Lines:
-    """The lines of the text, handed out one after the other."""
-
-    def __init__(self, data: bytes) -> None:
-        if data.startswith(b"\xef\xbb\xbf"):
-            raise KeyframeTextError("line 1: byte order mark")
-        if b"\r" in data:
-            raise KeyframeTextError(f"line {data[:data.index(13)].count(10) + 1}: carriage return")
-        try:
-            text = data.decode("utf-8")
-        except UnicodeDecodeError as error:
-            raise KeyframeTextError(f"byte {error.start}: not UTF-8") from None
-        if not text.endswith("\n"):
-            raise KeyframeTextError("the last line has no end")
-        self._lines = text[:-1].split("\n")
-        self._at = 0
-
-    def peek(self) -> Optional[str]:
-        return self._lines[self._at] if self._at < len(self._lines) else None
-
-    def take(self) -> str:
-        line = self.peek()
-        self._at += 1
-        if line is None:
-            raise self.error("the text ends early")
-        return line
-
-    def take_exactly(self, expected: str) -> None:
-        line = self.take()
-        if line != expected:
-            raise self.error(f"{expected!r} expected, found {line!r}")
-
-    def error(self, message: str) -> KeyframeTextError:
-        """An error in the line that was taken last."""
-        return KeyframeTextError(f"line {self._at}: {message}")
-
-    def number(self, text: str) -> float:
-        match = _NUMBER.fullmatch(text)
-        if match is None:
-            raise self.error(f"{text!r} is not a number")
-        digits = (match.group(1) + (match.group(2) or "")).replace(".", "").lstrip("0")
-        if len(digits) > DIGITS:
-            raise self.error(f"{text!r} has more than {DIGITS} digits")
-        return float(text)
-
-
 def parse(data: bytes, properties: Properties = LAYER_PROPERTIES, lines_behind_header: int = 0) -> Document:
-    """Reads a whole text; raises KeyframeTextError at the first thing that is out of order.
+    """Reads a whole text; raises TextError at the first thing that is out of order.
 
     `properties` are those that a layer may have, with their columns. Some formats have more than the one empty line
     between header and first block.
     """
-    lines = Lines(data)
+    lines = Lines(decoded(data))
     title = lines.take()
     if title not in FILE_TITLES:
         raise lines.error(f"unknown file title {title!r}")
-    lines.take_exactly("")
-    header = _header(lines)
-    for _ in range(lines_behind_header):
-        lines.take_exactly("")
+    fields = header(lines)
+    lines.expect(*[""] * lines_behind_header)
     blocks = []
     while True:
-        lines.take_exactly("")
+        lines.expect("")
         if lines.peek() == FOOTER:
             break
         blocks.append(_block(lines, properties))
-    lines.take()
-    if lines.peek() is not None:
-        lines.take()
-        raise lines.error("text behind the footer")
-    return Document(title, header, blocks)
+    lines.expect(FOOTER)
+    lines.end()
+    return Document(title, fields, blocks)
 
 
-def _header(lines: Lines) -> Dict[str, float]:
-    header = {}
-    for name in HEADER_FIELDS:
-        fields = lines.take().split("\t")
-        if len(fields) != 3 or fields[0] != "" or fields[1] != name:
-            raise lines.error(f"header field {name!r} expected")
-        header[name] = lines.number(fields[2])
-        if header[name] <= 0.0:
-            raise lines.error(f"{name!r} is not positive")
-    return header
+def header(lines: Lines) -> Dict[str, float]:
+    """The fields of a header and the empty line ahead of them."""
+    lines.expect("")
+    fields = {name: six_digits(lines.match(f"\t{name}\t(.*)")[0]) for name in HEADER_FIELDS}
+    if min(fields.values()) <= 0.0:
+        raise lines.error("a field that isn't positive")
+    return fields
 
 
 def _block(lines: Lines, properties: Properties) -> Block:
@@ -174,16 +102,57 @@ def _block(lines: Lines, properties: Properties) -> Block:
     if effect is None and title not in properties:
         raise lines.error(f"unknown title {title!r}")
     columns = properties[title] if effect is None else EFFECT_POINT
-    lines.take_exactly("\tFrame\t" + "\t".join(columns))
+    lines.expect("\tFrame\t" + "\t".join(columns))
     rows: Dict[float, Tuple[float, ...]] = {}
-    while lines.peek():
+    while lines.left() and lines.peek():
         fields = lines.take().split("\t")
         if fields[0] != "" or len(fields) != 2 + len(columns):
             raise lines.error(f"a frame and {len(columns)} values expected")
-        frame, *values = (lines.number(field) for field in fields[1:])
+        frame, *values = map(six_digits, fields[1:])
         if rows and frame <= next(reversed(rows)):
             raise lines.error("frames do not ascend")
         rows[frame] = tuple(values)
     if effect is None:
-        return Block(None, None, title, columns, rows)
-    return Block(effect.group(1), int(effect.group(2)), effect.group(3), columns, rows)
+        return Block(None, None, title, rows)
+    return Block(effect.group(1), int(effect.group(2)), effect.group(3), rows)
+
+
+# ---- places of faults
+
+@dataclass(frozen=True)
+class Table:
+    """A block with the empty line behind it, its rows with their ends, and their cells."""
+    title: str
+    place: Place
+    rows: List[Place]
+    cells: List[List[Place]]
+
+    def column(self, index: int) -> List[Place]:
+        """Column 0 holds the frames."""
+        return [row[index] for row in self.cells]
+
+    def values(self) -> List[List[Place]]:
+        """All columns but that of the frames."""
+        return [self.column(index) for index in range(1, len(self.cells[0]))]
+
+
+def tables(faults: Faults, within: Place = (0, -1)) -> List[Table]:
+    found = []
+    for start, end in faults.places(r"^[^\t\n][^\n]*\n\tFrame[^\n]*\n(?:\t[^\n]*\n)+\n", within):
+        title, columns, *_ = faults.text[start:end].split("\n")
+        rows = faults.places(r"\t[^\n]*\n", (start + len(title) + len(columns) + 2, end))
+        cells = [[place for place in faults.places(r"(?<=\t)[^\t\n]*", row)] for row in rows]
+        found.append(Table(title, (start, end), rows, cells))
+    return found
+
+
+def lose_rows(faults: Faults, table: Table, name: str) -> None:
+    """The first row, one in the middle and the last one."""
+    for at in sorted({0, len(table.rows) // 2, len(table.rows) - 1}):
+        faults.drop(f"{name} without row {at}", table.rows[at])
+
+
+def blur_values(faults: Faults, table: Table, name: str) -> None:
+    """Each value of the middle row, two units off."""
+    for column, place in enumerate(table.cells[len(table.rows) // 2][1:]):
+        faults.off(f"{name}, value {column}", place)

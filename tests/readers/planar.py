@@ -5,7 +5,8 @@ y up as the project file has them, unless a name says otherwise. Per frame they 
 """
 
 from dataclasses import dataclass
-from typing import Any, Callable, Dict, Optional, Tuple
+from functools import lru_cache
+from typing import Any, Callable, Dict, List, Optional, Tuple
 
 import numpy as np
 
@@ -62,7 +63,6 @@ class Shot:
     `corners` are in pixels of the clip's raster (of a field, for interlaced clips), y down from the top edge, one quad
     per host frame from `first`. `line_height` is 2 when a line of the raster stands for two of the picture.
     """
-    name: str
     width: int
     height: int
     pixel_aspect: float
@@ -81,61 +81,94 @@ class Shot:
         return (self.first + np.arange(len(self.corners))) / self.line_height
 
 
-class PlanarProject:
-    """The layer of a project file with one clip, one view and one layer, tracked in every frame."""
+class PlanarLayer:
+    """A layer of a project file in one view: its frames, its surface, and how that moves."""
 
-    def __init__(self, project: Dict[str, Any]) -> None:
-        self.project = project
-        self.clip = project["clips"][0]
-        self.layer = project["layers"][0]
-        self.first = self.layer.get("in", 0)
-        self.last = self.layer.get("out", self.clip["frameCount"] - 1)
+    def __init__(self, project: Dict[str, Any], record: Optional[Dict[str, Any]] = None, view: int = 0) -> None:
+        record = project["layers"][0] if record is None else record
+        views = project.get("views", ["main"])
+        clips = {clip["name"]: clip for clip in project["clips"]}
+        self.record, self.view, self.view_name = record, view, views[view]
+        self.several_views = len(views) > 1
+        self.name = record["name"]
+        self.clip = clips[record.get("clip", project["clips"][0]["name"])]
+        self.rate = project.get("frameRate", 24)
+        self.aspect = self.clip.get("pixelAspect", 1)
         self.line_height = 2 if self.clip.get("interlaced", False) else 1
         self.raster = (self.clip["width"], self.clip["height"] // self.line_height)
-        surface = self.layer["surface"]
-        self.surface = np.array(surface["corners"], float).reshape(4, 2)
-        self.surface_reference = surface.get("referenceFrame", self.first)
-        track = self.layer["tracking"][0]
-        self.motion = np.array(track["homographies"], float).reshape(-1, 3, 3)
-        if track.get("firstFrame", self.first) != self.first or len(self.motion) != self.last - self.first + 1:
-            raise ValueError("the track does not cover the layer")
+        self.offset = self.clip.get("frameOffset", 0)
+        self.first = record.get("in", 0)
+        self.last = record.get("out", self.clip["frameCount"] - 1)
+        self.surface = np.array(record["surface"]["corners"], float).reshape(4, 2)
+        self.reference = record["surface"].get("referenceFrame", self.first)
+        track = self._in_view(record.get("tracking", [{"homographies": np.eye(3)}]), views[0])
+        self._motion = np.array(track["homographies"], float).reshape(-1, 3, 3)
+        self._tracked = self._frames_of(track, len(self._motion))
+        self._mesh = None
+        if "mesh" in record:
+            track = self._in_view(record["mesh"]["tracks"], views[0])
+            positions = np.array(track["positions"], float).reshape(-1, record["mesh"]["vertexCount"], 2)
+            self._mesh = self._frames_of(track, len(positions)), positions
 
-    def shot(self, name: str, track: str, invert: bool = False, reference: Optional[int] = None) -> Shot:
+    def frames(self) -> range:
+        return range(self.first, self.last + 1)
+
+    def shown(self, frame: float) -> float:
+        """The number of a host frame as the user sees it."""
+        return (frame + self.offset) / self.line_height
+
+    def shot(self, track: str = "adjusted", invert: bool = False, reference: Optional[int] = None) -> Shot:
         """What an export with these options has to show; `reference` is a host frame."""
         if reference is None:
-            reference = self._stabilize_start() if track == "stabilized" else self.surface_reference
-        frames = range(self.first, self.last + 1)
+            reference = self._stabilize_start() if track == "stabilized" else self.reference
         if track == "stabilized":
-            quads = [self._back(self._track_homography, frame, reference) for frame in frames]
+            quads = [self._back(self.tracked, frame, reference) for frame in self.frames()]
         elif invert:
-            quads = [self._back(lambda at: self._solved(track, at), frame, reference) for frame in frames]
+            quads = [self._back(lambda at: homography(self.surface, self._quad(track, at)), frame, reference)
+                     for frame in self.frames()]
         else:
-            quads = [self._quad(track, frame) for frame in frames]
+            quads = [self._quad(track, frame) for frame in self.frames()]
         corners = np.array(quads)
         corners[..., 1] = self.raster[1] - corners[..., 1]
-        return Shot(name, *self.raster, self.clip.get("pixelAspect", 1), self.project.get("frameRate", 24),
-                    self.line_height, self.first, reference, corners)
+        return Shot(*self.raster, self.aspect, self.rate, self.line_height, self.first, reference, corners)
 
-    def _track_homography(self, frame: int) -> np.ndarray:
-        return self.motion[frame - self.first]
+    @lru_cache(maxsize=None)
+    def tracked(self, frame: int) -> np.ndarray:
+        """From the surface's reference frame, without the user's corrections; the last element is 1."""
+        matrix = self._motion[_nearest(self._tracked, frame)]
+        return matrix / matrix[2, 2]
+
+    @lru_cache(maxsize=None)
+    def motion(self, frame: int) -> np.ndarray:
+        """From the surface's reference frame, the user's corrections in it; the last element is 1."""
+        if not self.record.get("adjust"):
+            return self.tracked(frame)
+        return homography(self.surface, self._quad("adjusted", frame))
+
+    def mesh(self, frame: int) -> np.ndarray:
+        """Where the vertices of the mesh are seen: the track of the mesh, moved by the user's corrections."""
+        frames, positions = self._mesh
+        return through(self.motion(frame) @ np.linalg.inv(self.tracked(frame)), positions[_nearest(frames, frame)])
+
+    def _in_view(self, tracks: List[Dict[str, Any]], hero: str) -> Dict[str, Any]:
+        return next(track for track in tracks if track.get("view", hero) == self.view_name)
+
+    def _frames_of(self, track: Dict[str, Any], count: int) -> List[int]:
+        start = track.get("firstFrame", self.first)
+        return track.get("frames", list(range(start, start + count)))
 
     def _adjusted_by(self, frame: int) -> np.ndarray:
-        keys = self.layer.get("adjust", [])
+        keys = self.record.get("adjust", [])
         if not keys:
             return np.zeros((4, 2))
         at = [key["frame"] for key in keys]
         return np.array([np.interp(frame, at, [key["offsets"][i] for key in keys]) for i in range(8)]).reshape(4, 2)
 
     def _quad(self, track: str, frame: int) -> np.ndarray:
-        matrix = self._track_homography(frame)
-        if track == "adjusted":
-            return through(matrix, self.surface) + self._adjusted_by(frame)
         if track == "offset":
-            return through(matrix, self.surface + self._adjusted_by(self.surface_reference))
-        return through(matrix, self.surface)
-
-    def _solved(self, track: str, frame: int) -> np.ndarray:
-        return homography(self.surface, self._quad(track, frame))
+            return through(self.tracked(frame), self.surface + self._adjusted_by(self.reference))
+        quad = through(self.tracked(frame), self.surface)
+        return quad + self._adjusted_by(frame) if track == "adjusted" else quad
 
     def _back(self, motion: Callable[[int], np.ndarray], frame: int, reference: int) -> np.ndarray:
         """The corners of the picture, carried from a frame back to the reference frame."""
@@ -144,7 +177,11 @@ class PlanarProject:
         return through(motion(reference) @ np.linalg.inv(motion(frame)), picture)
 
     def _stabilize_start(self) -> int:
-        marks = self.layer.get("stabilize", {})
+        marks = self.record.get("stabilize", {})
         start, end = marks.get("rangeStart", self.first), marks.get("rangeEnd", self.last)
         fixed = [frame for frame in marks.get("fixedFrames", []) if start <= frame <= end]
         return fixed[0] if fixed else start
+
+
+def _nearest(frames: List[int], frame: int) -> int:
+    return min(range(len(frames)), key=lambda i: (abs(frames[i] - frame), frames[i]))

@@ -71,36 +71,3 @@ def spread(read: Callable[..., np.ndarray], values: Sequence[np.ndarray], errors
                 moved.append(np.abs(read(*shifted) - middle))
             total += np.maximum(*moved)
     return SECOND_ORDER * total + ARITHMETIC
-
-
-@dataclass(frozen=True)
-class Comparison:
-    """Largest error of a quantity, its largest bound, and where the error is largest in parts of the bound."""
-    name: str
-    error: float
-    bound: float
-    ratio: float
-    where: str
-
-
-def compared(name: str, rows: Sequence[object], columns: Sequence[object], found: np.ndarray, expected: np.ndarray,
-             bound: np.ndarray) -> Comparison:
-    """Compares (rows, columns, numbers) arrays; one that isn't a number is off by any bound."""
-    error = np.abs(found - expected)
-    ratio = np.where(np.isfinite(error), error / bound, np.inf)
-    if not ratio.size:
-        return Comparison(name, 0.0, 0.0, 0.0, "nothing")
-    worst = np.unravel_index(int(np.argmax(ratio)), ratio.shape)
-    where = (f"{rows[worst[0]]}, {columns[worst[1]]}, {'xyz'[worst[2]]}: expected {expected[worst]:.9g}, "
-             f"found {found[worst]:.9g}, bound {bound[worst]:.3g}")
-    return Comparison(name, float(error.max()), float(bound.max()), float(ratio[worst]), where)
-
-
-def reprojected(frames: Sequence[object], names: Sequence[object], found: np.ndarray, camera: Camera,
-                points: np.ndarray, bound: np.ndarray, shown: np.ndarray) -> Comparison:
-    """Compares pixels that a file makes with those of the project's camera and points.
-
-    `shown` is (frames, points): where the point exists and so must be right.
-    """
-    expected = np.where(shown[..., None], camera.project(points), found)
-    return compared("reprojection, px", frames, names, found, expected, bound)

@@ -6,7 +6,7 @@ rotations are (frames, 3, 3) matrices whose columns are the axes of what is turn
 """
 
 from dataclasses import dataclass
-from typing import Any, Dict, List, Optional, Tuple
+from typing import Any, Dict, List, Optional
 
 import numpy as np
 

@@ -86,7 +86,8 @@ def project(solve: Project, layers: Optional[List[Project]] = None, clip: Option
 def _moving_points() -> Project:
     at = np.arange(FRAMES)[:, None, None]
     cloud = np.array(CLOUD).reshape(1, -1, 3)
-    return {"frames": list(range(FRAMES)), "names": ["a", "b c", "d", "e"], "positions": _flat(cloud + 0.02 * at * cloud[..., ::-1])}
+    return {"frames": list(range(FRAMES)), "names": ["a", "b c", "d", "e"],
+            "positions": _flat(cloud + 0.02 * at * cloud[..., ::-1])}
 
 
 def _moving_parts() -> Project:
@@ -177,7 +178,7 @@ def _combinations() -> Iterator[Tuple[str, Project]]:
         yield name, project(solve, [layer("Thing", **keys)], groups=groups)
 
 
-# Every project by name; those of `SAMPLE_LIKE` have the geometry of ordinary shots.
+# Every project by name.
 PROJECTS: Dict[str, Callable[[], Project]] = {
     "handheld": lambda: project({"camera": handheld()}),
     "orbit": lambda: project({}),
@@ -202,7 +203,6 @@ PROJECTS: Dict[str, Callable[[], Project]] = {
     "rig": rig,
     "converged rig": lambda: rig("converged"),
 }
-SAMPLE_LIKE = ("handheld",)
 
 
 def combinations() -> Dict[str, Project]:

@@ -1,4 +1,4 @@
-"""Contours, their motion, and meshes, computed from a project file alone, as docs/project-file.md has them.
+"""Contours and their motion, computed from a project file alone, as docs/project-file.md has them.
 
 Points are pixels of the clip's raster (of a field, for interlaced clips), y up; `lines` of them make full-frame lines.
 A Bezier outline has for each vertex the tip of the handle that arrives, the vertex, and the tip of the handle that
@@ -6,16 +6,20 @@ leaves: (vertices, 3, 2). An X-spline has its control points, (points, 1, 2), an
 """
 
 from dataclasses import dataclass, replace
-from typing import Any, Dict, List, Optional
+from functools import cached_property, lru_cache
+from typing import Any, Dict, List, Optional, Tuple
 
 import numpy as np
 
-from planar import homography, through
+from planar import PlanarLayer, through
 
 ARRIVING, VERTEX, LEAVING = range(3)
 
+# Steps for each segment of a densely sampled curve, and of a curve as the line that distances are taken from.
+STEPS, _LINE_STEPS, _STRIDE = 16, 120, 8
 
-@dataclass(frozen=True)
+
+@dataclass(frozen=True, eq=False)
 class Outline:
     points: np.ndarray
     weights: Optional[np.ndarray]
@@ -43,8 +47,17 @@ class Outline:
             mask[0, ARRIVING] = mask[-1, LEAVING] = False
         return mask
 
-    def dense(self, count: int) -> np.ndarray:
-        """The curve as a line of `count` steps for each segment, (steps + 1, 2)."""
+    @cached_property
+    def dense(self) -> np.ndarray:
+        """The curve as a line of some steps for each segment, (steps + 1, 2)."""
+        return self._stepped(STEPS)
+
+    @cached_property
+    def fine(self) -> np.ndarray:
+        """The curve as the line that distances are taken from."""
+        return self._stepped(_LINE_STEPS)
+
+    def _stepped(self, count: int) -> np.ndarray:
         if self.weights is None:
             return bezier(self.points, self.closed, count)
         if self.rest is None:
@@ -116,11 +129,18 @@ def _joined(segments: np.ndarray) -> np.ndarray:
 
 
 def distances(points: np.ndarray, line: np.ndarray) -> np.ndarray:
-    """How far each of the points is from the parts of a finely stepped polyline that meet at its nearest corner."""
+    """How far each of the points is from the parts of a finely stepped polyline that meet at its nearest corner.
+
+    That corner is looked for near the nearest one of few; should a nearer one lie elsewhere, a distance is too large.
+    """
     middle = line.mean(axis=0)
     points, line = points - middle, line - middle
     steps, ring = len(line) - 1, np.allclose(line[0], line[-1], rtol=0.0, atol=1e-9)
-    nearest = np.argmin(np.einsum("ij,ij->i", line, line) - 2.0 * points @ line.T, axis=1)
+    few = line[::_STRIDE]
+    about = _STRIDE * np.argmin(np.einsum("ij,ij->i", few, few) - 2.0 * points @ few.T, axis=1)
+    near = (about[:, None] + np.arange(-_STRIDE, _STRIDE + 1)) % steps
+    offsets = line[near] - points[:, None]
+    nearest = near[np.arange(len(points)), np.argmin(np.einsum("ijk,ijk->ij", offsets, offsets), axis=1)]
     result = np.full(len(points), np.inf)
     for first in (nearest - 1, nearest):
         first = first % steps if ring else np.clip(first, 0, steps - 1)
@@ -131,17 +151,13 @@ def distances(points: np.ndarray, line: np.ndarray) -> np.ndarray:
     return result
 
 
-# Steps for each segment of a densely sampled curve, and of a curve as the line that distances are taken from.
-STEPS, _LINE_STEPS = 16, 120
-
 # How far a Bezier curve may be from the X-spline that it stands for, in pixels.
 X_SPLINE = 0.05
 
 
 def apart(one: Outline, other: Outline) -> np.ndarray:
     """How far places all along each of two curves are from the other one."""
-    return np.concatenate([distances(one.dense(STEPS), other.dense(_LINE_STEPS)),
-                           distances(other.dense(STEPS), one.dense(_LINE_STEPS))])
+    return np.concatenate([distances(one.dense, other.fine), distances(other.dense, one.fine)])
 
 
 class Contour:
@@ -168,65 +184,35 @@ class Contour:
         return Outline(np.stack([vertex + values[:, 2:4], vertex, vertex + values[:, 4:6]], axis=1), None, self.closed)
 
 
-class Layer:
-    """A layer in one view, from its file."""
+class Layer(PlanarLayer):
+    """A layer with its contours in one view."""
 
     def __init__(self, project: Dict[str, Any], record: Dict[str, Any], view: int = 0) -> None:
-        views = project.get("views", ["main"])
-        clips = {clip["name"]: clip for clip in project["clips"]}
-        self.record, self.view, self.view_name = record, view, views[view]
-        self.name = record["name"]
-        self.clip = clips[record.get("clip", project["clips"][0]["name"])]
-        self.interlaced = self.clip.get("interlaced", False)
-        self.line_height = 2 if self.interlaced else 1
-        self.raster = np.array([self.clip["width"], self.clip["height"] // self.line_height], float)
-        self.offset = self.clip.get("frameOffset", 0)
-        self.first = record.get("in", 0)
-        self.last = record.get("out", self.clip["frameCount"] - 1)
-        self._surface = np.array(record["surface"]["corners"], float).reshape(4, 2)
-        track = self._in_view(record["tracking"], views)
-        self._tracked = self._frames_of(track, len(track["homographies"]) // 9)
-        self._motion = np.array(track["homographies"], float).reshape(-1, 3, 3)
+        super().__init__(project, record, view)
         self.contours = [contour for contour in map(Contour, record.get("contours", [])) if contour.active]
 
-    def frames(self) -> range:
-        return range(self.first, self.last + 1)
-
-    def shown(self, frame: float) -> float:
-        return (frame + self.offset) / self.line_height
-
-    def tracked(self, frame: int) -> np.ndarray:
-        """Without the user's corrections."""
-        matrix = self._motion[self._nearest(self._tracked, frame)]
-        return matrix / matrix[2, 2]
-
-    def motion(self, frame: int) -> np.ndarray:
-        """From the surface's reference frame, the user's corrections in it; the last element is 1."""
-        matrix, keys = self.tracked(frame), self.record.get("adjust", [])
-        if not keys:
-            return matrix
-        at = [key["frame"] for key in keys]
-        moved = [np.interp(frame, at, [key["offsets"][i] for key in keys]) for i in range(8)]
-        return homography(self._surface, through(matrix, self._surface) + np.array(moved).reshape(4, 2))
-
+    @lru_cache(maxsize=None)
     def seen(self, contour: Contour, frame: int, feather: bool = False) -> Outline:
         return contour.plane(frame, feather).carried(self.motion(frame))
 
-    def mesh(self, views: List[str], frame: int) -> np.ndarray:
-        """Where the vertices of the mesh are seen: the track of the mesh, moved by the user's corrections."""
-        track = self._in_view(self.record["mesh"]["tracks"], views)
-        count = self.record["mesh"]["vertexCount"]
-        positions = np.array(track["positions"], float).reshape(-1, count, 2)
-        at = self._nearest(self._frames_of(track, len(positions)), frame)
-        return through(self.motion(frame) @ np.linalg.inv(self.tracked(frame)), positions[at])
+    @lru_cache(maxsize=None)
+    def plane(self, contour: Contour, frame: int, feather: bool = False) -> Outline:
+        """The contour as it lies in the reference frame."""
+        return contour.plane(frame, feather)
 
-    def _in_view(self, tracks: List[Dict[str, Any]], views: List[str]) -> Dict[str, Any]:
-        return next(track for track in tracks if track.get("view", views[0]) == self.view_name)
+    def keys_of(self, contour: Contour) -> List[int]:
+        """Frames of the few outlines that motion can be told beside: the contour's within the layer, and its ends."""
+        return sorted({self.first, self.last} | {frame for frame in contour.frames if self.first <= frame <= self.last})
 
-    def _frames_of(self, track: Dict[str, Any], count: int) -> List[int]:
-        start = track.get("firstFrame", self.first)
-        return track.get("frames", list(range(start, start + count)))
 
-    @staticmethod
-    def _nearest(frames: List[int], frame: int) -> int:
-        return min(range(len(frames)), key=lambda i: (abs(frames[i] - frame), frames[i]))
+class Scene:
+    """What is exported: layers from the top of the stack, each in these views."""
+
+    def __init__(self, project: Dict[str, Any], names: Optional[List[str]] = None,
+                 views: Tuple[int, ...] = (0,)) -> None:
+        """Without names the topmost layer."""
+        self.project = project
+        names = [project["layers"][0]["name"]] if names is None else names
+        records = [record for record in project["layers"] if record["name"] in names]
+        self.layers = [[Layer(project, record, view) for view in views] for record in records]
+        self.playback_in = project.get("playback", [0])[0]

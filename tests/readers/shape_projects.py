@@ -1,11 +1,13 @@
 """Projects with roto shapes, made here so that a wrong order, side, sign, unit, key or layer shows as many pixels."""
 
 import copy
-from typing import Any, Dict, List
+from dataclasses import dataclass
+from typing import Any, Dict, List, Tuple
 
 import numpy as np
 
 import shots
+from shape_model import Scene
 
 
 def _bezier(middle, radius, turn: float, stretch: float = 1.0) -> List[float]:
@@ -106,18 +108,38 @@ def stereo() -> Dict[str, Any]:
     return project
 
 
-def far() -> Dict[str, Any]:
-    """A vertex is more than 30000 pixels away, in a single frame."""
+def far(number: int = 0, value: float = -31000.0) -> Dict[str, Any]:
+    """A vertex is more than 30000 pixels away, in a single frame; `number` is that of the coordinate in a key."""
     project = layers()
     layer = copy.deepcopy(project["layers"][0])
     shape = layer["contours"][0]
     shape["keys"] = [dict(shape["keys"][0], frame=frame) for frame in (12, 19, 20, 26)]
     for key in shape["keys"]:
         key["points"] = list(key["points"])
-    shape["keys"][1]["points"][0] = 4200.0
-    shape["keys"][2]["points"][0] = -31000.0
+    shape["keys"][1]["points"][number] = 4200.0
+    shape["keys"][2]["points"][number] = value
     del layer["adjust"]
     layer["tracking"] = [{"homographies": _moved(15, 2.0, (560, 430), (9.5, 7.25), 4.0, 1.0, (0, 0))}]
     layer["contours"] = [shape, layer["contours"][2]]
     project.update({"layers": [layer], "playback": [0, 39]})
     return project
+
+
+@dataclass(frozen=True)
+class Case:
+    """A scene and what exports it."""
+    name: str
+    scene: Scene
+    arguments: Tuple[str, ...] = ()
+
+
+def cases() -> Dict[str, Case]:
+    """By name; a format that writes one view alone leaves "both views" out."""
+    several, one, two = layers(), fields(), stereo()
+    names = [layer["name"] for layer in several["layers"]]
+    return {case.name: case for case in (
+        Case("layers", Scene(several, names), ("--layers", "all")),
+        Case("single frame", Scene(several, ["Still"]), ("--layer", "Still")), Case("fields", Scene(one)),
+        Case("both views", Scene(two, views=(0, 1)), ("--view", "all")),
+        Case("left view", Scene(two), ("--view", "left")),
+        Case("right view", Scene(two, views=(1,)), ("--view", "right")), Case("far", Scene(far())))}

@@ -8,7 +8,7 @@ from typing import Any, Dict
 
 import numpy as np
 
-from planar import PlanarProject, Shot
+from planar import PlanarLayer, Shot
 
 PAPER_SIZE = (1920, 1080)
 
@@ -24,13 +24,13 @@ def paper_corners(table: Path) -> np.ndarray:
 
 def paper_shot(corners: np.ndarray, imported: Dict[str, Any]) -> Shot:
     """The sheet of paper as its table has it; only the reference frame and the rate are the importer's choice."""
-    project = PlanarProject(imported)
-    return Shot("paper", *PAPER_SIZE, 1.0, imported.get("frameRate", 24), 1, 0, project.surface_reference, corners)
+    layer = PlanarLayer(imported)
+    return Shot(*PAPER_SIZE, 1.0, layer.rate, 1, 0, layer.reference, corners)
 
 
 def imported_error(corners: np.ndarray, imported: Dict[str, Any]) -> float:
     """Largest distance, in pixels, of the imported project's corners from the annotated ones."""
-    shot = PlanarProject(imported).shot("imported", "basic")
+    shot = PlanarLayer(imported).shot("basic")
     if shot.first != 0 or shot.corners.shape != corners.shape or (shot.width, shot.height) != PAPER_SIZE:
         raise ValueError("the imported project has other frames or another size than the table")
     return float(np.abs(shot.corners - corners).max())

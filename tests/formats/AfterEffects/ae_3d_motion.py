@@ -5,7 +5,6 @@ position, rotation and scale (percent) of a parent apply to its children. The pi
 Width in square pixels, and a focal length in the header's unit divided by the film size is in widths of the picture.
 """
 
-from dataclasses import dataclass, field
 from typing import List, Sequence, Tuple
 
 import numpy as np
@@ -13,9 +12,13 @@ import numpy as np
 import ae_3d_text
 from ae_3d_nulls import AXES, MILLIMETRE, RIG_SCALE, Options, expected_nulls
 from ae_3d_text import POSITION, ROTATIONS, SCALE, ZOOM
-from keyframe_text import Document, KeyframeTextError, half_units
-from reprojection import Camera, Comparison, ProjectionError, compared, reprojected, spread
+from findings import Findings, judging
+from keyframe_text import Document
+from reprojection import Camera, spread
 from scene_model import Placement, SceneModel, rotating_xyz, rotating_xyz_angles
+from texts import TextError, half_units
+
+PICTURE = "reprojection, px"
 
 # The world's scale and the numbers of the lens go through single precision once or twice.
 SINGLE = 2e-7
@@ -24,18 +27,8 @@ SINGLE = 2e-7
 ARITHMETIC = 1e-7
 
 
-@dataclass
-class Verdict:
-    problems: List[str] = field(default_factory=list)
-    comparisons: List[Comparison] = field(default_factory=list)
-
-    def faults(self) -> List[str]:
-        return self.problems + [f"{c.name}: error is {c.ratio:.3g} of the bound at {c.where}"
-                                for c in self.comparisons if not c.ratio <= 1.0]
-
-
 class Reading:
-    """A text beside the solve that it should show; raises KeyframeTextError when its shape is wrong."""
+    """A text beside the solve that it should show; raises TextError when its shape is wrong."""
 
     def __init__(self, data: bytes, model: SceneModel, options: Options) -> None:
         self.text, self.model, self.options = ae_3d_text.parse(data), model, options
@@ -51,92 +44,56 @@ class Reading:
         if "stereo" in model.solve:
             self.unit *= RIG_SCALE
 
-    def names(self) -> List[str]:
-        return [null.name for null in self.nulls]
-
     def focal_pixels(self) -> np.ndarray:
         return self.camera.focal / self.camera.film_width * self.width
 
-    # --- the shape of the text
-
-    def problems(self) -> List[str]:
-        return self._header_problems() + (self._null_problems() or self._row_problems())
-
-    def _header_problems(self) -> List[str]:
+    def judge_shape(self, findings: Findings) -> None:
+        """Header, nulls and rows."""
         clip, text = self.model.clip, self.text
         aspect = clip.get("pixelAspect", 1)
-        expected = {"Units Per Second": self.model.project.get("frameRate", 24),
-                    "Source Width": int(clip["width"] * aspect), "Source Height": clip["height"],
-                    "Source Pixel Aspect Ratio": aspect, "Comp Pixel Aspect Ratio": aspect}
-        found = [(name, text.camera.header[name], value) for name, value in expected.items()]
-        found += [("FilmSize", text.film_size, self.camera.film_width * self.header_unit),
-                  ("FocalLength", text.focal_length, self.camera.focal[0] * self.header_unit)]
-        problems = [f"header: {name} is {value:g} instead of {meant:g}" for name, value, meant in found
-                    if abs(value - meant) > half_units(value) + SINGLE * value]
-        if text.version != ("2.0" if self.options.hierarchy else "1.0"):
-            problems.append(f"header: version {text.version}")
-        zoomed = ae_3d_text.has(text.camera, ZOOM)
-        if zoomed != (self.camera.focal_is_keyed or self.model.legacy):
-            problems.append(f"the camera has {'a' if zoomed else 'no'} zoom")
-        return problems
-
-    def _null_problems(self) -> List[str]:
-        found = [(null.name, null.is_parent, self.text.nulls[null.parent].name if null.parent >= 0 else "")
-                 for null in self.text.nulls]
-        expected = [(null.name, null.is_parent, null.parent) for null in self.nulls]
-        return [] if found == expected else [f"nulls {found} instead of {expected}"]
-
-    def _row_problems(self) -> List[str]:
-        problems = []
-        documents = [("camera", self.text.camera)] + [(null.name, null.document) for null in self.text.nulls]
-        for index, (name, document) in enumerate(documents):
-            frames = ae_3d_text.rows(document, POSITION)[0]
-            still = 0 < index <= len(self.nulls) and self.nulls[index - 1].still
-            if index == 0 and list(frames) != list(self.rows):
-                problems.append(f"{name}: {len(frames)} rows from frame {frames[0]:g} instead of {self.model.frames} "
-                                f"from {self.rows[0]:g}")
-            elif still and list(frames) != [self.rows[0]]:
-                problems.append(f"{name}: rows at {list(frames)} instead of {self.rows[0]:g}")
+        found = np.array([*text.camera.header.values(), text.film_size, text.focal_length])
+        findings.printed("header", found, [
+            self.model.project.get("frameRate", 24), int(clip["width"] * aspect), clip["height"], aspect, aspect,
+            self.camera.film_width * self.header_unit, self.camera.focal[0] * self.header_unit], SINGLE * found)
+        findings.same("version", text.version, "2.0" if self.options.hierarchy else "1.0")
+        findings.same("a zoom", ae_3d_text.has(text.camera, ZOOM), self.camera.focal_is_keyed or self.model.legacy)
+        nulls = [(null.name, null.is_parent, text.nulls[null.parent].name if null.parent >= 0 else "")
+                 for null in text.nulls]
+        if not findings.same("nulls", nulls, [(null.name, null.is_parent, null.parent) for null in self.nulls]):
+            return
+        findings.same("camera, frames", list(ae_3d_text.rows(text.camera, POSITION)[0]), list(self.rows))
+        for null, expected in zip(text.nulls, self.nulls):
+            frames = ae_3d_text.rows(null.document, POSITION)[0]
+            if expected.still:
+                findings.same(f"{null.name}, frames", list(frames), [self.rows[0]])
             elif not set(frames) <= set(self.rows):
-                problems.append(f"{name}: rows that are no frames of the clip")
-        return problems
+                findings.problem(f"{null.name}: rows that are no frames of the clip")
 
-    # --- its numbers, one by one
-
-    def number_comparisons(self) -> List[Comparison]:
+    def judge_numbers(self, findings: Findings) -> None:
         """Every number of the text against half a unit of its sixth digit."""
-        comparisons = self._compare_document("camera", self.text.camera, self.camera.place, False)
+        self._judge_document(findings, "camera", self.text.camera, self.camera.place, False)
         if ae_3d_text.has(self.text.camera, ZOOM):
             found = ae_3d_text.rows(self.text.camera, ZOOM)[1]
-            expected = self.camera.focal * self.header_unit
-            comparisons.append(self._compare("camera, zoom", self.rows, found, expected[:, None], SINGLE * found))
-        for null, expected_null in zip(self.text.nulls, self.nulls):
-            comparisons += self._compare_document(null.name, null.document, expected_null.local, True)
-        return comparisons
+            findings.printed("zoom", found, self.camera.focal[:, None] * self.header_unit, SINGLE * found + ARITHMETIC)
+        for null, expected in zip(self.text.nulls, self.nulls):
+            self._judge_document(findings, null.name, null.document, expected.local, True)
 
-    def _compare_document(self, name: str, document: Document, place: Placement, scaled: bool) -> List[Comparison]:
+    def _judge_document(self, findings: Findings, name: str, document: Document, place: Placement,
+                        scaled: bool) -> None:
         frames, found = ae_3d_text.rows(document, POSITION)
         at = np.searchsorted(self.rows, frames)
+
+        def where(row: int, axis: int) -> str:
+            return f"{name}, frame {frames[row]:g}, {'xyz'[axis]}"
         position = self.unit * place.position[at] @ AXES
-        comparisons = [self._compare(f"{name}, position", frames, found, position, SINGLE * np.abs(position))]
+        findings.printed("position", found, position, SINGLE * np.abs(position) + ARITHMETIC, where)
         found = ae_3d_text.rows(document, *ROTATIONS)[1]
-        angles = nearest_angles(AXES @ place.rotation[at] @ AXES, found)
-        comparisons.append(self._compare(f"{name}, rotation", frames, found, angles, 0.0))
+        findings.printed("rotation", found, nearest_angles(AXES @ place.rotation[at] @ AXES, found), ARITHMETIC, where)
         if scaled:
-            found = ae_3d_text.rows(document, SCALE)[1]
-            percent = np.repeat(100.0 * place.scale[at, None], 3, axis=1)
-            comparisons.append(self._compare(f"{name}, scale", frames, found, percent, SINGLE * percent))
-        return comparisons
+            percent, found = np.repeat(100.0 * place.scale[at, None], 3, axis=1), ae_3d_text.rows(document, SCALE)[1]
+            findings.printed("scale", found, percent, SINGLE * percent + ARITHMETIC, where)
 
-    @staticmethod
-    def _compare(name: str, frames: np.ndarray, found: np.ndarray, expected: np.ndarray, allowed) -> Comparison:
-        bound = half_units(found) + allowed + ARITHMETIC
-        labels = [f"frame {frame:g}" for frame in frames]
-        return compared(name, labels, [name], found[:, None, :], expected[:, None, :], bound[:, None, :])
-
-    # --- the scene that the program builds from them
-
-    def reprojection(self) -> Comparison:
+    def judge_picture(self, findings: Findings) -> None:
         """Pixels of all nulls through the camera, both from the text alone, against those of the solve. What only
         carries others may lie behind the camera; it is seen in them."""
         camera = Camera(self.camera.place.position, self.camera.place.rotation, self.focal_pixels())
@@ -145,10 +102,13 @@ class Reading:
         for numbers in (values, errors):
             numbers[2] = numbers[2][:, seen]
         found = self.pixels(*values)
-        world = np.stack([self.nulls[i].world for i in seen], axis=1)
         shown = np.stack([self.nulls[i].shown for i in seen], axis=1)
-        labels, names = [f"frame {frame:g}" for frame in self.rows], [self.names()[i] for i in seen]
-        return reprojected(labels, names, found, camera, world, spread(self.pixels, values, errors), shown)
+        expected = camera.project(np.stack([self.nulls[i].world for i in seen], axis=1))
+        names = [self.nulls[i].name for i in seen]
+        # Where a null doesn't exist it may be anywhere.
+        expected = np.where(shown[..., None], expected, found)
+        findings.compare(PICTURE, found, expected, spread(self.pixels, values, errors),
+                         lambda row, null, axis: f"frame {self.rows[row]:g}, {names[null]}, {'xy'[axis]}")
 
     def printed(self) -> Tuple[List[np.ndarray], List[np.ndarray]]:
         """Numbers of the camera, the lens and each null with all its parents, and how far each may be off."""
@@ -185,7 +145,7 @@ class Reading:
             errors[:, 9 * level:9 * level + held.shape[1]] = error
             at = self.text.nulls[at].parent
         if at >= 0:
-            raise KeyframeTextError(f"null {index} has more parents than a group and a layer")
+            raise TextError(f"null {index} has more parents than a group and a layer")
         return values, errors
 
     def pixels(self, camera: np.ndarray, lens: np.ndarray, chains: np.ndarray) -> np.ndarray:
@@ -209,25 +169,18 @@ def nearest_angles(rotation: np.ndarray, found: np.ndarray) -> np.ndarray:
     return np.where((distances[0] <= distances[1])[:, None], *triples)
 
 
-def judge(data: bytes, model: SceneModel, options: Options) -> Verdict:
+@judging
+def judge(findings: Findings, data: bytes, model: SceneModel, options: Options) -> None:
     """Reads a text as its program would and compares it with the solve."""
-    verdict = Verdict()
-    try:
-        reading = Reading(data, model, options)
-        verdict.problems += reading.problems()
-        if verdict.problems:
-            return verdict
-        verdict.comparisons += reading.number_comparisons()
-        if reading.nulls:
-            verdict.comparisons.append(reading.reprojection())
-    except (KeyframeTextError, ProjectionError) as error:
-        verdict.problems.append(str(error))
-    return verdict
+    reading = Reading(data, model, options)
+    reading.judge_shape(findings)
+    if not findings.faults():
+        reading.judge_numbers(findings)
+    if not findings.faults() and reading.nulls:
+        reading.judge_picture(findings)
 
 
-def shows_in_picture(data: bytes, model: SceneModel, options: Options) -> bool:
-    """Whether the pixels alone tell that a well-formed text is wrong."""
-    try:
-        return Reading(data, model, options).reprojection().ratio > 1.0
-    except ProjectionError:
-        return True
+@judging
+def judge_picture(findings: Findings, data: bytes, model: SceneModel, options: Options) -> None:
+    """Only whether the pixels are right."""
+    Reading(data, model, options).judge_picture(findings)

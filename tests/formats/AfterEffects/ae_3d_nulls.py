@@ -1,6 +1,7 @@
 """The nulls that a text of a solve has to have: their order, what they hang on, and their numbers."""
 
 from dataclasses import dataclass, replace
+from functools import lru_cache
 from typing import List, Optional
 
 import numpy as np
@@ -131,5 +132,6 @@ class _NullList:
         self.nulls.append(ExpectedNull(name, parent, False, local, world.position, shown, True))
 
 
+@lru_cache(maxsize=16)
 def expected_nulls(model: SceneModel, options: Options) -> List[ExpectedNull]:
     return _NullList(model, options).nulls

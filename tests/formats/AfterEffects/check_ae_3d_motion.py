@@ -6,22 +6,24 @@ Projects that are made here go through both formats, and every combination of wh
 both as well. Then faults are put into the exported texts, and each has to be noticed.
 """
 
-import json
 import sys
-from pathlib import Path
-from typing import Dict, List, Optional, Tuple
+from typing import Any, Dict, List, Optional, Tuple
 
 import numpy as np
 
-import ae_3d_corruptions
-import ae_3d_writer
+import ae_3d_faults
+import checking
 import scene_shots
-from ae_3d_motion import Reading, judge, shows_in_picture
+from ae_3d_motion import PICTURE, Reading, judge, judge_picture
 from ae_3d_nulls import Options
-from ae_3d_text import KeyframeTextError, parse
+from checking import Check
 from reprojection import Camera, spread
 from scene_model import SceneModel, partial_turn, static_xyz
-from tool import Tool
+
+VERIFIES = {
+    "after_effects_3D_motion": "each number within half a unit of its sixth digit, nulls in the picture within 0.05 px",
+    "after_effects_3D_motion_pre_2025": "each number within half a unit of its sixth digit, nulls within 0.05 px",
+}
 
 # What half units of six digits may cost in these scenes at the most, pixels.
 CEILING = 0.05
@@ -32,53 +34,25 @@ MORE: Tuple[Tuple[str, Options], ...] = (
     ("features", Options(objects="selected")), ("moving parts", Options(features=False)),
 )
 
-# Projects whose texts get faults: which have a zoom, and a moving layer in a moving group.
-FAULTY: Tuple[Tuple[str, bool, bool, bool], ...] = (
-    ("keyed focal length", True, True, False), ("scene pose", False, False, False), ("moving parts", True, False, True),
-)
+# Projects whose texts get faults: with a moving layer in a moving group, with a zoom, and without parents.
+FAULTY = (("moving parts", True), ("keyed focal length", True), ("scene pose", False))
 
 
-class Check:
-    """Collects what is wrong and prints what was measured."""
-
-    def __init__(self, tool: Tool, source: Path, scratch: Path) -> None:
-        self.tool = tool
-        self.source = source
-        self.scratch = scratch
-        self.failures: List[str] = []
-        self.good = 0
-
-    def fail(self, message: str) -> None:
-        self.failures.append(message)
-        print("FAILED", message)
-
-    def export(self, name: str, project: dict, options: Options) -> Optional[bytes]:
-        source = self.scratch / f"{name.replace(' ', '_').replace(',', '')}.json"
-        source.write_text(json.dumps(project), encoding="utf-8")
-        try:
-            return self.tool.write(self.scratch / "motion.txt", "export", source, options.key, *options.arguments(),
-                                   "--quiet")
-        except (RuntimeError, OSError) as error:
-            self.fail(f"{name}: {error}")
-            return None
-
-    def judge(self, name: str, text: Optional[bytes], model: SceneModel, options: Options, quiet: bool = False,
-              widest: float = CEILING) -> None:
-        """`widest` is how far the bound may reach; the error stays below the ceiling whatever that is."""
-        if text is None:
-            return
-        verdict = judge(text, model, options)
-        for fault in verdict.faults():
-            self.fail(f"{name}, {options}: {fault}")
-        self.good += not verdict.faults()
-        for comparison in verdict.comparisons:
-            if not comparison.name.startswith("reprojection"):
-                continue
-            if not quiet:
-                print(f"{name}, {options.key}: {len(model.layers)} layers, {comparison.name}: error "
-                      f"{comparison.error:.3g}, bound up to {comparison.bound:.3g}, of bound {comparison.ratio:.3f}")
-            if not (comparison.error <= CEILING and comparison.bound <= widest):
-                self.fail(f"{name}, {options}: {comparison.error:.3g} px, bound {comparison.bound:.3g} px")
+def check_export(check: Check, name: str, project: Dict[str, Any], options: Options, quiet: bool = False,
+                 widest: float = CEILING) -> Optional[bytes]:
+    """`widest` is how far the bound may reach; the error stays below the ceiling whatever that is."""
+    model = SceneModel(project)
+    name = " ".join([name, *options.arguments()])
+    text = check.export(options.key, name, project, *options.arguments(), "--quiet")
+    if text is None:
+        return None
+    findings = judge(text, model, options)
+    good = check.verdict(options.key, name, findings, quiet)
+    picture = findings.measures.get(PICTURE)
+    if picture is not None:
+        good &= check.expect(picture.error <= CEILING and picture.bound <= widest,
+                             f"{name}, {options.key}: {picture.error:.3g} px, bound {picture.bound:.3g} px")
+    return text if good else None
 
 
 def cases() -> List[Tuple[str, Options]]:
@@ -93,70 +67,31 @@ def cases() -> List[Tuple[str, Options]]:
 def check_exports(check: Check) -> None:
     for name, options in cases():
         project = scene_shots.PROJECTS[name]()
-        check.judge(name, check.export(name, project, options), SceneModel(project), options)
+        text = check_export(check, name, project, options)
+        if text is not None and (name, options.hierarchy) in FAULTY and options in (Options(), Options(False)):
+            model = SceneModel(project)
+            seen, told = ae_3d_faults.faults(text)
+            check.faults(options.key, f"{name}, in the picture", seen, lambda bad: judge_picture(bad, model, options))
+            check.faults(options.key, name, told, lambda bad: judge(bad, model, options))
 
 
 def check_sample(check: Check) -> None:
     """A real solve: thousands of points, a view for each frame. Marks of inaccurate points change names only, and bring
     a warning."""
-    project = json.loads((check.source / "samples" / "castle.json").read_text(encoding="utf-8"))
+    project = check.json("samples/castle.json")
     for features in project["solve"]["features"]:
         features.pop("inaccurate", None)
-    for hierarchy in (True, False):
-        options = Options(hierarchy)
-        # What the points hang on has nine numbers more that may each be off, as far as their digits say.
-        check.judge("castle", check.export("castle", project, options), SceneModel(project), options,
-                    widest=0.07 if hierarchy else CEILING)
+    # What the points hang on has nine numbers more that may each be off, as far as their digits say.
+    check_export(check, "castle", project, Options(), widest=0.07)
+    check_export(check, "castle", project, Options(False))
 
 
 def check_combinations(check: Check) -> None:
     projects = scene_shots.combinations()
     for name, project in projects.items():
         for hierarchy in (True, False):
-            options = Options(hierarchy)
-            check.judge(name, check.export(name, project, options), SceneModel(project), options, quiet=True)
+            check_export(check, name, project, Options(hierarchy), quiet=True)
     print(f"{len(projects)} combinations of layer, group, features and asset, in both formats")
-
-
-def plant_faults(check: Check, name: str, text: bytes, model: SceneModel, options: Options, zoom: bool,
-                 parents: bool) -> int:
-    count = 0
-    for fault, in_picture, bad in ae_3d_corruptions.faults(text, zoom, parents):
-        count += 1
-        noticed = shows_in_picture(bad, model, options) if in_picture else bool(judge(bad, model, options).faults())
-        if not noticed:
-            check.fail(f"{name}: not noticed: {fault}")
-    for fault, bad in ae_3d_corruptions.malformed(text):
-        count += 1
-        try:
-            parse(bad)
-        except KeyframeTextError:
-            continue
-        check.fail(f"{name}: the parser accepts a text with this fault: {fault}")
-    return count
-
-
-def check_faults_are_noticed(check: Check) -> None:
-    """In the reader's own texts, and in the program's."""
-    count = 0
-    for name, hierarchy, zoom, parents in FAULTY:
-        project, options = scene_shots.PROJECTS[name](), Options(hierarchy)
-        model = SceneModel(project)
-        texts = {"own": ae_3d_writer.write(model, options), "exported": check.export(name, project, options)}
-        for kind, text in texts.items():
-            if text is None or judge(text, model, options).faults():
-                check.fail(f"{name}: there is no good {kind} text to put faults into")
-                continue
-            count += plant_faults(check, f"{name}, {kind}", text, model, options, zoom, parents)
-    print(f"{count} faults put in")
-
-
-def check_reader(check: Check) -> None:
-    """Texts of the reader's own, of every project, have to pass: what fails later is not the reader's doubt."""
-    for name, options in cases():
-        model = SceneModel(scene_shots.PROJECTS[name]())
-        for fault in judge(ae_3d_writer.write(model, options), model, options).faults():
-            check.fail(f"the reader's own text of {name}, {options}: {fault}")
 
 
 # A camera at x -1000 that looks to the right, and a null whose parent doubles it and turns it a quarter clockwise.
@@ -227,40 +162,36 @@ def check_by_hand(check: Check) -> None:
     answers += [("the left eye", left.position[0], [-1, 0, 9]), ("its view", -left.rotation[0][:, 2], [1, 0, 0]),
                 ("the right eye", right.position[0], [1, 0, 9]), ("its view", -right.rotation[0][:, 2], [-1, 0, 0])]
     for name, found, expected in answers:
-        if not np.allclose(found, expected, rtol=0.0, atol=1e-9):
-            check.fail(f"by hand: {name} is {found} instead of {expected}")
+        check.expect(np.allclose(found, expected, rtol=0.0, atol=1e-9), f"by hand: {name} is {found}, not {expected}")
 
 
 def check_bound(check: Check) -> None:
     """Numbers that are off by their whole error, at random, stay within the bound and come near it."""
-    model = SceneModel(scene_shots.PROJECTS["moving parts"]())
-    reading = Reading(ae_3d_writer.write(model, Options()), model, Options())
+    project = scene_shots.PROJECTS["moving parts"]()
+    text = check.export(Options().key, "bound", project, "--quiet")
+    # What is wrong with the text is told where all are judged.
+    if text is None or judge(text, SceneModel(project), Options()).faults():
+        return
+    reading = Reading(text, SceneModel(project), Options())
     values, errors = reading.printed()
     middle, bound = reading.pixels(*values), spread(reading.pixels, values, errors)
     random, farthest = np.random.default_rng(7), np.zeros(bound.shape)
     for _ in range(300):
         off = [value + error * random.choice((-1.0, 1.0), value.shape) for value, error in zip(values, errors)]
         farthest = np.maximum(farthest, np.abs(reading.pixels(*off) - middle))
-    if np.any(farthest > bound) or np.any(farthest < 0.3 * bound) or (farthest / bound).max() < 0.9:
-        check.fail(f"the bound does not describe the largest errors: {farthest.max():.3g} of {bound.max():.3g} px, "
-                   f"parts from {(farthest / bound).min():.3g} to {(farthest / bound).max():.3g}")
-    if not scene_shots.check_angles():
-        check.fail("the angles of the made projects are not those of their cameras")
+    parts = farthest / bound
+    check.expect(bool(np.all(farthest <= bound) and parts.min() >= 0.3 and parts.max() >= 0.9),
+                 f"the bound does not describe the largest errors: parts from {parts.min():.3g} to {parts.max():.3g}")
+    check.expect(scene_shots.check_angles(), "the angles of the made projects are not those of their cameras")
 
 
-def main() -> int:
-    if len(sys.argv) != 4:
-        print(__doc__, file=sys.stderr)
-        return 2
-    program, source, scratch = sys.argv[1], Path(sys.argv[2]), Path(sys.argv[3])
-    scratch.mkdir(parents=True, exist_ok=True)
-    check = Check(Tool(program), source, scratch)
-    for part in (check_by_hand, check_bound, check_reader, check_exports, check_sample, check_combinations,
-                 check_faults_are_noticed):
+def body(check: Check) -> None:
+    for options in (Options(), Options(False)):
+        golden = judge(check.golden(options.key), SceneModel(check.goldens_project()), options)
+        check.verdict(options.key, "golden", golden)
+    for part in (check_by_hand, check_bound, check_exports, check_sample, check_combinations):
         part(check)
-    print(f"{check.good} texts are good, {len(check.failures)} failures")
-    return 1 if check.failures else 0
 
 
 if __name__ == "__main__":
-    sys.exit(main())
+    sys.exit(checking.run(__doc__, body, VERIFIES))

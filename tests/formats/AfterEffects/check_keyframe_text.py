@@ -9,21 +9,31 @@ one of them with every choice of motion. Then faults are put into the exported t
 import json
 import sys
 from dataclasses import dataclass
-from pathlib import Path
-from typing import Dict, List, Optional, Tuple
+from typing import Any, List, Optional
 
 import numpy as np
 
-import corruptions
+import checking
 import keyframe_text
 import shots
-from keyframe_formats import FORMATS, Format, judge
+from checking import Check
+from faults import Faults
+from findings import Findings, judging
+from keyframe_formats import FORMATS, IN_COMPOSITION, Format, inexact, judge, misplaced
 from layer_model import Layer, Transform
-from planar import PlanarProject, Shot, similarities
-from tool import Tool
+from planar import PlanarLayer, Shot, similarities
 
-# The comparison that follows a text through its program; the others look at single numbers.
-IN_COMPOSITION = "corners in the composition, px"
+VERIFIES = {
+    "after_effects_cs3_corner_pin": "each number and the corners in the composition within half units of six digits",
+    "after_effects_transform": "each number within half a unit of its sixth digit",
+    "after_effects_corner_pin_with_motion_blur": "each number and the corners in the composition within half units",
+    "after_effects_cc_power_pin": "each number and the corners in the composition within half units of six digits",
+    "vantarium_corner_pin": "each number and the corners in the composition within half units of six digits",
+    "vantarium_center_point": "each number within half a unit of its sixth digit",
+    "after_effects_corner_pin": "each number and the corners in the composition within half units of six digits",
+    "scratch_corner_pin": "each number and the corners in the composition within half units of six digits",
+    "glimmerset_corner_pin": "each number and the corners in the composition within half units of six digits",
+}
 
 
 @dataclass(frozen=True)
@@ -53,83 +63,47 @@ CASES = (
     Case("interlaced", "basic", True),
 )
 
+# The case whose texts get faults: scales and turns start in the middle, under corrections by hand.
+FAULTY = Case("strong", "adjusted", reference=1022)
 
-class Check:
-    """Collects what is wrong and prints what was measured."""
 
-    def __init__(self, tool: Tool, scratch: Path) -> None:
-        self.tool = tool
-        self.scratch = scratch
-        self.failures: List[str] = []
-        self.texts: List[Tuple[bytes, Format, Shot]] = []
+def formats(check: Check, name: str, project: Any, shot: Shot, *arguments: str) -> None:
+    """Sends a shot through the nine formats."""
+    for form in FORMATS.values():
+        text = check.export(form.key, name, project, *arguments)
+        if text is None or not check.verdict(form.key, name, judge(text, form, shot)) or name != FAULTY.name():
+            continue
+        # Pins in a wrong place must show in the composition, not only as numbers.
+        seen = [IN_COMPOSITION] if len(form.params) == 4 else []
+        check.faults(form.key, name, misplaced(text, shot.height), lambda bad: _judged(bad, form, shot, *seen))
+        check.faults(form.key, name, inexact(text), lambda bad: judge(bad, form, shot))
 
-    def fail(self, message: str) -> None:
-        self.failures.append(message)
-        print("FAILED", message)
 
-    def export(self, project: Path, form: Format, folder: str, arguments: List[str]) -> Optional[bytes]:
-        target = self.scratch / folder / f"{form.key}.txt"
-        target.parent.mkdir(exist_ok=True)
-        try:
-            return self.tool.write(target, "export", project, form.key, *arguments)
-        except (RuntimeError, OSError) as error:
-            self.fail(str(error))
-            return None
+def _judged(text: bytes, form: Format, shot: Shot, *measure: str) -> Findings:
+    findings = judge(text, form, shot)
+    return findings.only(*measure) if measure else findings
 
-    def formats(self, project: Path, shot: Shot, arguments: List[str]) -> None:
-        """Sends a shot through the nine formats."""
-        for form in FORMATS:
-            text = self.export(project, form, shot.name.replace(" ", "_"), arguments)
-            if text is None:
-                continue
-            verdict = judge(text, form, shot)
-            figures = "; ".join(f"{c.name}: error {c.error:.3g}, of bound {c.ratio:.3f}" for c in verdict.comparisons)
-            print(f"{shot.name}, {form.key}, {verdict.frames} rows: {figures}")
-            for fault in verdict.faults():
-                self.fail(f"{shot.name}, {form.key}: {fault}")
-            if not verdict.faults():
-                self.texts.append((text, form, shot))
 
-    def paper(self, table: Path) -> None:
-        project = self.scratch / "paper.json"
-        width, height = shots.PAPER_SIZE
-        try:
-            imported = json.loads(self.tool.write(project, "import", "corners", table, "--size", f"{width}x{height}"))
-            corners = shots.paper_corners(table)
-            error = shots.imported_error(corners, imported)
-        except (RuntimeError, OSError, ValueError, LookupError) as reason:
-            self.fail(f"paper: {reason}")
-            return
-        print(f"paper, import: corners off by {error:.3g} px")
-        if not error <= 1e-8:
-            self.fail(f"paper: imported corners are off by {error:.3g} px")
-        self.formats(project, shots.paper_shot(corners, imported), [])
+def paper(check: Check) -> None:
+    file, table = check.scratch / "paper.json", check.source / "tests" / "data" / "paper004_corners.txt"
+    if not check.silent("import", "corners", table, "--size", "x".join(map(str, shots.PAPER_SIZE)), "-o", file):
+        return
+    imported, corners = json.loads(file.read_text(encoding="utf-8")), shots.paper_corners(table)
+    error = shots.imported_error(corners, imported)
+    check.expect(error <= 1e-8, f"paper: imported corners are off by {error:.3g} px")
+    formats(check, "paper", file, shots.paper_shot(corners, imported))
 
-    def made_here(self) -> None:
-        projects = {"strong": shots.hand_made(shots.STRONG), "gentle": shots.hand_made(shots.GENTLE),
-                    "interlaced": shots.interlaced()}
-        for name, project in projects.items():
-            (self.scratch / f"{name}.json").write_text(json.dumps(project), encoding="utf-8")
-        for case in CASES:
-            planar = PlanarProject(projects[case.project])
-            reference = case.reference
-            if reference is not None:
-                reference = reference * planar.line_height - planar.clip["frameOffset"]
-            shot = planar.shot(case.name(), case.track, case.invert, reference)
-            self.formats(self.scratch / f"{case.project}.json", shot, case.arguments())
-        self.adjusted_is_default(projects)
 
-    def goldens(self, folder: Path) -> None:
-        """Judges the checked-in exports as they stand."""
-        shot = PlanarProject(json.loads((folder.parent.parent / "project.json").read_text(encoding="utf-8"))).shot("golden", "adjusted")
-        for form in FORMATS:
-            verdict = judge((folder / form.key / "out.txt").read_bytes(), form, shot)
-            for fault in verdict.faults():
-                self.fail(f"golden, {form.key}: {fault}")
-
-    def adjusted_is_default(self, projects: Dict[str, dict]) -> None:
-        shot = PlanarProject(projects["strong"]).shot("strong default", "adjusted")
-        self.formats(self.scratch / "strong.json", shot, [])
+def made_here(check: Check) -> None:
+    projects = {"strong": shots.hand_made(shots.STRONG), "gentle": shots.hand_made(shots.GENTLE),
+                "interlaced": shots.interlaced()}
+    for case in CASES:
+        layer, host = PlanarLayer(projects[case.project]), None
+        if case.reference is not None:
+            host = case.reference * layer.line_height - layer.offset
+        shot = layer.shot(case.track, case.invert, host)
+        formats(check, case.name(), projects[case.project], shot, *case.arguments())
+    formats(check, "strong default", projects["strong"], PlanarLayer(projects["strong"]).shot("adjusted"))
 
 
 def check_layer_model(check: Check) -> None:
@@ -138,13 +112,13 @@ def check_layer_model(check: Check) -> None:
     # 10 wide pixels right of the anchor, half as long again, turned a quarter clockwise: 30 down from Position.
     keys = Transform(np.array([[70.0, 80.0]]), np.array([[1.5, 1.0]]), np.radians([90.0]))
     pin = np.array([[[110.0, 50.0], [100.0, 40.0]]])
-    if not np.allclose(layer.place(keys, pin), [[[70.0, 110.0], [75.0, 80.0]]], rtol=0.0, atol=1e-12):
-        check.fail("the layer model puts points in a wrong place")
+    check.expect(np.allclose(layer.place(keys, pin), [[[70.0, 110.0], [75.0, 80.0]]], rtol=0.0, atol=1e-12),
+                 "the layer model puts points in a wrong place")
     quad = np.array([[[0.0, 30.0], [20.0, 30.0], [0.0, 0.0], [20.0, 0.0]]])
     turned = layer.place(Transform(np.array([[9.0, 9.0]]), np.array([[2.0, 2.0]]), np.radians([40.0])), quad)
     scales, turns = similarities(np.concatenate([quad, turned]), 0, 2.0)
-    if not np.allclose([scales[1], np.degrees(turns[1])], [2.0, 40.0], rtol=0.0, atol=1e-9):
-        check.fail("the similarity of a turned and enlarged quad is wrong")
+    check.expect(np.allclose([scales[1], np.degrees(turns[1])], [2.0, 40.0], rtol=0.0, atol=1e-9),
+                 "the similarity of a turned and enlarged quad is wrong")
     random = np.random.default_rng(7)
     error = Transform(np.full((1, 2), 0.005), np.full((1, 2), 5e-5), np.array([8e-5]))
     keys = Transform(keys.position, keys.scale, np.radians([33.0]))
@@ -157,54 +131,58 @@ def check_layer_model(check: Check) -> None:
                         keys.rotation + rotation * error.rotation)
         moved = layer.place(off, pin + 0.002 * corner) - layer.place(keys, pin)
         farthest = np.maximum(farthest, np.abs(moved))
-    if np.any(farthest > bound) or np.any(farthest < 0.99 * bound):
-        check.fail(f"the bound {bound.tolist()} does not describe the largest errors {farthest.tolist()}")
+    check.expect(bool(np.all(farthest <= bound) and np.all(farthest >= 0.99 * bound)),
+                 f"the bound {bound.tolist()} does not describe the largest errors {farthest.tolist()}")
+
+
+# A text in small, and what replaces what in it: each is a text that the parser must refuse.
+GOOD = ("Adobe After Effects 6.0 Keyframe Data\n\n\tUnits Per Second\t24\n\tSource Width\t1920\n\tSource Height\t1080\n"
+        "\tSource Pixel Aspect Ratio\t1\n\tComp Pixel Aspect Ratio\t1\n\n"
+        "Rotation\n\tFrame\tDegrees\n\t0\t0\n\t0.5\t-1.5e-05\n\n"
+        "Effects\tADBE Corner Pin #1\tADBE Corner Pin-0001\n\tFrame\tX pixels\tY pixels\n"
+        "\t0\t100\t980\n\t1\t101\t980.5\n\nEnd of Keyframe Data\n")
+MALFORMED = (
+    ("carriage return", "\n", "\r\n"), ("byte order mark", "Adobe", "\ufeffAdobe"),
+    ("another title", "6.0 Keyframe", "7.0 Keyframe"), ("no footer", "\nEnd of Keyframe Data\n", ""),
+    ("no line end at the end", "Data\n\0", "Data"), ("text behind the footer", "Data\n\0", "Data\n\n"),
+    ("no blank line behind the title", "Data\n\n\tUnits", "Data\n\tUnits"),
+    ("missing header field", "\tSource Height\t1080\n", ""), ("header field twice", "Source Height", "Source Width"),
+    ("rate of zero", "Second\t24", "Second\t0"), ("two blank lines", "\n\nRotation", "\n\n\nRotation"),
+    ("no blank line between blocks", "\n\nEffects", "\nEffects"), ("unknown property", "Rotation", "Turning"),
+    ("effect without a number", "Pin #1", "Pin"), ("effect number 0", "#1", "#0"),
+    ("effect without a parameter", "\tADBE Corner Pin-0001", ""), ("column of another unit", "Degrees", "Radians"),
+    ("missing column title", "\tX pixels\tY pixels", "\tX pixels"), ("value too few", "\t100\t980\n", "\t100\n"),
+    ("value too many", "\t100\t980\n", "\t100\t980\t0\n"), ("row without a leading tab", "\t0\t100", "0\t100"),
+    ("frame twice", "\t1\t101", "\t0\t101"), ("frames descend", "\t0.5\t", "\t-0.5\t"),
+    ("not a number", "980.5", "nan"), ("infinite", "980.5", "inf"), ("decimal comma", "980.5", "980,5"),
+    ("space around a number", "980.5", "980.5 "), ("empty value", "980.5", ""), ("hexadecimal", "980.5", "0x3d4"),
+    ("underscore", "980.5", "9_80.5"), ("plus sign", "980.5", "+980.5"), ("bare point", "980.5", "980."),
+    ("seven digits", "980.5", "980.5678"), ("zero at the end", "980.5", "980.50"), ("other digits", "980.5", "٩٨٠"),
+)
+
+
+@judging
+def readable(_: Findings, data: bytes) -> None:
+    keyframe_text.parse(data)
 
 
 def check_parser(check: Check) -> None:
-    keyframe_text.parse(corruptions.GOOD.encode("utf-8"))
-    for name, text in corruptions.malformed():
-        try:
-            keyframe_text.parse(text)
-        except keyframe_text.KeyframeTextError:
-            continue
-        check.fail(f"the parser accepts a text with this fault: {name}")
+    check.expect(not readable(GOOD.encode("utf-8")).faults(), "the parser refuses a good text")
+    faults = Faults(GOOD.encode("utf-8"))
+    faults.replace_all(MALFORMED)
+    latin = [("not UTF-8", GOOD.replace("Pin-0001", "Pin-\xff").encode("latin-1"))]
+    check.faults("after_effects_corner_pin", "the parser", [*faults, *latin], readable)
 
 
-def check_faults_are_noticed(check: Check) -> None:
-    """Corrupts every text that passed. Pins in a wrong place must show in the composition, not only as numbers."""
-    counts: Dict[str, int] = {}
-    for text, form, shot in check.texts:
-        for kind in (corruptions.misplaced, corruptions.incomplete, corruptions.imprecise):
-            for name, corrupted in kind(text):
-                counts[kind.__name__] = counts.get(kind.__name__, 0) + 1
-                verdict = judge(corrupted, form, shot)
-                noticed = bool(verdict.faults())
-                if kind is corruptions.misplaced and len(form.params) == 4:
-                    noticed = any(c.name == IN_COMPOSITION and c.ratio > 1.0 for c in verdict.comparisons)
-                if not noticed:
-                    check.fail(f"{shot.name}, {form.key}: not noticed: {name}")
-    print("faults put in:", ", ".join(f"{count} {kind}" for kind, count in counts.items()) or "none")
-    if not counts:
-        check.fail("no text was good enough to put faults into")
-
-
-def main() -> int:
-    if len(sys.argv) != 4:
-        print(__doc__, file=sys.stderr)
-        return 2
-    program, source, scratch = sys.argv[1], Path(sys.argv[2]), Path(sys.argv[3])
-    scratch.mkdir(parents=True, exist_ok=True)
-    check = Check(Tool(program), scratch)
+def body(check: Check) -> None:
     check_layer_model(check)
     check_parser(check)
-    check.paper(source / "tests" / "data" / "paper004_corners.txt")
-    check.made_here()
-    check.goldens(Path(__file__).with_name("golden"))
-    check_faults_are_noticed(check)
-    print(f"{len(check.texts)} texts are good, {len(check.failures)} failures")
-    return 1 if check.failures else 0
+    shot = PlanarLayer(check.goldens_project()).shot("adjusted")
+    for form in FORMATS.values():
+        check.verdict(form.key, "golden", judge(check.golden(form.key), form, shot))
+    paper(check)
+    made_here(check)
 
 
 if __name__ == "__main__":
-    sys.exit(main())
+    sys.exit(checking.run(__doc__, body, VERIFIES))

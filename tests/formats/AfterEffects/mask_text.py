@@ -2,15 +2,14 @@
 
 import re
 from dataclasses import dataclass
+from functools import lru_cache
 from typing import Dict, List, Optional, Tuple
 
 import numpy as np
 
-from bounded import Bounded, cosine, sine, stacked
-from keyframe_text import FOOTER, HEADER_FIELDS, half_units
-from text_lines import Lines, TextError, decoded, six_digits
-
-TITLE = "Adobe After Effects 6.0 Keyframe Data"
+from bounded import Bounded, cosine, exact, sine, stacked
+from keyframe_text import FILE_TITLES, FOOTER, header
+from texts import Lines, TextError, decoded, six_digits, within_half_units
 
 # The parts of the homography beside the outlines, in the order of the text.
 COMPONENTS = ("Translation X", "Translation Y", "Scale", "Rotation", "Shear X", "Shear Y", "Perspective X",
@@ -20,23 +19,26 @@ COLUMNS: Dict[str, Tuple[str, ...]] = {name: () for name in (
 COLUMNS["Shape colour"] = ("alpha", "red", "green", "blue")
 
 # The rows of a block, a frame and a text each; the frame of a static row is None.
-Rows = List[Tuple[Optional[float], str]]
+Rows = Tuple[Tuple[Optional[float], str], ...]
 
 
 @dataclass(frozen=True)
 class Mask:
-    blocks: Dict[str, Rows]
+    """Rows of each block; two masks are equal when their texts say the same."""
+    blocks: Tuple[Rows, ...]
+
+    def rows(self, name: str) -> Rows:
+        return self.blocks[list(COLUMNS).index(name)]
 
     def frames(self, name: str) -> List[Optional[float]]:
-        return [frame for frame, _ in self.blocks[name]]
+        return [frame for frame, _ in self.rows(name)]
 
     def values(self, name: str) -> Bounded:
         """Values of a keyed block, and how far they may be from what was meant."""
-        values = np.array([six_digits(text) for _, text in self.blocks[name]])
-        return Bounded(values, half_units(values))
+        return within_half_units([six_digits(text) for _, text in self.rows(name)])
 
     def static(self, name: str) -> str:
-        rows = self.blocks[name]
+        rows = self.rows(name)
         if len(rows) != 1 or rows[0][0] is not None:
             raise TextError(f"{name!r} is not one static row")
         return rows[0][1]
@@ -54,29 +56,29 @@ class Outlines:
 def parse(data: bytes) -> Tuple[Dict[str, float], List[Mask]]:
     """Header fields and masks; raises TextError at the first thing that is out of order."""
     lines = Lines(decoded(data))
-    lines.expect(TITLE, "")
-    header = {name: six_digits(lines.match(f"\t{name}\t(.*)")[0]) for name in HEADER_FIELDS}
+    lines.expect(FILE_TITLES[0])
+    fields = header(lines)
     lines.expect("", "")
     masks: List[Mask] = []
     while lines.peek() != FOOTER:
-        masks.append(Mask({}))
-        for name, columns in COLUMNS.items():
-            masks[-1].blocks[name] = _block(lines, len(masks), name, columns)
+        index = len(masks) + 1
+        masks.append(Mask(tuple(_block(lines, index, name, columns) for name, columns in COLUMNS.items())))
     lines.expect(FOOTER)
     lines.end()
-    return header, masks
+    return fields, masks
 
 
 def _block(lines: Lines, index: int, name: str, columns: Tuple[str, ...]) -> Rows:
     lines.expect(f"Effects\tmarlo shape #{index}\t{name}", "\t".join(("", "Frame") + columns))
-    rows: Rows = []
+    rows = []
     while lines.peek() != "":
         frame, value = lines.match(r"\t([^\t]*)\t(.*)")
         rows.append((six_digits(frame) if frame else None, value))
     lines.expect("")
-    return rows
+    return tuple(rows)
 
 
+@lru_cache(maxsize=1024)
 def outlines(text: str) -> Outlines:
     match = re.fullmatch(r"(bezier);(closed|open);([^/]*)(?:/([^/]*))?", text)
     if match is None:
@@ -95,7 +97,7 @@ def outlines(text: str) -> Outlines:
 
 def control_points(numbers: np.ndarray) -> Bounded:
     """Points as outlines have them, (vertices, 3, 2), from printed numbers."""
-    printed = Bounded(numbers, half_units(numbers))
+    printed = within_half_units(numbers)
     vertex = printed[:, 0:2]
     return stacked([vertex + printed[:, 2:4], vertex, vertex + printed[:, 4:6]], axis=1)
 
@@ -105,7 +107,7 @@ def homographies(mask: Mask) -> Bounded:
     tx, ty, scale, turn, shear_x, shear_y, px, py = (mask.values(name) for name in COMPONENTS)
     cos, sin = cosine(turn), sine(turn)
     wide, narrow = shear_x + 1.0, shear_x * -1.0 + 1.0
-    one = Bounded(np.ones(len(turn.value)), np.zeros(len(turn.value)))
+    one = exact(np.ones(len(turn.value)))
     rows = [[scale * (cos * wide - sin * shear_y), scale * (cos * shear_y - sin * narrow), tx],
             [scale * (sin * wide + cos * shear_y), scale * (sin * shear_y + cos * narrow), ty], [px, py, one]]
     return stacked([stacked(row) for row in rows], axis=-2)

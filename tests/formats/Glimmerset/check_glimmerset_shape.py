@@ -5,17 +5,25 @@ usage: check_glimmerset_shape.py MARLO_EXPORT SOURCE_DIR SCRATCH_DIR
 Then faults are put into the documents that passed, and each has to be noticed.
 """
 
-import json
 import sys
 import xml.etree.ElementTree as ElementTree
-from pathlib import Path
-from typing import Any, Callable, Dict, Iterator, List, Tuple
+from typing import Any, Dict, List
 
 import numpy as np
 
+import checking
 import shots
-from planar import PlanarProject, homography, through
-from tool import Tool
+from checking import Check
+from faults import Faults
+from findings import Findings, judging
+from planar import through
+from shape_model import Layer, Scene
+from texts import TextError
+
+VERIFIES = {
+    "glimmerset_shape": "points exactly, where homographies carry the surface within 1e-7 px",
+}
+KEY, = VERIFIES
 
 Element = ElementTree.Element
 
@@ -36,6 +44,7 @@ def two_layers() -> Dict[str, Any]:
             {"name": "switched off", "active": False, "keys": [{"frame": 0, "points": vertices}]},
         ],
     })
+    project["currentLayer"] = layer["name"]
     project["layers"].insert(0, {"name": "Top", "hidden": True, "surface": {"corners": [0, 0, 9, 0, 0, 9, 9, 9]}})
     return project
 
@@ -48,18 +57,6 @@ def fields() -> Dict[str, Any]:
     return project
 
 
-class Differences(list):
-    """What doesn't fit, with its place."""
-
-    def equal(self, place: str, found: Any, expected: Any) -> None:
-        if found != expected:
-            self.append(f"{place}: {found!r} where {expected!r} was expected")
-
-    def numbers(self, place: str, element: Element, expected: List[float]) -> None:
-        text = (element.text or "") if element is not None else ""
-        self.equal(place, [float(word) for word in text.split()], [float(value) for value in expected])
-
-
 def _flag(value: bool) -> str:
     return "true" if value else "false"
 
@@ -68,157 +65,108 @@ def _hex(colour: List[int]) -> str:
     return "#" + "".join(f"{component:02x}" for component in colour)
 
 
-def _homographies(project: Dict[str, Any], layer: Dict[str, Any]) -> Callable[[int], np.ndarray]:
-    if "tracking" not in layer:
-        return lambda frame: np.eye(3)
-    planar = PlanarProject({**project, "layers": [layer]})
-    return lambda frame: homography(planar.surface, planar._quad("adjusted", frame))
+def _numbers(element: Element) -> List[float]:
+    return [float(word) for word in (element.text or "").split()]
 
 
-def judge_contour(differences: Differences, place: str, found: Element, contour: Dict[str, Any]) -> None:
-    differences.equal(place, found.attrib, {"name": contour["name"], "type": contour.get("type", "bezier"),
-                                            "closed": _flag(contour.get("closed", True))})
-    differences.equal(f"{place}, frames", [key.get("frame") for key in found],
-                      [str(key["frame"]) for key in contour["keys"]])
+def judge_contour(findings: Findings, place: str, found: Element, contour: Dict[str, Any]) -> None:
+    findings.same(place, found.attrib, {"name": contour["name"], "type": contour.get("type", "bezier"),
+                                        "closed": _flag(contour.get("closed", True))})
+    frames = [str(key["frame"]) for key in contour["keys"]]
+    if not findings.same(f"{place}, frames", [key.get("frame") for key in found], frames):
+        return
     for element, key in zip(found, contour["keys"]):
         here = f"{place}, key {key['frame']}"
-        differences.equal(f"{here}, children", [child.tag for child in element],
-                          ["points"] + ["feather"] * ("feather" in key))
-        differences.numbers(f"{here}, points", element.find("points"), key["points"])
-        if "feather" in key:
-            differences.numbers(f"{here}, feather", element.find("feather"), key["feather"])
+        words = ["points"] + ["feather"] * ("feather" in key)
+        if findings.same(f"{here}, children", [child.tag for child in element], words):
+            for child in element:
+                findings.compare("points", _numbers(child), key[child.tag], 0.0, f"{here}, {child.tag}")
 
 
-def judge_motion(differences: Differences, place: str, found: Element, layer: Dict[str, Any], first: int, last: int,
-                 motion: Callable[[int], np.ndarray]) -> float:
-    """Where the corners of the surface and their middle come out; the largest error in pixels."""
-    differences.equal(f"{place}, frames", [element.get("frame") for element in found],
-                      [str(frame) for frame in range(first, last + 1)])
-    corners = np.array(layer["surface"]["corners"], float).reshape(4, 2)
-    points = np.vstack([corners, corners.mean(axis=0)])
-    largest = 0.0
-    for element in found:
-        matrix = np.array([float(word) for word in element.text.split()])
-        if matrix.size != 9:
-            differences.append(f"{place}: {matrix.size} numbers in a homography")
-            continue
-        expected = through(motion(int(element.get("frame"))), points)
-        try:
-            error = float(np.abs(through(matrix.reshape(3, 3), points) - expected).max())
-        except ValueError:
-            error = float("inf")
-        largest = max(largest, error)
-    if not largest <= 1e-7:
-        differences.append(f"{place}: points are off by {largest:.3g} px")
-    return largest
+def judge_motion(findings: Findings, place: str, found: Element, layer: Layer) -> None:
+    """Where the corners of the surface and their middle come out."""
+    if not findings.same(f"{place}, frames", [row.get("frame") for row in found], [str(at) for at in layer.frames()]):
+        return
+    points = np.vstack([layer.surface, layer.surface.mean(axis=0)])
+    for element, frame in zip(found, layer.frames()):
+        matrix = np.array(_numbers(element))
+        if findings.same(f"{place}, numbers at {frame}", matrix.size, 9):
+            findings.compare("surface, px", through(matrix.reshape(3, 3), points), through(layer.motion(frame), points),
+                             1e-7, f"{place}, frame {frame}")
 
 
-def judge(text: bytes, project: Dict[str, Any], names: List[str]) -> Tuple[Differences, float]:
-    differences = Differences()
-    root = ElementTree.fromstring(text)
-    clip = project["clips"][0]
-    lines = 2 if clip.get("interlaced") else 1
-    differences.equal("root", (root.tag, root.get("version"), root.get("product")), ("glimmersetShapes", "1", "Marlo"))
-    differences.equal("tags", [child.tag for child in root], ["project"] + ["layer"] * len(names))
-    head = root.find("project").attrib
-    numbers = {"width": clip["width"], "height": clip["height"], "pixelAspect": clip.get("pixelAspect", 1),
-               "frameRate": project["frameRate"], "frameOffset": clip.get("frameOffset", 0), "fieldsPerFrame": lines}
-    differences.equal("project", {key: float(value) for key, value in head.items()},
-                      {key: float(value) for key, value in numbers.items()})
-    layers = {layer["name"]: layer for layer in project["layers"]}
-    largest = 0.0
-    for found, name in zip(root.findall("layer"), names):
-        layer = layers[name]
-        first, last = layer.get("in", 0), layer.get("out", clip["frameCount"] - 1)
-        colour = layer.get("colour", [255] * 4)
-        differences.equal(f"layer {name}", found.attrib, {
-            "name": name, "clip": clip["name"], "width": str(clip["width"]), "height": str(clip["height"] // lines),
-            "colour": _hex(colour), "overlayColour": _hex(layer.get("overlayColour", colour)),
-            "invert": _flag(layer.get("invert", False)), "blend": layer.get("blend", "add"), "in": str(first),
-            "out": str(last), "referenceFrame": str(layer["surface"].get("referenceFrame", first))})
-        contours = [contour for contour in layer.get("contours", []) if contour.get("active", True)]
-        differences.equal(f"layer {name}", [child.tag for child in found], ["contour"] * len(contours) + ["motion"])
-        for element, contour in zip(found.findall("contour"), contours):
-            judge_contour(differences, f"layer {name}, contour {contour['name']}", element, contour)
-        largest = max(largest, judge_motion(differences, f"layer {name}, motion", found.find("motion"), layer, first,
-                                            last, _homographies(project, layer)))
-    return differences, largest
+def judge_layer(findings: Findings, found: Element, layer: Layer) -> None:
+    record, colour = layer.record, layer.record.get("colour", [255] * 4)
+    place = f"layer {layer.name}"
+    findings.same(place, found.attrib, {
+        "name": layer.name, "clip": layer.clip["name"], "width": str(layer.raster[0]), "height": str(layer.raster[1]),
+        "colour": _hex(colour), "overlayColour": _hex(record.get("overlayColour", colour)),
+        "invert": _flag(record.get("invert", False)), "blend": record.get("blend", "add"), "in": str(layer.first),
+        "out": str(layer.last), "referenceFrame": str(layer.reference)})
+    contours = [contour for contour in record.get("contours", []) if contour.get("active", True)]
+    if findings.same(f"{place}, children", [child.tag for child in found], ["contour"] * len(contours) + ["motion"]):
+        for element, contour in zip(found, contours):
+            judge_contour(findings, f"{place}, contour {contour['name']}", element, contour)
+        judge_motion(findings, f"{place}, motion", found[-1], layer)
 
 
-def faults(text: bytes) -> Iterator[Tuple[str, bytes]]:
-    """Documents in which one thing is wrong."""
-    def changed(change: Callable[[Element], None]) -> bytes:
-        root = ElementTree.fromstring(text)
-        change(root)
-        return ElementTree.tostring(root)
-
-    def numbers(element: Element, change: Callable[[List[str]], List[str]]) -> None:
-        element.text = " ".join(change(element.text.split()))
-
-    def first(root: Element, path: str) -> Element:
-        return root.findall(path)[0]
-
-    def flip(words: List[str]) -> List[str]:
-        return [words[0], str(1080 - float(words[1]))] + words[2:]
-
-    def drop(root: Element, path: str) -> None:
-        parent = first(root, path + "/..")
-        parent.remove(parent.findall(path.rsplit("/", 1)[1])[0])
-
-    points, row = "layer/contour/key/points", "layer/contour/../motion/homography"
-    yield "a key removed", changed(lambda root: drop(root, "layer/contour/key"))
-    yield "a contour removed", changed(lambda root: drop(root, "layer/contour"))
-    yield "a homography removed", changed(lambda root: drop(root, row))
-    yield "y flipped", changed(lambda root: numbers(first(root, points), flip))
-    yield "vertices swapped", changed(lambda root: numbers(first(root, points), lambda w: w[6:12] + w[:6] + w[12:]))
-    yield "handles swapped", changed(
-        lambda root: numbers(first(root, points), lambda w: w[:2] + w[4:6] + w[2:4] + w[6:]))
-    yield "last digit", changed(lambda root: numbers(first(root, points), lambda w: [w[0] + "001"] + w[1:]))
-    yield "matrix transposed", changed(
-        lambda root: numbers(root.findall(row)[-1], lambda w: [w[i] for i in (0, 3, 6, 1, 4, 7, 2, 5, 8)]))
-    yield "frame by one", changed(
-        lambda root: first(root, "layer/contour/key").set("frame", str(int(first(root, "layer/contour/key").get("frame")) + 1)))
-    for attribute in ("name", "colour", "in", "blend"):
-        yield f"{attribute} changed", changed(lambda root: first(root, "layer").set(attribute, "x"))
-    yield "open and closed", changed(lambda root: first(root, "layer/contour").set("closed", "maybe"))
+@judging
+def judge(findings: Findings, data: bytes, scene: Scene) -> None:
+    try:
+        root = ElementTree.fromstring(data)
+    except ElementTree.ParseError as error:
+        raise TextError(str(error)) from None
+    clip, layers = scene.project["clips"][0], [layer for layer, in scene.layers]
+    findings.same("root", (root.tag, root.get("version"), root.get("product")), ("glimmersetShapes", "1", "Marlo"))
+    if not findings.same("children", [child.tag for child in root], ["project"] + ["layer"] * len(layers)):
+        return
+    expected = {"width": clip["width"], "height": clip["height"], "pixelAspect": clip.get("pixelAspect", 1),
+                "frameRate": scene.project["frameRate"], "frameOffset": clip.get("frameOffset", 0),
+                "fieldsPerFrame": layers[0].line_height}
+    findings.same("project", {name: float(value) for name, value in root[0].attrib.items()},
+                  {name: float(value) for name, value in expected.items()})
+    for found, layer in zip(root[1:], layers):
+        judge_layer(findings, found, layer)
 
 
-def main() -> int:
-    if len(sys.argv) != 4:
-        print(__doc__, file=sys.stderr)
-        return 2
-    tool, source, scratch = Tool(sys.argv[1]), Path(sys.argv[2]), Path(sys.argv[3])
-    scratch.mkdir(parents=True, exist_ok=True)
-    golden = Path(__file__).with_name("golden")
+def faults_of(data: bytes) -> Faults:
+    """Documents in which one thing is wrong; their first contour is a Bezier curve of two keys."""
+    faults = Faults(data)
+    key, contour = faults.place(r"   <key .*?</key>\n"), faults.place(r"  <contour .*?</contour>\n")
+    rows = faults.places(r"   <homography [^\n]*\n")
+    points = faults.places(r"[^ ]+", faults.place(r"<points>([^<]*)</points>"))
+    matrix = faults.places(r"[^ ]+", faults.place(r">([^<]*)<", rows[-1]))
+    for name, place in (("key", key), ("contour", contour), ("homography", rows[0])):
+        faults.drop(f"{name} removed", place)
+    faults.number("y flipped", points[1:2], lambda y: 1080.0 - y)
+    faults.swap("vertices swapped", points[:6], points[6:12])
+    faults.swap("handles swapped", points[2:4], points[4:6])
+    faults.put("last digit", (points[0], faults.at(points[0]) + ("001" if "." in faults.at(points[0]) else ".001")))
+    faults.drop("a number lost", (points[0][0], points[1][0]))
+    faults.swap("matrix transposed", [matrix[1], matrix[2], matrix[5]], [matrix[3], matrix[6], matrix[7]])
+    faults.edit("frame by one", [faults.place(r'<key frame="(\d+)"')], lambda frame: str(int(frame) + 1))
+    for attribute in ("name", "clip", "width", "height", "colour", "overlayColour", "invert", "blend", "in", "out",
+                      "referenceFrame"):
+        faults.put(f"{attribute} changed", (faults.place(rf'<layer [^>]*?\b{attribute}="([^"]*)"'), "7"))
+    for attribute in ("width", "height", "pixelAspect", "frameRate", "frameOffset", "fieldsPerFrame"):
+        faults.put(f"project's {attribute} changed", (faults.place(rf'<project [^>]*?\b{attribute}="([^"]*)"'), "7"))
+    faults.put("open and closed", (faults.place(r'closed="(\w+)"'), "maybe"))
+    faults.replace("another version", 'Shapes version="1"', 'Shapes version="2"')
+    faults.replace("no end", "</glimmersetShapes>", "")
+    return faults
+
+
+def body(check: Check) -> None:
     layers, line = two_layers(), fields()
-    bottom = layers["layers"][1]["name"]
-    layers["currentLayer"] = bottom
-    cases = [("one layer", layers, [], [bottom]), ("all layers", layers, ["--layers", "all"], ["Top", bottom]),
-             ("visible layers", layers, ["--layers", "visible"], [bottom]), ("fields", line, [], ["Screen"])]
-    failures, noticed = [], 0
-    documents = []
-    for name, project, arguments, names in cases:
-        file = scratch / "project.json"
-        file.write_text(json.dumps(project), encoding="utf-8")
-        text = tool.write(scratch / f"{name.replace(' ', '_')}.fxs", "export", file, "glimmerset_shape", *arguments)
-        documents.append((name, text, project, names))
-    documents.append(("golden", (golden / "glimmerset_shape" / "out.fxs").read_bytes(),
-                      json.loads((golden.parent.parent / "project.json").read_text(encoding="utf-8")), ["Poster"]))
-    for name, text, project, names in documents:
-        differences, largest = judge(text, project, names)
-        print(f"{name}: {len(text)} bytes, points of the surface off by at most {largest:.3g} px")
-        failures += [f"{name}: {difference}" for difference in differences]
-        if "Top" in names:
-            continue
-        for fault, bad in faults(text):
-            noticed += 1
-            if not judge(bad, project, names)[0]:
-                failures.append(f"{name}: not noticed: {fault}")
-    for failure in failures:
-        print("FAILED", failure)
-    print(f"{len(documents)} documents, {noticed} faults put in, {len(failures)} failures")
-    return 1 if failures or not noticed else 0
+    bottom = layers["currentLayer"]
+    scenes = {"one layer": (Scene(layers, [bottom]),),
+              "all layers": (Scene(layers, ["Top", bottom]), "--layers", "all"),
+              "visible layers": (Scene(layers, [bottom]), "--layers", "visible"), "fields": (Scene(line),)}
+    for name, (scene, *arguments) in scenes.items():
+        check.prove(KEY, name, scene.project, lambda text: judge(text, scene), arguments,
+                    faults_of if name == "one layer" else None)
+    check.verdict(KEY, "golden", judge(check.golden(KEY), Scene(check.goldens_project())))
 
 
 if __name__ == "__main__":
-    sys.exit(main())
+    sys.exit(checking.run(__doc__, body, VERIFIES))

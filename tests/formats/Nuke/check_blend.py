@@ -6,30 +6,36 @@ The numbers that vertices are scrambled with are read from the page of the forma
 a roto node, and pins as those of keyframe text. Then faults are put into the texts, and each has to be noticed.
 """
 
-import itertools
 import re
 import sys
 from dataclasses import dataclass
 from pathlib import Path
-from typing import Any, Dict, Iterator, List, Tuple
+from typing import Any, Dict
 
 import checking
 import keyframe_formats
+import keyframe_text
 import nuke_script
 import roto_faults
 import roto_judge
 import shape_projects
 import shots
-from checking import Check, Fault, replaced
-from findings import Findings
-from keyframe_text import half_units
-from planar import PlanarProject, Shot
-from roto_judge import Scene, Scramble
-from text_lines import Lines, TextError, decoded, six_digits
+from checking import Check
+from faults import Faults
+from findings import Findings, judging
+from planar import PlanarLayer, Shot
+from roto_judge import Scramble
+from shape_model import Scene
+from texts import Lines, TextError, decoded, six_digits
 
-SHAPE, TRACKING = "marlo_blend_shape", "marlo_blend_tracking"
+VERIFIES = {
+    "marlo_blend_shape": "points and curves, descrambled, within half a unit of their last digit",
+    "marlo_blend_tracking": "each number and the corners in the composition within half units of six digits",
+}
+SHAPE, TRACKING = VERIFIES
 WORD = "MarloBlendShape"
-PINS = next(form for form in keyframe_formats.FORMATS if form.key == "after_effects_corner_pin_with_motion_blur")
+PINS = keyframe_formats.FORMATS["after_effects_corner_pin_with_motion_blur"]
+ARITHMETIC = 1e-10
 
 
 @dataclass(frozen=True)
@@ -70,133 +76,106 @@ def expected_header(project: Dict[str, Any]) -> Dict[str, float]:
 
 def judge_header(findings: Findings, lines: Lines, expected: Dict[str, float]) -> None:
     for name, value in expected.items():
-        found = six_digits(lines.match(f"\t{name} (.*)")[0])
-        findings.compare("header", found, value, half_units(found) + 1e-10, name)
+        findings.printed("header", six_digits(lines.match(f"\t{name} (.*)")[0]), value, ARITHMETIC, name)
 
 
-def judge_shape(data: bytes, scene: Scene, key: ScrambleKey, scratch: Path) -> Findings:
-    findings = Findings()
-    try:
-        text = decoded(data)
-        head, _, _ = text.partition(WORD + " {")
-        lines = Lines(head)
-        lines.expect("MarloBlend shape data")
-        judge_header(findings, lines, {"Version": 1, **expected_header(scene.project)})
-        lines.end()
-        tree = text[len(head):]
-        nuke_script.read_nodes(tree.encode("utf-8"), scratch / "judged.nk")
-        shapes = roto_judge.judge(nuke_script.curve_tree(tree, WORD, versioned=False), scene, False,
-                                  key.of(head.encode("utf-8")))
-    except TextError as error:
-        findings.problem(str(error))
-        return findings
-    findings.problems += shapes.problems
-    findings.measures.update(shapes.measures)
-    return findings
+@judging
+def judge_shape(findings: Findings, data: bytes, scene: Scene, key: ScrambleKey) -> None:
+    text = decoded(data)
+    head, _, _ = text.partition(WORD + " {")
+    lines = Lines(head)
+    lines.expect("MarloBlend shape data")
+    judge_header(findings, lines, {"Version": 1, **expected_header(scene.project)})
+    lines.end()
+    tree = nuke_script.curve_tree(text[len(head):], WORD, versioned=False)
+    roto_judge.judge(findings, tree, scene, False, key.of(head.encode("utf-8")))
 
 
-def judge_tracking(data: bytes, project: Dict[str, Any], shot: Shot) -> Findings:
+@judging
+def judge_tracking(findings: Findings, data: bytes, project: Dict[str, Any], shot: Shot) -> None:
     """Behind the header the text is keyframe text."""
-    findings = Findings()
-    try:
-        text = decoded(data)
-        head, found, _ = text.partition("\n\nPosition\n")
-        if not found:
-            raise TextError("no Position")
-        lines = Lines(head + "\n")
-        lines.expect("MarloBlend tracking data")
-        judge_header(findings, lines, expected_header(project))
-        lines.expect("\tLayer Name " + project["layers"][0]["name"])
-        lines.end()
-    except TextError as error:
-        findings.problem(str(error))
-        return findings
+    text = decoded(data)
+    head, _, _ = text.partition("\n\nPosition\n")
+    lines = Lines(head + "\n")
+    lines.expect("MarloBlend tracking data")
+    judge_header(findings, lines, expected_header(project))
+    lines.expect("\tLayer Name " + project["layers"][0]["name"])
+    lines.end()
     header = (f"Adobe After Effects 6.0 Keyframe Data\n\n\tUnits Per Second\t{shot.rate:.6g}\n\tSource Width\t{shot.width}\n"
               f"\tSource Height\t{shot.height}\n\tSource Pixel Aspect Ratio\t{shot.pixel_aspect:.6g}\n"
               f"\tComp Pixel Aspect Ratio\t{shot.pixel_aspect:.6g}")
-    verdict = keyframe_formats.judge((header + text[len(head):]).encode("utf-8"), PINS, shot)
-    for fault in verdict.faults():
-        findings.problem(fault)
-    for c in verdict.comparisons:
-        findings.compare(c.name, c.ratio, 0.0, 1.0, c.where)
-    return findings
+    findings.add(keyframe_formats.judge((header + text[len(head):]).encode("utf-8"), PINS, shot))
 
 
 # ---- faults
 
-def header_faults(text: str) -> Iterator[Fault]:
-    yield replaced(text, "another title", "data\n", "Data\n")
-    for line in text.split("\n")[1:9]:
-        yield replaced(text, f"lost: {line!r}", line + "\n", "")
-        name, _, value = line.rpartition(" ")
-        yield replaced(text, f"one too much: {line!r}", line + "\n", f"{name} {float(value) + 1:.6g}\n")
+def header_faults(data: bytes) -> Faults:
+    faults = Faults(data)
+    faults.replace("another title", "data\n", "Data\n")
+    for line in faults.places(r"^\t[^\t\n]+ [-.\d]+\n")[:9]:
+        faults.drop(f"lost: {faults.at(line)!r}", line)
+        faults.number(f"one too much: {faults.at(line)!r}", faults.places(r"[-.\d]+$", line), lambda value: value + 1)
+    return faults
 
 
-def shape_faults(text: str) -> Iterator[Fault]:
-    kinds = (roto_faults.structural, roto_faults.attributes, roto_faults.misplaced, roto_faults.imprecise)
-    yield replaced(text, "version line", "AnimTree: \"\" {\n", "AnimTree: \"\" {\n Version: 1.1\n")
+def shape_faults(data: bytes) -> Faults:
+    faults = header_faults(data)
     # A header that says the same in other words is another key.
-    yield replaced(text, "another key", "Source Width 1440", "Source Width 1.44e+03")
-    yield from itertools.chain(header_faults(text), *(kind(text) for kind in kinds))
+    faults.replace_all((("version line", "AnimTree: \"\" {\n", "AnimTree: \"\" {\n Version: 1.1\n"),
+                        ("another key", "Source Width 1440", "Source Width 1.44e+03")))
+    return faults
 
 
-def tracking_faults(text: str) -> Iterator[Fault]:
-    yield from header_faults(text)
-    yield replaced(text, "another layer", "Layer Name ", "Layer Name another ")
-    blocks = text.split("\n\n")
-    for i in range(1, len(blocks) - 1):
-        rows = blocks[i].split("\n")
-        late = ["\t".join(row.split("\t")[:2] + earlier.split("\t")[2:])
-                for row, earlier in zip(rows[2:], rows[2:3] + rows[2:])]
-        for fault, changed in (("lost", []), ("without a row", rows[:4] + rows[5:]), ("a frame late", rows[:2] + late)):
-            block = ["\n".join(changed)] if changed else []
-            yield f"block {i} {fault}", "\n\n".join(blocks[:i] + block + blocks[i + 1:]).encode("utf-8")
-    for one, other in itertools.combinations(range(4, 8), 2):
-        head, tail = blocks[one].split("\n")[:2], blocks[other].split("\n")[2:]
-        yield f"corner {one} holds corner {other}", "\n\n".join(
-            blocks[:one] + ["\n".join(head + tail)] + blocks[one + 1:]).encode("utf-8")
+def tracking_faults(data: bytes) -> Faults:
+    faults = header_faults(data)
+    faults.replace("another layer", "Layer Name ", "Layer Name another ")
+    for index, table in enumerate(keyframe_text.tables(faults)):
+        faults.late(f"block {index} a frame late", *table.values())
+    return faults
 
 
 # ---- the check
 
-def body(check: Check, source: Path) -> None:
-    try:
-        key = key_of_page(source / "docs" / "formats" / "marlo-blend.md")
-    except (OSError, TextError) as error:
-        check.fail(str(error))
-        return
-    golden = Path(__file__).with_name("golden")
-    scene = Scene.of_golden(golden)
-    shape, pins = ((golden / form / "out.txt").read_bytes() for form in (SHAPE, TRACKING))
-    check.verdict(f"golden, {SHAPE}", judge_shape(shape, scene, key, check.scratch))
-    shot = PlanarProject(scene.project).shot("golden", "adjusted")
-    check.verdict(f"golden, {TRACKING}", judge_tracking(pins, scene.project, shot))
-    layers, stereo = shape_projects.layers(), shape_projects.stereo()
-    cases: Tuple[Tuple[str, Scene, List[str]], ...] = (
-        ("layers", Scene(layers, [layer["name"] for layer in layers["layers"]]), ["--layers", "all"]),
-        ("fields", Scene(shape_projects.fields(), ["Screen"]), []),
-        ("both views", Scene(stereo, ["Both eyes"], (0, 1)), ["--view", "all"]),
-        ("far", Scene(shape_projects.far(), ["Front sign"]), []))
-    for name, scene, arguments in cases:
-        folder = name.replace(" ", "_")
-        data = check.export(check.saved(folder, scene.project), SHAPE, folder, ".txt", *arguments)
+def check_shapes(check: Check, key: ScrambleKey) -> None:
+    golden = Scene(check.goldens_project())
+    check.verdict(SHAPE, "golden", judge_shape(check.golden(SHAPE), golden, key))
+    cases = shape_projects.cases()
+    for name in ("layers", "fields", "both views", "far"):
+        scene = cases[name].scene
+        data = check.export(SHAPE, name, scene.project, *cases[name].arguments)
         if data is None:
             continue
-        judge = lambda text, scene=scene: judge_shape(text, scene, key, check.scratch)
-        if check.verdict(f"{name}, {SHAPE}", judge(data)) and name == "far":
-            check.faults(f"{name}, {SHAPE}", data, shape_faults(data.decode("utf-8")), judge)
+        findings = judge_shape(data, scene, key)
+        findings.add(nuke_script.judge_lists(data[data.index(WORD.encode()):], check.scratch))
+        if check.verdict(SHAPE, name, findings) and name == "far":
+            for faults in (shape_faults(data), roto_faults.words(data), roto_faults.numbers(data)):
+                check.faults(SHAPE, name, faults, lambda text: judge_shape(text, scene, key))
+
+
+def check_tracking(check: Check) -> None:
+    project = check.goldens_project()
+    check.verdict(TRACKING, "golden", judge_tracking(check.golden(TRACKING), project, PlanarLayer(project).shot()))
     strong = shots.hand_made(shots.STRONG)
     for name, project, reference in (("strong", strong, None), ("strong from 1022", strong, 1022),
                                      ("interlaced", shots.interlaced(), None)):
-        host = None if reference is None else reference - project["clips"][0]["frameOffset"]
-        shot = PlanarProject(project).shot(name, "adjusted", reference=host)
+        layer = PlanarLayer(project)
+        shot = layer.shot(reference=None if reference is None else reference - layer.offset)
         arguments = [] if reference is None else ["--reference-frame", str(reference)]
-        folder = name.replace(" ", "_")
-        data = check.export(check.saved(folder, project), TRACKING, folder, ".txt", *arguments)
-        if data is not None and check.verdict(f"{name}, {TRACKING}", judge_tracking(data, project, shot)):
-            check.faults(f"{name}, {TRACKING}", data, tracking_faults(data.decode("utf-8")),
-                         lambda text, project=project, shot=shot: judge_tracking(text, project, shot))
+        check.prove(TRACKING, name, project, lambda text: judge_tracking(text, project, shot), arguments,
+                    None if reference is None else lambda data: [
+                        *tracking_faults(data), *keyframe_formats.misplaced(data, shot.height),
+                        *keyframe_formats.inexact(data)])
+
+
+def body(check: Check) -> None:
+    try:
+        key = key_of_page(check.source / "docs" / "formats" / "marlo-blend.md")
+    except (OSError, TextError) as error:
+        check.fail(str(error))
+        return
+    check_shapes(check, key)
+    check_tracking(check)
 
 
 if __name__ == "__main__":
-    sys.exit(checking.run(__doc__, body))
+    sys.exit(checking.run(__doc__, body, VERIFIES))

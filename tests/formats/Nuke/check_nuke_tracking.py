@@ -6,13 +6,10 @@ The annotated corners of a sheet of paper in a video, and projects that are made
 of Nuke. Then faults are put into the exported texts, and each has to be noticed.
 """
 
-import copy
-import json
 import re
 import sys
-from dataclasses import dataclass
-from pathlib import Path
-from typing import Any, Callable, Dict, Iterator, List, Optional, Tuple
+from dataclasses import dataclass, replace
+from typing import Any, Dict, List, Tuple
 
 import numpy as np
 
@@ -20,12 +17,20 @@ import checking
 import nuke_script
 import shape_projects
 import shots
-from checking import Check, Fault
-from findings import Findings
-from keyframe_text import half_units
-from planar import PlanarProject, Shot
-from shape_model import Layer
-from text_lines import TextError, decoded, six_digits
+from checking import Check, Project
+from faults import Faults
+from findings import Findings, judging
+from planar import PlanarLayer, Shot
+from texts import Lines, TextError, decoded, six_digits
+
+VERIFIES = {
+    "nuke_corner_pin": "each number within half a unit of its sixth digit, as a float",
+    "flowbox_corner_pin": "each number within half a unit of its sixth digit, as a float",
+    "nuke_tracker": "each number within half a unit of its sixth digit, as a float",
+    "nuke_warp_lattice_to_tracker": "each number within half a unit of its sixth digit, as a float from 0 to 1",
+    "nuke_ascii": "each number within half a unit of its sixth digit",
+}
+PINS, MESH, ASCII = ("nuke_corner_pin", "flowbox_corner_pin"), "nuke_warp_lattice_to_tracker", "nuke_ascii"
 
 # Allowance for the arithmetic of doubles: coordinates go through a few homographies.
 ARITHMETIC = 1e-8
@@ -33,11 +38,15 @@ ARITHMETIC = 1e-8
 # The corners in Nuke's order: lower left, lower right, upper right, upper left.
 ORDER = (0, 1, 3, 2)
 
+# Stands for a curve in the lists of a node.
+CURVE = object()
+
 _KEY = re.compile(r"x(-?[0-9]+)")
 _CONSTANT = {value: ["curve", "K", "x1", value] for value in "01"}
 _HEADER = [["5", "1", "20", "enable", "e", "1"], ["3", "1", "75", "name", "name", "1"],
            ["2", "1", "58", "track_x", "track_x", "1"], ["2", "1", "58", "track_y", "track_y", "1"],
            ["2", "1", "63", "offset_x", "offset_x", "1"], ["2", "1", "63", "offset_y", "offset_y", "1"]]
+_BASE = [["from1", ["0", "0"]], ["from2", ["width", "0"]], ["from3", ["width", "height"]], ["from4", ["0", "height"]]]
 
 
 @dataclass(frozen=True)
@@ -48,18 +57,22 @@ class Track:
     points: np.ndarray
 
 
-def corner_track(shot: Shot, offset: int, view: str = "") -> Track:
-    """Of fields the distance in y from the first sample counts twice, and the offset stays in host frames."""
+def raster_track(shot: Shot, offset: int, view: str = "") -> Track:
+    """In the lines of the clip's raster. The offset stays in host frames."""
     points = shot.corners * [1.0, -1.0] + [0.0, shot.height]
-    points = (points - points[:1]) * [1.0, shot.line_height] + points[:1]
     return Track(view, (shot.first + np.arange(len(points))) / shot.line_height + offset, points[:, ORDER])
 
 
-def mesh_track(project: Dict[str, Any], view: int, name: str = "") -> Track:
-    layer = Layer(project, project["layers"][0], view)
-    views = project.get("views", ["main"])
-    points = np.array([layer.mesh(views, frame) for frame in layer.frames()])
-    return Track(name, np.array(layer.frames()) + layer.offset, points)
+def corner_track(shot: Shot, offset: int, view: str = "") -> Track:
+    """Of fields the distance in y from the first sample counts twice."""
+    track = raster_track(shot, offset, view)
+    points = (track.points - track.points[:1]) * [1.0, shot.line_height] + track.points[:1]
+    return replace(track, points=points)
+
+
+def mesh_track(project: Dict[str, Any], view: int = 0, name: str = "") -> Track:
+    layer = PlanarLayer(project, view=view)
+    return Track(name, np.array(layer.frames()) + layer.offset, np.array([layer.mesh(at) for at in layer.frames()]))
 
 
 # ---- reading
@@ -73,149 +86,119 @@ def curve(words: Any) -> Tuple[List[int], np.ndarray]:
     return [int(key.group(1)) for key in keys], np.array([six_digits(word) for word in words[2::2]])
 
 
-def pin_points(knobs: List[Any], name: str) -> List[Any]:
-    """The curves of a corner pin, x and y of each of the four corners."""
-    if [knob[0] for knob in knobs] != ["to1", "to2", "to3", "to4", "from1", "from2", "from3", "from4", "name"]:
-        raise TextError(f"knobs {[knob[0] for knob in knobs]}")
-    base = [["from1", ["0", "0"]], ["from2", ["width", "0"]], ["from3", ["width", "height"]], ["from4", ["0", "height"]]]
-    if knobs[4:8] != base:
-        raise TextError(f"base of the pin: {knobs[4:8]}")
-    if " ".join(knobs[8][1:]) != "CornerPin2D_" + name:
-        raise TextError(f"name {knobs[8][1:]}")
-    if any(len(knob) != 2 or len(knob[1]) != 2 for knob in knobs[:4]):
-        raise TextError("a corner is an x and a y curve")
-    return [knob[1] for knob in knobs[:4]]
+def node_of(key: str, name: str, count: int) -> List[Any]:
+    """A node with as many points, as the lists of its script; a name of two words reads as a list of two."""
+    def words(text: str) -> Any:
+        return text.split(" ") if " " in text else text
+    if key in PINS:
+        corners = [[f"to{corner}", [CURVE, CURVE]] for corner in (1, 2, 3, 4)]
+        return ["CornerPin2D", [*corners, *_BASE, ["name", *f"CornerPin2D_{name}".split(" ")]]]
+    labels = [words(str(i + 1) if key == MESH else f"track {i + 1}") for i in range(count)]
+    rows = [[_CONSTANT["1"], label, CURVE, CURVE, _CONSTANT["0"], _CONSTANT["0"]] for label in labels]
+    return ["Tracker4", [["inputs", "0"], ["tracks", [["1", "6", str(count)], _HEADER, rows]],
+                         ["name", *f"Tracker_{name}".split(" ")]]]
 
 
-def tracker_points(knobs: List[Any], name: str, row_name: Callable[[int], str], count: str) -> List[Any]:
-    if [knob[0] for knob in knobs] != ["inputs", "tracks", "name"] or knobs[0] != ["inputs", "0"]:
-        raise TextError(f"knobs {[knob[0] for knob in knobs]}")
-    if " ".join(knobs[2][1:]) != "Tracker_" + name:
-        raise TextError(f"name {knobs[2][1:]}")
-    head, columns, rows = knobs[1][1]
-    if head != ["1", "6", count] or columns != _HEADER:
-        raise TextError("header of the tracks")
-    points = []
-    for i, row in enumerate(rows):
-        label = row_name(i + 1)
-        if len(row) != 6 or row[0] != _CONSTANT["1"] or row[4:] != [_CONSTANT["0"]] * 2:
-            raise TextError(f"row {i + 1} of the tracks")
-        # A name of two words reads as a list of two.
-        if (row[1] if isinstance(row[1], str) else " ".join(row[1])) != label:
-            raise TextError(f"row {i + 1} is called {row[1]}")
-        points.append(row[2:4])
-    return points
+def curves_of(found: Any, expected: Any) -> List[Tuple[List[int], np.ndarray]]:
+    """What stands where curves are expected; everything else has to be what is expected."""
+    if expected is CURVE:
+        return [curve(found)]
+    if not isinstance(expected, list) or not isinstance(found, list) or len(found) != len(expected):
+        if found != expected:
+            raise TextError(f"{str(found)[:60]} instead of {str(expected)[:60]}")
+        return []
+    return [one for pair in zip(found, expected) for one in curves_of(*pair)]
 
 
-def judge_script(data: bytes, key: str, layer: str, tracks: List[Track], scratch: Path) -> Findings:
-    findings = Findings()
-    try:
-        nodes = nuke_script.read_nodes(data, scratch / "judged.nk")
-        node_class = "CornerPin2D" if key == "nuke_corner_pin" else "Tracker4"
-        if not findings.same("nodes", [node[0] for node in nodes], [node_class] * len(tracks)):
-            return findings
-        for (_, knobs), track in zip(nodes, tracks):
+@judging
+def judge(findings: Findings, data: bytes, key: str, layer: str, tracks: List[Track]) -> None:
+    nodes = nuke_script.nodes(decoded(data))
+    if findings.same("number of nodes", len(nodes), len(tracks)):
+        for node, track in zip(nodes, tracks):
             name = layer + ("_" + track.view if track.view else "")
-            if key == "nuke_corner_pin":
-                points = pin_points(knobs, name)
-            elif key == "nuke_tracker":
-                points = tracker_points(knobs, name, lambda i: f"track {i}", "4")
-            else:
-                points = tracker_points(knobs, name, str, str(track.points.shape[1]))
-            _compare(findings, [[curve(axis) for axis in point] for point in points], track, key)
-    except (TextError, ValueError, IndexError, TypeError) as error:
-        findings.problem(f"{type(error).__name__}: {error}")
-    return findings
+            _compare(findings, curves_of(node, node_of(key, name, track.points.shape[1])), track, key)
 
 
-def _compare(findings: Findings, points: List[List[Tuple[List[int], np.ndarray]]], track: Track, key: str) -> None:
+def _compare(findings: Findings, curves: List[Tuple[List[int], np.ndarray]], track: Track, key: str) -> None:
     # Frames are rounded, halves upwards: fields print each whole number twice.
     frames = [int(frame) for frame in np.floor(track.frames.astype(np.float32) + 0.5)]
-    if not findings.same("points", len(points), track.points.shape[1]):
-        return
-    for i, point in enumerate(points):
-        for axis in range(2):
-            if findings.same(f"frames of point {i + 1}", point[axis][0], frames):
-                _compare_values(findings, f"{track.view or 'view'}, point {i + 1}, {'xy'[axis]}", point[axis][1],
-                                track.points[:, i, axis], key)
+    for at, (found_frames, found) in enumerate(curves):
+        place = f"{track.view or 'view'}, point {at // 2 + 1}, {'xy'[at % 2]}"
+        if findings.same(f"frames of {place}", found_frames, frames):
+            _compare_values(findings, place, found, track.points[:, at // 2, at % 2], key)
 
 
 def _compare_values(findings: Findings, place: str, found: np.ndarray, expected: np.ndarray, key: str) -> None:
     """Numbers have six digits of a single-precision float; those of a mesh were one, from 0 to 1, before as well, and
     plain text has them of a double."""
-    floats = {"nuke_ascii": 0.0, "nuke_warp_lattice_to_tracker": 3.0}.get(key, 1.0)
-    bound = half_units(found) + floats * np.spacing(np.abs(expected).astype(np.float32)) / 2.0 + ARITHMETIC
-    findings.compare("points, px", found, expected, bound, place)
+    floats = {ASCII: 0.0, MESH: 3.0}.get(key, 1.0)
+    allowed = floats * np.spacing(np.abs(expected).astype(np.float32)) / 2.0 + ARITHMETIC
+    findings.printed("points, px", found, expected, allowed, place)
 
 
-def judge_ascii(files: Dict[str, bytes], tracks: List[Track], line_height: int, stem: str = "points") -> Findings:
+@judging
+def judge_ascii(findings: Findings, files: Dict[str, bytes], tracks: List[Track], line_height: int) -> None:
     """Files of a folder; of fields every other sample is written, in the lines of a field."""
-    findings = Findings()
-    names = [f"{stem}_Tracker{track.view}{i}.txt" for track in tracks for i in (1, 2, 3, 4)]
+    names = [f"out_Tracker{track.view}{i}.txt" for track in tracks for i in (1, 2, 3, 4)]
     if not findings.same("files", sorted(files), sorted(names)):
-        return findings
+        return
     for track in tracks:
         points = track.points[::line_height]
         for i in range(4):
-            name = f"{stem}_Tracker{track.view}{i + 1}.txt"
-            try:
-                lines = decoded(files[name]).split("\n")
-                rows = [[six_digits(word) for word in line.split(" ")] for line in lines[:-1]]
-                found = np.array(rows, float).reshape(-1, 2)
-            except (TextError, ValueError) as error:
-                findings.problem(f"{name}: {error}")
-                continue
-            if findings.same(f"{name}: end and lines", (lines[-1], len(found)), ("", len(points))):
-                for axis in range(2):
-                    _compare_values(findings, f"{name}, {'xy'[axis]}", found[:, axis], points[:, i, axis], "nuke_ascii")
-    return findings
+            name = f"out_Tracker{track.view}{i + 1}.txt"
+            lines = Lines(decoded(files[name]))
+            found = np.array([[six_digits(word) for word in lines.match("([^ ]+) ([^ ]+)")] for _ in points])
+            lines.end()
+            for axis in range(2):
+                _compare_values(findings, f"{name}, {'xy'[axis]}", found[:, axis], points[:, i, axis], ASCII)
 
 
 # ---- faults
 
-def script_faults(text: str) -> Iterator[Fault]:
+def script_faults(data: bytes) -> Faults:
     """The first curve of a script is x of its first point, the next one y."""
-    curves = list(re.finditer(r"\{curve (x[^}]*)\}", text))
-
-    def put(name: str, at: int, change: Callable[[List[str]], List[str]]) -> Fault:
-        match = curves[at]
-        words = change(match.group(1).split(" "))
-        return name, (text[:match.start(1)] + " ".join(words) + text[match.end(1):]).encode("utf-8")
-
-    def exchanged(name: str, one: int, other: int) -> Fault:
-        parts = [text[:curves[one].start()], curves[other].group(), text[curves[one].end():curves[other].start()],
-                 curves[one].group(), text[curves[other].end():]]
-        return name, "".join(parts).encode("utf-8")
-
-    def raised(words: List[str], units: float = 4.0) -> List[str]:
-        at = len(words) // 4 * 2 + 1
-        return words[:at] + [f"{float(words[at]) + units * float(half_units(float(words[at]))):.6g}"] + words[at + 1:]
-
-    yield exchanged("corners 1 and 2 swapped", 0, 2)
-    yield exchanged("x of points 3 and 4 swapped", 4, 6)
-    yield exchanged("x and y swapped", 0, 1)
+    faults = Faults(data)
+    curves = faults.places(r"\{curve (x[^}]*)\}")
+    frames = [faults.places(r"x(-?\d+)", curve) for curve in curves]
+    values = [faults.places(r"(?<= )[-.\de+]+", curve) for curve in curves]
+    faults.swap("corners 1 and 2 swapped", curves[0:1], curves[2:3])
+    faults.swap("x of points 3 and 4 swapped", curves[4:5], curves[6:7])
+    faults.swap("x and y swapped", curves[0:1], curves[1:2])
     for at in (1, 3, 5, 7):
-        yield put(f"y flipped in curve {at}", at, lambda words: [
-            word if word.startswith("x") else f"{1080.0 - float(word):.6g}" for word in words])
-    for at in range(len(curves)):
-        yield put(f"curve {at} without its first key", at, lambda words: words[2:])
-        yield put(f"curve {at} without its last key", at, lambda words: words[:-2])
-        yield put(f"curve {at} off by 2 units", at, raised)
-    yield put("a frame late", 0, lambda words: [
-        f"x{int(word[1:]) + 1}" if word[0] == "x" else word for word in words])
-    yield put("too many digits", 1, lambda words: words[:-1] + ["12.34567"])
-    yield checking.replaced(text, "brace lost", "}", "", last=True)
-    yield checking.replaced(text, "inner brace lost", "{curve", "curve")
-    yield checking.replaced(text, "another name", "\nname Tracker_" if text.startswith("Tracker") else " name Corner", "\nname ")
-    if text.startswith("CornerPin2D"):
-        yield checking.replaced(text, "base swapped", "from3 {{width} {height}}", "from3 {{height} {width}}")
-        yield checking.replaced(text, "base in numbers", "{width}", "1920")
-        yield checking.replaced(text, "knob lost", " from4 {0 {height}}\n", "")
+        faults.number(f"y flipped in curve {at}", values[at], lambda y: 1080.0 - y)
+    for at, curve_place in enumerate(curves):
+        middle = len(values[at]) // 2
+        faults.drop(f"curve {at} without its first key", (curve_place[0], frames[at][1][0] - 1))
+        faults.drop(f"curve {at} without its last key", (values[at][-2][1], curve_place[1]))
+        faults.off(f"curve {at}", values[at][middle])
+    faults.edit("a frame late", frames[0], lambda frame: str(int(frame) + 1))
+    faults.put("too many digits", (values[1][-1], "12.34567"))
+    braces = (("brace lost", "}", "", True), ("inner brace lost", "{curve", "curve"))
+    if faults.text.startswith("CornerPin2D"):
+        faults.replace_all((
+            *braces, ("another name", " name Corner", "\nname "), ("base in numbers", "{width}", "1920"),
+            ("base swapped", "from3 {{width} {height}}", "from3 {{height} {width}}"),
+            ("knob lost", " from4 {0 {height}}\n", "")))
     else:
-        yield checking.replaced(text, "track count", "{ 1 6 ", "{ 1 6 1")
-        yield checking.replaced(text, "track name", '1"', '9"')
-        yield checking.replaced(text, "offset lost", "{curve K x1 0} {curve K x1 0}", "{curve K x1 0}")
-        yield checking.replaced(text, "a row disabled", "{curve K x1 1}", "{curve K x1 0}")
+        faults.replace_all((
+            *braces, ("another name", "\nname Tracker_", "\nname "), ("track count", "{ 1 6 ", "{ 1 6 1"),
+            ("track name", '1"', '9"'), ("offset lost", "{curve K x1 0} {curve K x1 0}", "{curve K x1 0}"),
+            ("a row disabled", "{curve K x1 1}", "{curve K x1 0}")))
+    return faults
+
+
+def ascii_faults(files: Dict[str, bytes]) -> List[Tuple[str, Dict[str, bytes]]]:
+    """Of each file in turn."""
+    found, names = [], sorted(files)
+    for i, one in enumerate(names):
+        faults = Faults(files[one])
+        faults.drop("a line lost", faults.place(r"^.*?\n"))
+        faults.number("y flipped", faults.places(r"(?<= )\S+$"), lambda y: 1080.0 - y)
+        faults.off("a number", faults.places(r"\S+")[7])
+        changed = [(f"{name}, {one}", {**files, one: text}) for name, text in faults]
+        lost = {name: text for name, text in files.items() if name != one}
+        found += changed + [(f"lost: {one}", lost), (f"another corner in {one}", {**files, one: files[names[i - 1]]})]
+    return found
 
 
 # ---- projects
@@ -223,130 +206,94 @@ def script_faults(text: str) -> Iterator[Fault]:
 def with_mesh() -> Dict[str, Any]:
     """A tracked mesh of six vertices under corrections by hand; frames without data take the nearest."""
     project = shots.hand_made(shots.STRONG)
-    layer = project["layers"][0]
-    layer["mesh"] = {"vertexCount": 6, "faceCounts": [4, 4], "faceIndices": [0, 1, 4, 3, 1, 2, 5, 4], "tracks": [
-        {"firstFrame": 12, "positions": [float(value) for value in _grid(range(12, 31)).ravel()]}]}
+    project["layers"][0]["mesh"] = _mesh({"firstFrame": 12, "positions": _grid(range(12, 31))})
     return project
 
 
-def _grid(frames: range) -> np.ndarray:
+def _mesh(*tracks: Dict[str, Any]) -> Dict[str, Any]:
+    return {"vertexCount": 6, "faceCounts": [4, 4], "faceIndices": [0, 1, 4, 3, 1, 2, 5, 4], "tracks": list(tracks)}
+
+
+def _grid(frames: range, shift: float = 0.0) -> List[float]:
     start = np.array([[500, 60], [570, 66], [640, 75], [490, 210], [555, 204], [622, 198]], float)
-    return np.array([start + [1.25 * (f - 12), -0.7 * (f - 12)] + 0.01 * (f - 12) * start[:, ::-1] for f in frames])
+    grid = [start + [1.25 * (f - 12), -0.7 * (f - 12)] + 0.01 * (f - 12) * start[:, ::-1] for f in frames]
+    return [float(value) + shift for value in np.array(grid).ravel()]
 
 
 def two_views() -> Dict[str, Any]:
     project = shape_projects.stereo()
     layer = project["layers"][0]
-    layer["name"] = "A%1 sign"
-    layer["mesh"] = {"vertexCount": 6, "faceCounts": [4, 4], "faceIndices": [0, 1, 4, 3, 1, 2, 5, 4], "tracks": [
-        {"view": "left", "firstFrame": 0, "positions": [float(value) for value in _grid(range(0, 15)).ravel()]},
-        {"view": "right", "firstFrame": 0, "positions": [float(value) + 3.0 for value in _grid(range(0, 15)).ravel()]}]}
-    project["currentLayer"] = layer["name"]
+    project["currentLayer"] = layer["name"] = "A%1 sign"
+    layer["mesh"] = _mesh(*({"view": view, "firstFrame": 0, "positions": _grid(range(0, 15), shift)}
+                            for view, shift in (("left", 0.0), ("right", 3.0))))
     return project
-
-
-def in_one_view(project: Dict[str, Any], view: int) -> PlanarProject:
-    single = copy.deepcopy(project)
-    name = single["views"][view]
-    single["layers"][0]["tracking"] = [t for t in single["layers"][0]["tracking"] if t["view"] == name]
-    return PlanarProject(single)
 
 
 # ---- the check
 
-def export_ascii(check: Check, project: Path, folder: str, arguments: Tuple[str, ...]) -> Optional[Dict[str, bytes]]:
-    target = check.scratch / folder / "ascii"
-    target.mkdir(parents=True, exist_ok=True)
-    for file in target.iterdir():
-        file.unlink()
-    status, errors = check.tool.run("export", project, "nuke_ascii", *arguments, "-o", target / "points.txt")
-    if status != 0 or errors:
-        check.fail(f"{folder}, nuke_ascii: status {status}: {' / '.join(errors)}")
-        return None
-    return {file.name: file.read_bytes() for file in target.iterdir()}
+def check_script(check: Check, key: str, name: str, project: Project, layer: str, tracks: List[Track],
+                 *arguments: str) -> None:
+    """Texts of two views get faults."""
+    data = check.export(key, name, project, *arguments)
+    if data is not None and judged(check, key, name, data, layer, tracks) and "two views" in name:
+        check.faults(key, name, script_faults(data), lambda text: judge(text, key, layer, tracks))
+        broken = Faults(data)
+        broken.replace("brace lost", "}", "", last=True)
+        check.faults(key, f"{name}, tclsh", broken, lambda text: nuke_script.judge_lists(text, check.scratch))
 
 
-def check_corners(check: Check, name: str, project: Path, layer: str, tracks: List[Track], plain: List[Track],
-                  line_height: int, arguments: Tuple[str, ...] = ()) -> None:
+def judged(check: Check, key: str, name: str, data: bytes, layer: str, tracks: List[Track]) -> bool:
+    findings = judge(data, key, layer, tracks)
+    findings.add(nuke_script.judge_lists(data, check.scratch))
+    return check.verdict(key, name, findings)
+
+
+def check_corners(check: Check, name: str, project: Project, layer: str, tracks: List[Track], plain: List[Track],
+                  line_height: int, *arguments: str) -> None:
     """`plain` are the tracks in the lines of the clip's raster."""
-    folder = name.replace(" ", "_")
-    for key in ("nuke_corner_pin", "nuke_tracker"):
-        data = check.export(project, key, folder, ".nk", *arguments)
-        if data is not None:
-            check_script(check, f"{name}, {key}", data, key, layer, tracks)
-    files = export_ascii(check, project, folder, arguments)
-    if files is None:
-        return
-    if check.verdict(f"{name}, nuke_ascii", judge_ascii(files, plain, line_height)):
-        names = sorted(files)
-        for i, one in enumerate(names):
-            rest = {other: data for other, data in files.items() if other != one}
-            rows = [line.split() for line in files[one].splitlines()]
-            flipped = b"".join(b"%s %.6g\n" % (x, 1080.0 - float(y)) for x, y in rows)
-            changes = {"a line lost": files[one].split(b"\n", 1)[1], "y flipped": flipped,
-                       "another corner": files[names[i - 1]]}
-            faults = [("a file lost", rest)] + [(fault, dict(files, **{one: data})) for fault, data in changes.items()]
-            for fault, faulty in faults:
-                if not judge_ascii(faulty, plain, line_height).faults():
-                    check.fail(f"{name}, nuke_ascii: not noticed: {fault}, {one}")
+    for key in (*PINS, "nuke_tracker"):
+        check_script(check, key, name, project, layer, tracks, *arguments)
+    files = check.export_files(ASCII, name, project, *arguments)
+    good = files and check.verdict(ASCII, name, judge_ascii(files, plain, line_height))
+    if good and "two views" in name:
+        check.faults(ASCII, name, ascii_faults(files), lambda bad: judge_ascii(bad, plain, line_height))
 
 
-def check_script(check: Check, name: str, data: bytes, key: str, layer: str, tracks: List[Track]) -> None:
-    judge = lambda text: judge_script(text, key, layer, tracks, check.scratch)
-    if check.verdict(name, judge(data)):
-        check.faults(name, data, script_faults(data.decode("utf-8")), judge)
+def shot_case(check: Check, name: str, project: Project, shot: Shot, record: Dict[str, Any], *arguments: str) -> None:
+    offset = record["clips"][0].get("frameOffset", 0)
+    check_corners(check, name, project, record["layers"][0]["name"], [corner_track(shot, offset)],
+                  [raster_track(shot, offset)], shot.line_height, *arguments)
 
 
-def shot_case(check: Check, name: str, project: Dict[str, Any], shot: Shot, arguments: Tuple[str, ...] = (),
-              saved: Optional[Path] = None) -> None:
-    offset = project["clips"][0].get("frameOffset", 0)
-    track = corner_track(shot, offset)
-    raster = Track("", track.frames, (shot.corners * [1.0, -1.0] + [0.0, shot.height])[:, ORDER])
-    check_corners(check, name, saved or check.saved(name.replace(" ", "_"), project), project["layers"][0]["name"],
-                  [track], [raster], shot.line_height, arguments)
-
-
-def goldens(check: Check, folder: Path) -> None:
+def goldens(check: Check) -> None:
     """Judges the checked-in exports as they stand."""
-    project = json.loads((folder.parent.parent / "project.json").read_text(encoding="utf-8"))
-    layer = project["layers"][0]["name"]
-    tracks = [corner_track(PlanarProject(project).shot("", "adjusted"), project["clips"][0].get("frameOffset", 0))]
-    for key in ("nuke_corner_pin", "nuke_tracker", "nuke_warp_lattice_to_tracker"):
-        shown = [mesh_track(project, 0)] if key == "nuke_warp_lattice_to_tracker" else tracks
-        data = (folder / key / "out.nk").read_bytes()
-        check.verdict(f"golden, {key}", judge_script(data, key, layer, shown, check.scratch))
-    files = {file.name: file.read_bytes() for file in (folder / "nuke_ascii").iterdir()}
-    check.verdict("golden, nuke_ascii", judge_ascii(files, tracks, 1, "out"))
+    project = check.goldens_project()
+    layer = PlanarLayer(project)
+    tracks = [corner_track(layer.shot(), layer.offset)]
+    for key in (*PINS, "nuke_tracker", MESH):
+        judged(check, key, "golden", check.golden(key), layer.name, [mesh_track(project)] if key == MESH else tracks)
+    check.verdict(ASCII, "golden", judge_ascii(check.goldens(ASCII), tracks, 1))
 
 
-def body(check: Check, source: Path) -> None:
-    goldens(check, Path(__file__).with_name("golden"))
-    corners = shots.paper_corners(source / "tests" / "data" / "paper004_corners.txt")
-    sample = source / "samples" / "paper004.json"
-    imported = json.loads(sample.read_text(encoding="utf-8"))
-    shot_case(check, "paper", imported, shots.paper_shot(corners, imported), saved=sample)
+def body(check: Check) -> None:
+    goldens(check)
+    corners = shots.paper_corners(check.source / "tests" / "data" / "paper004_corners.txt")
+    imported = check.json("samples/paper004.json")
+    shot_case(check, "paper", check.source / "samples/paper004.json", shots.paper_shot(corners, imported), imported)
     strong, gentle, fields = shots.hand_made(shots.STRONG), shots.hand_made(shots.GENTLE), shots.interlaced()
     for track in ("basic", "adjusted", "offset"):
-        shot_case(check, f"strong {track}", strong, PlanarProject(strong).shot("", track), ("--track", track))
-    shot_case(check, "stabilized", gentle, PlanarProject(gentle).shot("", "stabilized"), ("--track", "stabilized"))
-    shot_case(check, "inverted", gentle, PlanarProject(gentle).shot("", "adjusted", True), ("--invert",))
-    shot_case(check, "fields", fields, PlanarProject(fields).shot("", "adjusted"))
+        shot_case(check, f"strong {track}", strong, PlanarLayer(strong).shot(track), strong, "--track", track)
+    shot_case(check, "stabilized", gentle, PlanarLayer(gentle).shot("stabilized"), gentle, "--track", "stabilized")
+    shot_case(check, "inverted", gentle, PlanarLayer(gentle).shot("adjusted", True), gentle, "--invert")
+    shot_case(check, "fields", fields, PlanarLayer(fields).shot(), fields)
     stereo = two_views()
-    path = check.saved("two_views", stereo)
-    tracks = []
-    for view in range(2):
-        shot = in_one_view(stereo, view).shot("", "adjusted")
-        tracks.append(corner_track(shot, stereo["clips"][0]["frameOffset"], stereo["views"][view]))
-    check_corners(check, "two views", path, "A%1 sign", tracks, tracks, 1, ("--view", "all"))
-    key, mesh = "nuke_warp_lattice_to_tracker", with_mesh()
-    data = check.export(check.saved("mesh", mesh), key, "mesh", ".nk")
-    if data is not None:
-        check_script(check, "mesh", data, key, "Poster", [mesh_track(mesh, 0)])
-    data = check.export(path, key, "two_views", ".nk", "--view", "all")
-    if data is not None:
-        check_script(check, "mesh in two views", data, key, "A%1 sign",
-                     [mesh_track(stereo, view, stereo["views"][view]) for view in range(2)])
+    views = [PlanarLayer(stereo, view=view) for view in range(2)]
+    tracks = [corner_track(layer.shot(), layer.offset, layer.view_name) for layer in views]
+    check_corners(check, "two views", stereo, "A%1 sign", tracks, tracks, 1, "--view", "all")
+    check_script(check, MESH, "mesh", with_mesh(), "Poster", [mesh_track(with_mesh())])
+    check_script(check, MESH, "mesh in two views", stereo, "A%1 sign",
+                 [mesh_track(stereo, layer.view, layer.view_name) for layer in views], "--view", "all")
 
 
 if __name__ == "__main__":
-    sys.exit(checking.run(__doc__, body))
+    sys.exit(checking.run(__doc__, body, VERIFIES))

@@ -7,21 +7,21 @@ consists of is held against the literals of the format line by line.
 import json
 import re
 import subprocess
-from dataclasses import dataclass, field
+from dataclasses import dataclass
+from functools import lru_cache
 from pathlib import Path
-from typing import Any, Dict, List, Optional, Tuple
+from typing import Any, List, Match, Optional, Tuple
 
-import numpy as np
-
-from bounded import Bounded
-from text_lines import Lines, TextError, decoded
+from bounded import Bounded, exact, stacked
+from findings import Findings, judging
+from texts import Digits, Lines, TextError, decoded
 
 _TCL = Path(__file__).with_name("nuke_script.tcl")
 
 
 # ---- nested lists
 
-_BRACE, _BARE = re.compile(r"[{}]"), re.compile(r"\S+")
+_BRACE, _BARE, _LIST = re.compile(r"[{}]"), re.compile(r"\S+"), re.compile(r"[\s{}\"]")
 
 
 def nodes_by_tcl(file: Path) -> List[Any]:
@@ -43,13 +43,13 @@ def nodes(text: str) -> List[Any]:
     return found
 
 
-def read_nodes(data: bytes, file: Path) -> List[Any]:
-    """Both readings of a file; raises TextError where they differ."""
+@judging
+def judge_lists(findings: Findings, data: bytes, scratch: Path) -> None:
+    """Whether tclsh and the reader here take a script apart into the same lists."""
+    file = scratch / "judged.nk"
     file.write_bytes(data)
-    by_tcl, own = nodes_by_tcl(file), nodes(decoded(data))
-    if by_tcl != own:
-        raise TextError("tclsh reads other lists")
-    return own
+    if nodes_by_tcl(file) != nodes(decoded(data)):
+        findings.problem("tclsh reads other lists")
 
 
 def _commands(text: str) -> List[List[str]]:
@@ -108,59 +108,19 @@ def _closing_brace(text: str, at: int) -> int:
 
 
 def _nested(word: str) -> Any:
+    if not _LIST.search(word):
+        return word
     words = _words(word)
     if not words or words == [word]:
         return word
     return [_nested(part) for part in words]
 
 
-# ---- numbers of curve trees
+# ---- the curve tree of a roto node
 
-@dataclass(frozen=True)
-class Digits:
-    """At most so many significant digits and decimals; `snap` is what a value is moved by at most before it prints."""
-    significant: int
-    decimals: int
-    snap: float
-
-
+# Numbers of curves, and those of matrices, which are a million times as large.
 CURVE, MATRIX = Digits(5, 3, 1e-6), Digits(5, 5, 5e-6)
 
-_NUMBER = re.compile(r"-?(?:0|[1-9][0-9]*)(?:\.([0-9]+))?")
-
-
-def _decimals_of(magnitude: float, digits: Digits) -> int:
-    """How many decimals a number of this size has when it isn't whole."""
-    if magnitude <= 0.0:
-        return digits.decimals
-    return min(digits.decimals, max(0, int(np.ceil(digits.significant - (np.log10(magnitude) + 1.0)))))
-
-
-def number(token: str, digits: Digits = CURVE) -> Tuple[float, float]:
-    """A number of the text and how far it may be from what was meant.
-
-    The count of decimals has to be what the size asks for. Without decimals a number is either so large that none
-    were left, or what was meant was whole up to half a unit of the last decimal.
-    """
-    match = _NUMBER.fullmatch(token)
-    if match is None:
-        raise TextError(f"{token!r} is not a number of a curve tree")
-    value, size, decimals = float(token), abs(float(token)), len(match.group(1) or "")
-    if decimals == 0:
-        large = _decimals_of(size, digits) == 0
-        return value, (0.5 if large else 0.5 * 10.0 ** -digits.decimals) + digits.snap
-    half = 0.5 * 10.0 ** -decimals
-    if decimals not in {_decimals_of(max(size - half, 1e-9), digits), _decimals_of(size + half, digits)}:
-        raise TextError(f"{token!r} has {decimals} decimals")
-    return value, half + digits.snap
-
-
-def numbers(tokens: List[str], digits: Digits = CURVE) -> Bounded:
-    pairs = [number(token, digits) for token in tokens]
-    return Bounded(*np.array(pairs, float).reshape(-1, 2).T)
-
-
-# ---- the curve tree of a roto node
 
 @dataclass(frozen=True)
 class Curve:
@@ -178,23 +138,23 @@ class Matrix:
     entries: Bounded
 
 
-@dataclass
+@dataclass(frozen=True)
 class Shape:
-    name: str = ""
-    motion: Optional[str] = None
-    flags: Tuple[int, int] = (0, 0)
-    # Curves of a point, x and y; three points for each vertex.
-    main: List[Tuple[Curve, Curve]] = field(default_factory=list)
-    feather: List[Tuple[Curve, Curve]] = field(default_factory=list)
-    attributes: Dict[str, str] = field(default_factory=dict)
+    """`main` and `feather` are what `points` takes apart: texts tell soonest whether two shapes are the same."""
+    name: str
+    motion: Optional[str]
+    flags: Tuple[int, int]
+    main: str
+    feather: str
+    attributes: Tuple[str, ...]
 
 
-@dataclass
+@dataclass(frozen=True)
 class LayerNode:
-    name: str = ""
-    visible: str = ""
-    motion: Optional[str] = None
-    shapes: List[Shape] = field(default_factory=list)
+    name: str
+    visible: str
+    motion: Optional[str]
+    shapes: List[Shape]
 
 
 @dataclass
@@ -205,7 +165,7 @@ class Tree:
 
 _COMMON = '"opc" S 0 1 "mbo" S 0 1 "mb" S 0 1 "mbs" S 0 0.5 "fo" S 0 1 "fx" S 0 0 "fy" S 0 0 "ff" S 0 1 "ft" S 0 0'
 _NAME = r'"([^"\n]*)" \{'
-_SHAPE_ATTRIBUTES = (
+SHAPE_ATTRIBUTES = (
     "vis", "r", "g", "b", "a", "ro", "go", "bo", "ao", "opc", "bm", "inv", "mbo", "mb", "mbs", "mbsot", "mbso", "fo",
     "fx", "fy", "ff", "ft", "nv", "view1", "ltn", "ltm", "ltt")
 
@@ -234,134 +194,109 @@ def _motion(lines: Lines, indent: str) -> Optional[str]:
 
 
 def _layer(lines: Lines) -> LayerNode:
-    layer = LayerNode()
     lines.expect("  Node: {")
-    layer.name, = lines.match("   NodeName: " + _NAME)
+    name, = lines.match("   NodeName: " + _NAME)
     lines.expect("    NodeType: 1")
-    layer.motion = _motion(lines, "    ")
+    motion = _motion(lines, "    ")
     lines.expect("    NumOfAttributes: 10")
-    layer.visible, = lines.match('    "vis" S 0 ([01]) ' + re.escape(_COMMON))
+    visible, = lines.match('    "vis" S 0 ([01]) ' + re.escape(_COMMON))
     lines.expect("   }")
     count = int(lines.match("   NumOfChildren: ([0-9]+)")[0])
-    layer.shapes = [_shape(lines) for _ in range(count)]
+    shapes = [_shape(lines) for _ in range(count)]
     lines.expect("  }")
-    return layer
+    return LayerNode(name, visible, motion, shapes)
 
 
 def _shape(lines: Lines) -> Shape:
-    shape = Shape()
     lines.expect("   Node: {")
-    shape.name, = lines.match("    NodeName: " + _NAME)
+    name, = lines.match("    NodeName: " + _NAME)
     lines.expect("     NodeType: 3", '     CurveGroup: "" {')
-    shape.motion = _motion(lines, "      ")
+    motion = _motion(lines, "      ")
     lines.expect("      Flag: 0", "      NumOfCubicCurves: 2")
-    main_flag, shape.main = _cubic_curve(lines)
-    feather_flag, shape.feather = _cubic_curve(lines)
-    shape.flags = (main_flag, feather_flag)
+    (flag, main), (feather_flag, feather) = _cubic_curve(lines), _cubic_curve(lines)
     lines.expect("      NumOfAttributes: 27")
-    shape.attributes = _attributes(lines.take())
+    attributes = lines.match("      " + " ".join(f'"{name}" S 0 (\\S+)' for name in SHAPE_ATTRIBUTES))
     lines.expect("     }", "    }", "    NumOfChildren: 0", "   }")
-    return shape
+    return Shape(name, motion, (flag, feather_flag), main, feather, attributes)
 
 
-def _attributes(line: str) -> Dict[str, str]:
-    found = re.fullmatch("      " + " ".join(f'"{name}" S 0 (\\S+)' for name in _SHAPE_ATTRIBUTES), line)
-    if found is None:
-        raise TextError(f"attributes of a shape: {line!r}")
-    return dict(zip(_SHAPE_ATTRIBUTES, found.groups()))
-
-
-def _cubic_curve(lines: Lines) -> Tuple[int, List[Tuple[Curve, Curve]]]:
+def _cubic_curve(lines: Lines) -> Tuple[int, str]:
+    """The flag, and the count of points with their curves."""
     lines.expect('      CubicCurve: "" {')
     flag = int(lines.match("       Type: 0 Flag: ([0-9]+) Dim: 2")[0])
-    count = int(lines.match("       NumOfPoints: ([0-9]+)")[0])
-    body = lines.take()
-    if not body.startswith("       0 ") or "  " in body[7:] or body.endswith(" "):
-        raise TextError("the body of a curve begins, or is spaced, in another way")
-    tokens = Tokens(body[7:].split(" "))
-    points = []
-    while tokens.left():
-        tokens.expect("0")
-        x, y = tokens.curve(), tokens.curve()
-        tokens.expect("0")
-        points.append((x, y))
-    if len(points) != count or count % 3 != 0:
-        raise TextError(f"{len(points)} points in a curve of {count}")
+    count, = lines.match("       NumOfPoints: ([0-9]+)")
+    body, = lines.match("       (0 .*)")
     lines.expect("      }")
-    return flag, points
+    return flag, f"{count} {body}"
 
 
-class Tokens:
-    def __init__(self, tokens: List[str]) -> None:
-        self._tokens = tokens
-        self._at = 0
-
-    def left(self) -> int:
-        return len(self._tokens) - self._at
-
-    def take(self, count: int) -> List[str]:
-        if self.left() < count:
-            raise TextError("a curve ends early")
-        self._at += count
-        return self._tokens[self._at - count:self._at]
-
-    def expect(self, *tokens: str) -> None:
-        found = self.take(len(tokens))
-        if found != list(tokens):
-            raise TextError(f"{' '.join(found)!r} instead of {' '.join(tokens)!r}")
-
-    def keys(self, names: Tuple[Optional[str], ...]) -> List[List[str]]:
-        """The keys of a curve with several, each a row of what stands where `names` has None."""
-        self.expect(*'L 0 4096 0.5 2 0 0 "" 0'.split(" "))
-        count, = self.take(1)
-        if not count.isdigit() or int(count) < 2:
-            raise TextError(f"a curve of {count!r} keys")
-        rows = []
-        for _ in range(int(count)):
-            row = self.take(len(names))
-            if any(name is not None and name != token for name, token in zip(names, row)):
-                raise TextError(f"key {' '.join(row)!r}")
-            rows.append([token for name, token in zip(names, row) if name is None])
-        return rows
-
-    def curve(self) -> Curve:
-        if self._tokens[self._at:self._at + 2] == ["S", "1"]:
-            self.take(2)
-            time, value = self.take(2)
-            if not re.fullmatch("-?[0-9]+", time):
-                raise TextError(f"{time!r} is not a whole frame")
-            return Curve(Bounded(np.array([float(time)]), np.zeros(1)), numbers([value]), None, None)
-        rows = self.keys(('""', None, None, None, "1", None, "1", "258", "0"))
-        still, = self.take(1)
-        if still != rows[0][1]:
-            raise TextError(f"the value of a curve is {still}, that of its first key {rows[0][1]}")
-        times, values, left, right = (numbers(list(column)) for column in zip(*rows))
-        return Curve(times, values, left, right)
+# Keys of nine words each behind their count; `row` are the words of one, of which the first says nothing.
+_KEYS = 'L 0 4096 0\\.5 2 0 0 "" 0 ([0-9]+)((?: "" {row})+)'
+_STILL = re.compile("S 1 (-?[0-9]+) ([^ ]+)(?: |$)")
+_KEYED = re.compile(_KEYS.format(row="[^ ]+ [^ ]+ [^ ]+ 1 [^ ]+ 1 258 0") + " ([^ ]+)(?: |$)")
+_ENTRY = re.compile(_KEYS.format(row="[^ ]+ [^ ]+ 0 1 0 1 258 0") + " 0 ")
 
 
-_MATRIX_HEAD = "0 0 S 0 0 S 0 0 S 0 0 S 0 1 S 0 1 S 0 0 S 0 0 S 0 0".split(" ")
+def _columns(keys: Match[str]) -> List[List[str]]:
+    words = keys.group(2).split(" ")[1:]
+    if int(keys.group(1)) != len(words) // 9 or len(words) < 18:
+        raise TextError(f"{len(words) // 9} keys where {keys.group(1)} are announced")
+    return [words[i::9] for i in range(9)]
 
 
+@lru_cache(maxsize=256)
+def points(text: str) -> List[Tuple[Curve, Curve]]:
+    """The curves of a shape's points, x and y; three points for each vertex."""
+    count, _, body = text.partition(" ")
+    found, at = [], 0
+    while at < len(body):
+        if not body.startswith("0 ", at):
+            raise TextError(f"a point begins with {body[at:at + 20]!r}")
+        x, at = _curve(body, at + 2)
+        y, at = _curve(body, at)
+        if body[at:at + 2] != ("0 " if at + 2 < len(body) else "0"):
+            raise TextError(f"a point ends with {body[at:at + 20]!r}")
+        at += 2
+        found.append((x, y))
+    if len(found) != int(count) or len(found) % 3 != 0:
+        raise TextError(f"{len(found)} points in a curve of {count}")
+    return found
+
+
+def _curve(text: str, at: int) -> Tuple[Curve, int]:
+    """The curve that stands here, and where what follows it begins."""
+    still = _STILL.match(text, at)
+    if still is not None:
+        return Curve(exact([float(still.group(1))]), CURVE.read_all([still.group(2)]), None, None), still.end()
+    keyed = _KEYED.match(text, at)
+    if keyed is None:
+        raise TextError(f"{text[at:at + 60]!r} is not a curve")
+    _, times, values, left, _, right, *_ = _columns(keyed)
+    if keyed.group(3) != values[0]:
+        raise TextError(f"the value of a curve is {keyed.group(3)}, that of its first key {values[0]}")
+    return Curve(*(CURVE.read_all(column) for column in (times, values, left, right))), keyed.end()
+
+
+_MATRIX_HEAD = "0 0 S 0 0 S 0 0 S 0 0 S 0 1 S 0 1 S 0 0 S 0 0 S 0 0 "
+_IDENTITY = "".join(f"S 0 {1 if i % 5 == 0 else 0} " for i in range(16))
+
+
+@lru_cache(maxsize=256)
 def matrix(text: str) -> Optional[Matrix]:
     """The keys of a Transform2 block, (frames, 16); None for the identity that a single frame has."""
-    if not text.endswith(" "):
-        raise TextError("Transform2 doesn't end in a blank")
-    tokens = Tokens(text[:-1].split(" "))
-    tokens.expect(*_MATRIX_HEAD)
-    if tokens.left() == 48:
-        for i in range(16):
-            tokens.expect("S", "0", "1" if i % 5 == 0 else "0")
+    if not text.startswith(_MATRIX_HEAD):
+        raise TextError(f"a matrix begins with {text[:60]!r}")
+    at = len(_MATRIX_HEAD)
+    if text[at:] == _IDENTITY:
         return None
-    times, columns = None, []
-    for _ in range(16):
-        rows = tokens.keys(('""', None, None, "0", "1", "0", "1", "258", "0"))
-        tokens.expect("0")
-        at = [row[0] for row in rows]
-        if times is not None and at != times:
-            raise TextError("the entries of a matrix have keys at different frames")
-        times = at
-        columns.append(numbers([row[1] for row in rows], MATRIX))
-    if tokens.left():
-        raise TextError("a matrix of more than sixteen entries")
-    entries = Bounded(np.stack([c.value for c in columns], axis=1), np.stack([c.error for c in columns], axis=1))
-    return Matrix(numbers(times), entries)
+    columns = []
+    while at < len(text):
+        entry = _ENTRY.match(text, at)
+        if entry is None:
+            raise TextError(f"{text[at:at + 60]!r} is no entry of a matrix")
+        at = entry.end()
+        columns.append(_columns(entry))
+    if len(columns) != 16 or any(column[1] != columns[0][1] for column in columns):
+        raise TextError("not sixteen entries with keys at the same frames")
+    entries = stacked([MATRIX.read_all(column[2]) for column in columns], axis=1)
+    return Matrix(CURVE.read_all(columns[0][1]), entries)

@@ -5,10 +5,9 @@ of its last digit, and what is computed from printed numbers for all that these 
 the curve by 0.05 pixels more, as they turn into Bezier curves.
 """
 
-import json
 from dataclasses import dataclass
-from pathlib import Path
-from typing import Any, Dict, List, Optional, Tuple
+from functools import lru_cache
+from typing import List, Optional, Tuple
 
 import numpy as np
 
@@ -16,10 +15,9 @@ import nuke_script
 import shape_model
 from bounded import Bounded, carried, exact, stacked
 from findings import Findings
-from keyframe_text import half_units
 from nuke_script import Curve
-from shape_model import ARRIVING, LEAVING, STEPS, VERTEX, X_SPLINE, Contour, Layer, Outline
-from text_lines import TextError
+from shape_model import ARRIVING, LEAVING, VERTEX, X_SPLINE, Contour, Layer, Outline, Scene
+from texts import six_digits
 
 # Allowance for the arithmetic of doubles: coordinates go through a few homographies.
 ARITHMETIC = 1e-8
@@ -38,46 +36,22 @@ class Scramble:
         return (printed - self.bias) * (1.0 / self.scale)
 
 
-@dataclass(frozen=True)
-class Scene:
-    """What is exported: layers from the top of the stack, each in these views."""
-    project: Dict[str, Any]
-    layers: List[str]
-    views: Tuple[int, ...] = (0,)
-
-    def records(self) -> List[Dict[str, Any]]:
-        return [record for record in self.project["layers"] if record["name"] in self.layers]
-
-    @staticmethod
-    def of_golden(folder: Path) -> "Scene":
-        """What the checked-in exports of a folder show: the topmost layer of the goldens' project."""
-        project = json.loads((folder.parent.parent / "project.json").read_text(encoding="utf-8"))
-        return Scene(project, [project["layers"][0]["name"]])
-
-    def node_name(self, layer: Layer) -> str:
-        several = len(self.project.get("views", ["main"])) > 1
-        return _word(f"{layer.name}.{layer.view_name}" if several else layer.name)
-
-    def nodes(self) -> List[Layer]:
-        """In the order of the text: the lowest layer first."""
-        return [Layer(self.project, record, view) for record in reversed(self.records()) for view in self.views]
-
-
-def judge(tree: nuke_script.Tree, scene: Scene, with_matrix: bool, scramble: Scramble = Scramble()) -> Findings:
-    findings = Findings()
-    findings.same("name of the node", tree.node_name, _word(scene.records()[0]["name"]))
-    nodes = scene.nodes()
-    if findings.same("layers", [node.name for node in tree.layers], [scene.node_name(layer) for layer in nodes]):
-        for node, layer in zip(tree.layers, nodes):
-            try:
-                _judge_layer(findings, node, layer, scene, with_matrix, scramble)
-            except (TextError, ValueError) as error:
-                findings.problem(f"{node.name}: {error}")
-    return findings
+def judge(findings: Findings, tree: nuke_script.Tree, scene: Scene, with_matrix: bool,
+          scramble: Scramble = Scramble()) -> None:
+    """The lowest layer stands first."""
+    findings.same("name of the node", tree.node_name, _word(scene.layers[0][0].name))
+    layers = [layer for views in reversed(scene.layers) for layer in views]
+    if findings.same("layers", [node.name for node in tree.layers], [_node_name(layer) for layer in layers]):
+        for node, layer in zip(tree.layers, layers):
+            _judge_layer(findings, node, layer, scene, with_matrix, scramble)
 
 
 def _word(name: str) -> str:
     return name.replace(" ", "_")
+
+
+def _node_name(layer: Layer) -> str:
+    return _word(f"{layer.name}.{layer.view_name}" if layer.several_views else layer.name)
 
 
 def _judge_layer(findings: Findings, node: nuke_script.LayerNode, layer: Layer, scene: Scene, with_matrix: bool,
@@ -85,7 +59,8 @@ def _judge_layer(findings: Findings, node: nuke_script.LayerNode, layer: Layer, 
     findings.same(f"{node.name}: visible", node.visible, "0" if layer.record.get("hidden", False) else "1")
     if not findings.same(f"{node.name}: has a matrix", node.motion is not None, with_matrix and bool(layer.contours)):
         return
-    motion = _judge_motion(findings, node, layer) if node.motion is not None else None
+    if node.motion is not None:
+        findings.add(_judged_motion(node.motion, layer))
     names = [_word(contour.name) for contour in layer.contours]
     if not findings.same(f"{node.name}: shapes", [shape.name for shape in node.shapes], names):
         return
@@ -95,10 +70,12 @@ def _judge_layer(findings: Findings, node: nuke_script.LayerNode, layer: Layer, 
         flag = 8224 if contour.closed else 8192
         findings.same(f"{place}: flags", shape.flags, (flag, flag))
         _judge_attributes(findings, place, shape.attributes, layer, scene)
-        _Outlines(findings, place, shape, layer, contour, motion, with_matrix, scramble).judge()
+        findings.add(_judged_outlines(place, shape.main, shape.feather, layer, contour, node.motion, with_matrix,
+                                      scramble))
 
 
-def _judge_attributes(findings: Findings, place: str, found: Dict[str, str], layer: Layer, scene: Scene) -> None:
+def _judge_attributes(findings: Findings, place: str, values: Tuple[str, ...], layer: Layer, scene: Scene) -> None:
+    found = dict(zip(nuke_script.SHAPE_ATTRIBUTES, values))
     clip = scene.project["clips"][0]
     offset, end = clip.get("frameOffset", 0), clip["frameCount"] - 1
     if layer.first == layer.last:
@@ -117,11 +94,8 @@ def _judge_attributes(findings: Findings, place: str, found: Dict[str, str], lay
     findings.same(f"{place}: attributes", {name: found[name] for name in expected}, expected)
     fill = layer.record.get("colour", [255] * 4)
     for suffix, colour in (("", fill), ("o", layer.record.get("overlayColour", fill))):
-        printed = [found[name + suffix] for name in "rgb"]
-        # A channel prints with six significant digits, without those that are zero at the end.
-        findings.same(f"{place}: digits of colour", printed, [f"{float(text):.6g}" for text in printed])
-        values = np.array([float(text) for text in printed])
-        findings.compare("colour", values, np.array(colour[:3]) / 255.0, half_units(values) + ARITHMETIC, place)
+        printed = [six_digits(found[name + suffix]) for name in "rgb"]
+        findings.printed("colour", printed, np.array(colour[:3]) / 255.0, ARITHMETIC, place)
 
 
 def _lines(layer: Layer) -> np.ndarray:
@@ -137,14 +111,14 @@ def _compare_times(findings: Findings, place: str, found: Bounded, frames: List[
     return True
 
 
-def _judge_motion(findings: Findings, node: nuke_script.LayerNode, layer: Layer) -> Optional[nuke_script.Matrix]:
-    """The matrix of every frame; None when it is the identity."""
-    motion = nuke_script.matrix(node.motion)
-    frames = list(layer.frames())
-    if not findings.same(f"{node.name}: moves", motion is not None, len(frames) > 1) or motion is None:
-        return None
-    if not _compare_times(findings, node.name, motion.times, frames, layer):
-        raise TextError("keys of the matrix")
+@lru_cache(maxsize=64)
+def _judged_motion(text: str, layer: Layer) -> Findings:
+    """The matrix of every frame, which is the identity for a single one."""
+    findings, motion, frames = Findings(), nuke_script.matrix(text), list(layer.frames())
+    if not findings.same(f"{layer.name}: moves", motion is not None, len(frames) > 1) or motion is None:
+        return findings
+    if not _compare_times(findings, layer.name, motion.times, frames, layer):
+        return findings
     expected = np.zeros((len(frames), 4, 4))
     lines = _lines(layer)
     for matrix, frame in zip(expected, frames):
@@ -154,22 +128,40 @@ def _judge_motion(findings: Findings, node: nuke_script.LayerNode, layer: Layer)
     # Entries are sums of products of a size that the text doesn't show; that of the largest bounds it.
     entries = motion.entries
     findings.compare("matrix", entries.value, expected.reshape(-1, 16),
-                     entries.error + 1e-12 * np.abs(expected).max(), node.name)
-    return motion
+                     entries.error + 1e-12 * np.abs(expected).max(), layer.name)
+    return findings
+
+
+@lru_cache(maxsize=256)
+def _judged_outlines(place: str, main: str, feather: str, layer: Layer, contour: Contour, motion: Optional[str],
+                     with_matrix: bool, scramble: Scramble) -> Findings:
+    """What is found of a shape is remembered, as a fault spoils one of many."""
+    findings = Findings()
+    matrix = nuke_script.matrix(motion) if motion is not None else None
+    _Outlines(findings, place, layer, contour, matrix, with_matrix, scramble).judge(
+        nuke_script.points(main), nuke_script.points(feather))
+    return findings
+
+
+@lru_cache(maxsize=None)
+def _expected(layer: Layer, contour: Contour, frame: int, feather: bool, apart: bool) -> Outline:
+    """In full-frame lines: as the contour is seen, or as it lies in the plane when the motion stands apart."""
+    outline = layer.plane(contour, frame, feather) if apart else layer.seen(contour, frame, feather)
+    return outline.lines(layer.line_height)
 
 
 class _Outlines:
     """The keys of a shape held against its contour."""
 
-    def __init__(self, findings: Findings, place: str, shape: nuke_script.Shape, layer: Layer, contour: Contour,
+    def __init__(self, findings: Findings, place: str, layer: Layer, contour: Contour,
                  motion: Optional[nuke_script.Matrix], with_matrix: bool, scramble: Scramble) -> None:
-        self._findings, self._place, self._shape = findings, place, shape
+        self._findings, self._place = findings, place
         self._layer, self._contour, self._motion, self._scramble = layer, contour, motion, scramble
         self._apart = with_matrix and layer.first != layer.last
 
-    def judge(self) -> None:
-        frames = self._frames()
-        main, feather = self._read(self._shape.main, frames), self._read(self._shape.feather, frames)
+    def judge(self, main_points: List[Tuple[Curve, Curve]], feather_points: List[Tuple[Curve, Curve]]) -> None:
+        frames = self._layer.keys_of(self._contour) if self._apart else list(self._layer.frames())
+        main, feather = self._read(main_points, frames), self._read(feather_points, frames)
         if main is None or feather is None:
             return
         feather_values, plain = feather[0], self._descrambled(main[0])
@@ -184,19 +176,8 @@ class _Outlines:
         if self._motion is not None and self._contour.bezier:
             self._compare_motion((plain,) + main[1:], feather, frames)
 
-    def _frames(self) -> List[int]:
-        """Host frames of the keys."""
-        first, last = self._layer.first, self._layer.last
-        if not self._apart:
-            return list(self._layer.frames())
-        return sorted({first, last} | {frame for frame in self._contour.frames if first <= frame <= last})
-
     def _expected(self, frame: int, feather: bool) -> Outline:
-        if self._apart:
-            outline = self._contour.plane(frame, feather)
-        else:
-            outline = self._layer.seen(self._contour, frame, feather)
-        return outline.lines(self._layer.line_height)
+        return _expected(self._layer, self._contour, frame, feather, self._apart)
 
     def _read(self, points: List[Tuple[Curve, Curve]], frames: List[int]):
         """Values, left and right slopes (keys, vertices, 3, 2); slopes are None for a single key."""
@@ -264,7 +245,7 @@ class _Outlines:
             place = f"{self._place} at frame {frame}"
             if self._contour.bezier:
                 if self._findings.same(f"{place}: vertices", len(found.points), len(expected.points)):
-                    self._findings.compare(name + "curve", found.dense(STEPS), expected.dense(STEPS),
+                    self._findings.compare(name + "curve", found.dense, expected.dense,
                                            error + ARITHMETIC, place)
                 continue
             away = shape_model.apart(found, expected)
@@ -281,7 +262,7 @@ class _Outlines:
             entries, keep = self._motion.entries[i], np.ix_([0, 1, 3], [0, 1, 3])
             matrix = Bounded(entries.value.reshape(4, 4)[keep], entries.error.reshape(4, 4)[keep])
             for name, points, feathered in zip(("seen", "feather seen"), plane, (False, True)):
-                expected = self._layer.seen(self._contour, frame, feathered).lines(self._layer.line_height)
+                expected = _expected(self._layer, self._contour, frame, feathered, False)
                 found, drawn = carried(matrix, points), expected.drawn()
                 self._findings.compare(name, found.value[drawn], expected.points[drawn], found.error[drawn] + ARITHMETIC,
                                        f"{self._place} at frame {frame}")
