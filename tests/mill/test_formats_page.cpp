@@ -144,12 +144,12 @@ QString sectionOf(FormatEntry const& entry, Evidence const& evidence)
     FormatTraits const& traits = entry.traits();
     DataFormatBase const& format = entry.format();
     QString const className = classOf(entry);
-    QString text = "### `" + entry.key() + "`\n\n";
+    QString text = "## `" + entry.key() + "`\n\n";
     text += format.displayName() + " (" + kindWord(entry.kind()) + (format.isLegacy() ? ", legacy" : "") + "), ";
     text += format.extension().isEmpty() ? QString("no file of its own") : "`" + format.extension() + "`";
     text += format.numFiles() > 1 ? ", " + QString::number(format.numFiles()) + " files" : QString();
     text += "; `" + className + "` in `" + headerOf(className) + "`.\n\n";
-    text += QString("- Way in: ") + traits.wayIn + "\n";
+    text += QString("- Brought in: ") + traits.wayIn + "\n";
     text += "- Follows: " +
             words(traits.honours, {{HonoursLayers, "several layers"},
                                    {HonoursViews, "several views"},
@@ -165,7 +165,7 @@ QString sectionOf(FormatEntry const& entry, Evidence const& evidence)
                                  {NeedsLens, "a lens"}}) +
             ".\n";
     text += *traits.breaksField ? QString("- Names must not hold any of `") + traits.breaksField + "`.\n" : QString();
-    text += QString("- Can't hold: ") + traits.limits + "\n";
+    text += QString("- Limits: ") + traits.limits + "\n";
     text += "- Verified: golden `" + evidence.golden + "`";
     for (auto it = evidence.bounds.begin(); it != evidence.bounds.end(); ++it)
     {
