@@ -132,7 +132,7 @@ TEST_F(ImportCommand, RefusalsWriteNothing)
     {
         expectRefused(QStringList{"corners", table, "-o", "p.json"} + options, status, words);
     }
-    expectRefused({"pictures"}, 2, "import: there is no command \"pictures\"; there are corners, colmap");
+    expectRefused({"pictures"}, 2, "there is no command \"pictures\"; there are corners, colmap");
 }
 
 TEST_F(ImportCommand, KeepsAnOldProjectUnlessToldOtherwise)
