@@ -11,6 +11,7 @@
 #include "Host/PluginHost.h"
 #include "Host/ShapeExporter.h"
 #include "Host/TrackingExporter.h"
+#include "ProjectBuilder.h"
 #include "marlohost/ProjectFile.h"
 
 #include <gtest/gtest.h>
@@ -22,12 +23,6 @@
 
 #include <cstdlib>
 #include <functional>
-#include <ostream>
-
-inline void PrintTo(QString const& text, std::ostream* out)
-{
-    *out << '"' << text.toStdString() << '"';
-}
 
 /// Runs the statements in a process of their own, where no format was used and no
 /// factory was asked before.
@@ -72,17 +67,11 @@ inline MarloHost::LayerModel layer(QString const& name)
 /// One clip of 100 frames and these layers, the first on top.
 inline MarloHost::ProjectModel projectOf(std::vector<MarloHost::LayerModel> layers, QString const& current = QString())
 {
-    MarloHost::ProjectModel model;
-    MarloHost::ClipModel clip;
-    clip.name = QStringLiteral("plate");
-    clip.width = 1920;
-    clip.height = 1080;
-    clip.frameCount = 100;
-    model.clips.push_back(clip);
-    model.layers = std::move(layers);
-    model.currentLayer = current;
-    model.currentFrame = 7;
-    return model;
+    ProjectBuilder builder(100);
+    builder.model.layers = std::move(layers);
+    builder.model.currentLayer = current;
+    builder.model.currentFrame = 7;
+    return builder.model;
 }
 
 /// A triangle that comes from a Veil ML model in the views of those names.

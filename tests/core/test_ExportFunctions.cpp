@@ -1,5 +1,6 @@
 #include "Core/ExportFunctions.h"
 #include "CoreFixtures.h"
+#include "ScratchFolder.h"
 #include "marlohost/Services.h"
 
 #include <boost/make_shared.hpp>
@@ -66,7 +67,7 @@ public:
 
     Korvane::ExportedFiles getExportResult(KORV_ProjectManager&, QString const& path) const override
     {
-        ++runs;
+        paths.append(path);
         Korvane::ExportedFiles here = result;
         here.files.clear();
         for (auto file = result.files.begin(); file != result.files.end(); ++file)
@@ -94,7 +95,7 @@ public:
     char const* reason = nullptr;
     Korvane::ExportedFiles result;
     QString name = "Fake";
-    mutable int runs = 0;
+    mutable QStringList paths;
 };
 
 /// Keeps the lines of usage records.
@@ -117,12 +118,6 @@ public:
     QStringList lines;
 };
 
-QByteArray contentOf(QString const& path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("<none>");
-}
-
 class ExportFunctionsTest : public testing::Test
 {
 protected:
@@ -131,7 +126,7 @@ protected:
         MarloHost::HostServices services;
         services.applicationContext = m_usage;
         m_project = MarloHost::makeProject(projectOf({layer("plane")}, "plane"), QString(), services);
-        m_provider.path = m_folder.filePath("shot.txt");
+        m_provider.path = m_folder.path("shot.txt");
     }
 
     std::pair<bool, QString> toDisk(std::shared_ptr<FakeWrapper> const& wrapper, ExportFileInfo const& info = {})
@@ -149,7 +144,7 @@ protected:
         std::make_shared<FakeWrapper>(QMap<QString, QByteArray>{{"{path}", "text"}});
     boost::shared_ptr<UsageRecords> const m_usage = boost::make_shared<UsageRecords>();
     boost::shared_ptr<KORV_ProjectManager> m_project;
-    QTemporaryDir m_folder;
+    ScratchFolder m_folder;
     ScriptedProvider m_provider;
     MarloHost::MemoryClipboard m_clipboard;
 };
@@ -160,7 +155,7 @@ TEST_F(ExportFunctionsTest, DiskExportAsksWritesAndTells)
 {
     m_wrapper->result.failedCount = 3;
     EXPECT_EQ(toDisk(m_wrapper), Written(true, m_folder.path()));
-    EXPECT_EQ(contentOf(m_provider.path), QByteArray("text"));
+    EXPECT_EQ(m_folder.read("shot.txt"), QByteArray("text"));
     EXPECT_EQ(m_provider.log, (QStringList{"path suggested", "failures 3 m", "write shot.txt", "notices n"}));
     EXPECT_EQ(m_usage->lines, QStringList("ExportData ExportFormat=Fake shared"));
 }
@@ -171,7 +166,15 @@ TEST_F(ExportFunctionsTest, AnImpossibleExportAsksNothing)
     EXPECT_EQ(thrown<std::logic_error>([&] { toDisk(m_wrapper); }), QString("No layers"));
     EXPECT_EQ(thrown<std::logic_error>([&] { copyToClipboard(m_wrapper, *m_project, m_provider, m_clipboard); }),
               QString("No layers"));
-    EXPECT_EQ(m_wrapper->runs, 0);
+    EXPECT_TRUE(m_wrapper->paths.isEmpty());
+    EXPECT_TRUE(m_provider.log.isEmpty());
+}
+
+TEST_F(ExportFunctionsTest, ThereMustBeAnExportToRun)
+{
+    EXPECT_THROW(toDisk(nullptr), KORV_BadArgument);
+    EXPECT_THROW(copyToClipboard(nullptr, *m_project, m_provider, m_clipboard), KORV_BadArgument);
+    EXPECT_THROW(exportBatch({{m_wrapper, {}, m_provider.path}, {}}, *m_project, m_provider), KORV_BadArgument);
     EXPECT_TRUE(m_provider.log.isEmpty());
 }
 
@@ -184,7 +187,7 @@ TEST_F(ExportFunctionsTest, NothingIsExportedWithoutATarget)
 
     m_provider.path.clear();
     EXPECT_EQ(toDisk(m_wrapper), Written(false, "/start"));
-    EXPECT_EQ(m_wrapper->runs, 0);
+    EXPECT_TRUE(m_wrapper->paths.isEmpty());
 }
 
 TEST_F(ExportFunctionsTest, AbandonedAndEmptyExportsWriteNothing)
@@ -197,17 +200,17 @@ TEST_F(ExportFunctionsTest, AbandonedAndEmptyExportsWriteNothing)
     empty->result.failedCount = 1;
     EXPECT_EQ(toDisk(empty), Written(false, "/start"));
     EXPECT_EQ(m_provider.log, (QStringList{"path suggested", "failures 0 m", "path suggested", "failures 1 m"}));
-    EXPECT_TRUE(QDir(m_folder.path()).isEmpty());
+    EXPECT_TRUE(m_folder.names().isEmpty());
     EXPECT_TRUE(m_usage->lines.isEmpty());
 }
 
 TEST_F(ExportFunctionsTest, DeclinedFilesAreLeftOut)
 {
     auto const both = std::make_shared<FakeWrapper>(
-        QMap<QString, QByteArray>{{"{path}", "text"}, {m_folder.filePath("other.txt"), "other"}});
+        QMap<QString, QByteArray>{{"{path}", "text"}, {m_folder.path("other.txt"), "other"}});
     m_provider.declined = QStringList{"shot.txt"};
     EXPECT_EQ(toDisk(both), Written(true, m_folder.path()));
-    EXPECT_EQ(QDir(m_folder.path()).entryList(QDir::Files), QStringList("other.txt"));
+    EXPECT_EQ(m_folder.names(), QStringList("other.txt"));
 
     m_provider.declined.append("other.txt");
     m_provider.log.clear();
@@ -215,28 +218,19 @@ TEST_F(ExportFunctionsTest, DeclinedFilesAreLeftOut)
     EXPECT_FALSE(m_provider.log.contains("notices n"));
 }
 
-TEST_F(ExportFunctionsTest, MissingFoldersAreMade)
-{
-    m_provider.path = m_folder.filePath("a/b/shot.txt");
-    EXPECT_EQ(toDisk(m_wrapper), Written(true, m_folder.filePath("a/b")));
-    EXPECT_EQ(contentOf(m_provider.path), QByteArray("text"));
-}
-
 TEST_F(ExportFunctionsTest, AllUnwritableFoldersAreNamedBeforeAnythingIsWritten)
 {
-    QFile file(m_folder.filePath("file"));
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    file.close();
-    QString const inFile = m_folder.filePath("file");
+    m_folder.write("file", "");
+    QString const inFile = m_folder.path("file");
     EXPECT_EQ(failureOf({{"{path}", "text"},
-                         {m_folder.filePath("new/shot.txt"), "text"},
+                         {m_folder.path("new/shot.txt"), "text"},
                          {inFile + "/deep/shot.txt", ""},
                          {inFile + "/shot.txt", ""},
                          {inFile + "/shot2.txt", ""},
                          {"/proc/%1/shot.txt", ""}}),
               QString("Cannot write to following paths.\nMake sure you have the necessary permissions:\n") +
                   (QFileInfo("/proc").isWritable() ? "" : "/proc/%1\n") + inFile + "\n" + inFile + "/deep\n");
-    EXPECT_EQ(QDir(m_folder.path()).entryList(QDir::AllEntries | QDir::NoDotAndDotDot), QStringList("file"));
+    EXPECT_EQ(m_folder.names(), QStringList("file"));
     EXPECT_FALSE(m_provider.log.contains("write shot.txt"));
 }
 
@@ -252,18 +246,19 @@ TEST_F(ExportFunctionsTest, AFolderThatCantBeMadeAfterAllIsNamedToo)
 TEST_F(ExportFunctionsTest, AFileThatCantBeWrittenIsNamedAndEarlierOnesStay)
 {
     ASSERT_TRUE(QDir(m_folder.path()).mkdir("z%1.txt"));
-    EXPECT_EQ(failureOf({{"{path}", "text"}, {m_folder.filePath("z%1.txt"), "text"}}),
-              "Could not write to file " + m_folder.filePath("z%1.txt"));
-    EXPECT_EQ(contentOf(m_provider.path), QByteArray("text"));
+    EXPECT_EQ(failureOf({{"{path}", "text"}, {m_folder.path("z%1.txt"), "text"}}),
+              "Could not write to file " + m_folder.path("z%1.txt"));
+    EXPECT_EQ(m_folder.read("shot.txt"), QByteArray("text"));
     EXPECT_FALSE(m_provider.log.contains("notices n"));
     EXPECT_TRUE(m_usage->lines.isEmpty());
 }
 
 TEST_F(ExportFunctionsTest, ClipboardTakesTheOneTextAsUtf8)
 {
-    auto const wrapper = std::make_shared<FakeWrapper>(QMap<QString, QByteArray>{{"<{path}>", "\xc3\xa4"}});
+    auto const wrapper = std::make_shared<FakeWrapper>(QMap<QString, QByteArray>{{"a", "\xc3\xa4"}});
     copyToClipboard(wrapper, *m_project, m_provider, m_clipboard);
     EXPECT_EQ(m_clipboard.text(), QString(QChar(0xe4)));
+    EXPECT_EQ(wrapper->paths, QStringList(""));
     EXPECT_EQ(m_provider.log, (QStringList{"failures 0 m", "notices n"}));
 }
 
@@ -292,15 +287,15 @@ protected:
         wrapper->result.failedCount = 2;
         wrapper->result.messages = QStringList{content};
         wrapper->result.notices[0].title = content;
-        return {wrapper, {}, m_folder.filePath(fileName)};
+        return {wrapper, {}, m_folder.path(fileName)};
     }
 };
 
 TEST_F(BatchTest, ResultsAreMergedAndWrittenInPathOrder)
 {
     EXPECT_TRUE(exportBatch({item("b", "one"), item("a", "two"), item("b", "three")}, *m_project, m_provider));
-    EXPECT_EQ(contentOf(m_folder.filePath("a")), QByteArray("two"));
-    EXPECT_EQ(contentOf(m_folder.filePath("b")), QByteArray("three"));
+    EXPECT_EQ(m_folder.read("a"), QByteArray("two"));
+    EXPECT_EQ(m_folder.read("b"), QByteArray("three"));
     EXPECT_EQ(m_provider.log, (QStringList{"failures 6 one|two|three", "write a", "write b", "notices one|two|three"}));
     EXPECT_EQ(m_usage->lines, (QStringList{"ExportData ExportFormat=one shared", "ExportData ExportFormat=two shared",
                                            "ExportData ExportFormat=three shared"}));
@@ -316,7 +311,7 @@ TEST_F(BatchTest, AnItemThatFailsEndsTheBatchBeforeAnythingIsWritten)
                   }),
               QString("No camera data."));
     EXPECT_TRUE(m_provider.log.isEmpty());
-    EXPECT_TRUE(QDir(m_folder.path()).isEmpty());
+    EXPECT_TRUE(m_folder.names().isEmpty());
 }
 
 TEST_F(BatchTest, AbandonedDeclinedAndEmptyBatchesWriteNothing)
@@ -328,7 +323,7 @@ TEST_F(BatchTest, AbandonedDeclinedAndEmptyBatchesWriteNothing)
     EXPECT_TRUE(m_usage->lines.isEmpty());
     m_provider.declined = QStringList{"a"};
     EXPECT_FALSE(exportBatch({item("a", "one")}, *m_project, m_provider));
-    EXPECT_TRUE(QDir(m_folder.path()).isEmpty());
+    EXPECT_TRUE(m_folder.names().isEmpty());
 }
 
 }

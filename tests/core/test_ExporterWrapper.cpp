@@ -120,6 +120,9 @@ TEST(ExporterWrapper, ShapesOfVeilContoursAreRefused)
     EXPECT_EQ(reasonAgainst(shape({ZN::AllLayers, ""}, nullptr), *project), refusal);
     MarloHost::setCurrentLayer(*project, 2);
     EXPECT_EQ(reasonAgainst(shape({ZN::SelectedLayer, ""}, nullptr), *project), refusal);
+    ShapeExporterWrapper const bothViews({{ZN::SpecifiedLayer, "plain"}, {Anm::View(0), Anm::View(1)}}, shapeFormat(),
+                                         false, nullptr);
+    EXPECT_EQ(reasonAgainst(bothViews, *project), refusal);
     ShapeExporterWrapper const withoutViews({{ZN::AllLayers, ""}, {}}, shapeFormat(), false, nullptr);
     EXPECT_EQ(reasonAgainst(withoutViews, *project), QString());
 }
@@ -142,7 +145,6 @@ TEST(ExporterWrapper, TracksGetTheUsersOptions)
     Project const project = MarloHost::makeProject(projectOf({top, layer("twin"), layer("twin")}, "top"));
     UserTrackingOptions options;
     options.trackingOption = ZN_TRACKING_OPTION_OFFSET;
-    options.invert = true;
     options.undistort = true;
     options.referenceFrame = Anm::Context(Anm::Time::fromInt(0), Anm::View::defaultView());
     options.viewsToExport = {Anm::View(5), Anm::View(6)};
@@ -154,7 +156,7 @@ TEST(ExporterWrapper, TracksGetTheUsersOptions)
     EXPECT_EQ(exporter->options.trackingOption, ZN_TRACKING_OPTION_OFFSET);
     EXPECT_EQ(exporter->options.layerExportMode, ZN::SpecifiedLayer);
     EXPECT_EQ(exporter->options.views, options.viewsToExport);
-    EXPECT_TRUE(exporter->options.invert && exporter->options.undistort);
+    EXPECT_TRUE(exporter->options.undistort && !exporter->options.invert);
     EXPECT_EQ(exporter->options.viewMode, 1);
 }
 
@@ -217,19 +219,8 @@ TEST(ExporterWrapper, ShapesAreExportedByWhatTheFactoryHasNow)
     ShapeExporterWrapper const wrapper = shape({}, std::make_shared<FakeShapeExporter>());
     EXPECT_EQ(thrown<KORV_BadArgument>([&] { wrapper.getExportResult(*project, "a"); }),
               QString("Invalid export format"));
-    RegisteredShapes const registered(nullptr);
-    EXPECT_EQ(thrown<std::logic_error>([&] { wrapper.getExportResult(*project, "a"); }),
-              QString("No exporter for format"));
-}
-
-TEST(ExporterWrapper, ShapeTextKnowsAboutThePluginHost)
-{
-    auto const exporter = std::make_shared<FakeShapeExporter>();
-    MarloHost::MemoryClipboard clipboard;
-    shape({}, exporter, true).setClipboardText(clipboard, "text");
-    EXPECT_EQ(clipboard.text(), QString("text to host"));
-    shape({}, exporter, false).setClipboardText(clipboard, "text");
-    EXPECT_EQ(clipboard.text(), QString("text to desktop"));
+    RegisteredShapes const registered(std::make_shared<FakeShapeExporter>(QMap<QString, QByteArray>{{"a", "1"}}));
+    EXPECT_EQ(wrapper.getExportResult(*project, "a").files.size(), 1);
 }
 
 TEST(ExporterWrapper, CamerasAreExportedInTheDefaultView)
@@ -275,9 +266,24 @@ TEST(ExporterWrapper, LensTextIsStoredAsUtf8)
     auto const result = wrapper.getExportResult(*project, "a.lens");
     EXPECT_EQ(result.files, (QMap<QString, QByteArray>{{"a.lens", "\xc3\xa4 3 4"}}));
     EXPECT_EQ(wrapper.filenameSuggestion(*project), QString("sh010"));
-    MarloHost::MemoryClipboard clipboard;
-    wrapper.setClipboardText(clipboard, "text");
-    EXPECT_EQ(clipboard.text(), QString("text"));
+}
+
+// A shape format may do it in a way of its own, see FakeShapeExporter.
+TEST(ExporterWrapper, TheTextReachesTheClipboard)
+{
+    std::shared_ptr<ExporterWrapper> const wrappers[] = {
+        std::make_shared<TrackingExporterWrapper>(std::make_shared<FakeTrackingExporter>(), UserTrackingOptions(),
+                                                  false, "Tracks"),
+        std::make_shared<CameraSolveExporterWrapper>(UserCameraSolveOptions(), false, "Camera",
+                                                     std::make_shared<FakeCameraSolveExporter>()),
+        std::make_shared<LensExporterWrapper>(1, std::any(), "Lens", boost::make_shared<FakeLensExporter>()),
+    };
+    for (auto const& wrapper : wrappers)
+    {
+        MarloHost::MemoryClipboard clipboard;
+        wrapper->setClipboardText(clipboard, "text");
+        EXPECT_EQ(clipboard.text(), QString("text")) << wrapper->formatDisplayName().toStdString();
+    }
 }
 
 }

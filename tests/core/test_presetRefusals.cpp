@@ -6,8 +6,6 @@
 
 #include <nlohmann/json.hpp>
 
-#include <streambuf>
-
 using namespace Export;
 using namespace PresetTexts;
 using nlohmann::json;
@@ -30,10 +28,11 @@ std::string camera(std::string const& options)
     return exportWith("camera", options);
 }
 
-TEST(PresetRefusals, OurOwnWords)
+TEST(PresetRefusals, Words)
 {
     std::string const expected = "Invalid preset type: expected ";
     std::string const modes = R"("selected", "all", "visible", "specified", but got )";
+    std::string const wrongType = "[json.exception.type_error.302] type must be ";
     std::string const noLayer = "'exportMode' mode is 'specified' but no 'layer' provided";
     struct
     {
@@ -41,7 +40,6 @@ TEST(PresetRefusals, OurOwnWords)
         std::string words;
     } const cases[] = {
         {fileWith(R"({"type": "lens"})"), expected + R"("tracking", "shape", "camera", but got lens)"},
-        {fileWith(R"({"type": "Shape"})"), expected + R"("tracking", "shape", "camera", but got Shape)"},
         {tracking(R"({"trackingOption": ""})"), expected + R"("basic", "adjusted", "offset", "stabilized", but got )"},
         {tracking(R"({"layerExportMode": "none"})"), expected + modes + "none"},
         {shape(R"({"exportMode": "fü"})"), expected + modes + "fü"},
@@ -60,60 +58,13 @@ TEST(PresetRefusals, OurOwnWords)
         {shape(R"({"viewsToExport": [0, 18446744073709551615]})"),
          "'viewsToExport' must be from -2147483648 to 2147483647 but got 1.8446744073709552e+19"},
         {shape(R"({"viewsToExport": [0.5]})"), "'viewsToExport' must hold whole numbers but got 0.5"},
-    };
-    for (auto const& [text, words] : cases)
-    {
-        EXPECT_EQ(CoreTest::thrown<CustomJsonException>([&, &refused = text] { parsed(refused); }).toStdString(), words)
-            << text;
-    }
-}
-
-TEST(PresetRefusals, WordsOfTheJsonLibrary)
-{
-    std::string const noKey = "[json.exception.out_of_range.403] key ";
-    std::string const noObject = "[json.exception.type_error.304] cannot use at() with ";
-    std::string const noOptions = "[json.exception.type_error.306] cannot use value() with ";
-    std::string const wrongType = "[json.exception.type_error.302] type must be ";
-    struct
-    {
-        std::string text;
-        std::string words;
-    } const cases[] = {
-        {"{}", noKey + "'presets' not found"},
-        {"[]", noObject + "array"},
-        {"null", noObject + "null"},
-        {"1", noObject + "number"},
-        {R"({"presets": {}})", wrongType + "array, but is object"},
-        {R"({"presets": 3})", wrongType + "array, but is number"},
-        {R"({"presets": [[]]})", noObject + "array"},
-        {R"({"presets": [{"name": "p"}]})", noKey + "'exports' not found"},
-        {R"({"presets": [{"exports": []}]})", noKey + "'name' not found"},
-        {R"({"presets": [{"name": 7, "exports": []}]})", wrongType + "string, but is number"},
-        {R"({"presets": [{"name": "p", "exports": {"a": 1}}]})", wrongType + "array, but is object"},
-        {R"({"presets": [{"name": "p", "exports": "a"}]})", wrongType + "array, but is string"},
-        {R"({"version": "1", "presets": []})", wrongType + "number, but is string"},
+        // In the library's words. Which keys of tracking presets are asked for and which types they
+        // have, a reader holds against the schema.
         {R"({"version": true, "presets": []})", wrongType + "number, but is boolean"},
-        {R"({"version": null, "presets": []})", wrongType + "number, but is null"},
-        {fileWith("1"), noObject + "number"},
-        {fileWith("{}"), noKey + "'type' not found"},
-        {fileWith(R"({"type": 1})"), wrongType + "string, but is number"},
-        {fileWith(R"({"type": "shape"})"), noKey + "'format' not found"},
-        {fileWith(R"({"type": "shape", "format": null})"), wrongType + "string, but is null"},
-        {fileWith(R"({"type": "shape", "format": "f"})"), noKey + "'options' not found"},
-        {fileWith(R"({"type": "shape", "format": "f", "options": {}, "filePath": null})"),
-         wrongType + "string, but is null"},
-        {tracking("[]"), noOptions + "array"},
-        {shape("null"), noOptions + "null"},
-        {camera(R"("all")"), noOptions + "string"},
-        {tracking(R"({"trackingOption": 1})"), wrongType + "string, but is number"},
-        {tracking(R"({"invert": 1})"), wrongType + "boolean, but is number"},
+        {shape("null"), "[json.exception.type_error.306] cannot use value() with null"},
+        {camera(R"("all")"), "[json.exception.type_error.306] cannot use value() with string"},
         {tracking(R"({"undistort": "true"})"), wrongType + "boolean, but is string"},
-        {tracking(R"({"referenceFrame": "12"})"), wrongType + "number, but is string"},
-        {tracking(R"({"referenceFrame": true})"), wrongType + "number, but is boolean"},
-        {tracking(R"({"layerExportMode": null})"), wrongType + "string, but is null"},
-        {tracking(R"({"layerExportMode": "specified", "layer": 1})"), wrongType + "string, but is number"},
-        {tracking(R"({"viewsToExport": 0})"), wrongType + "array, but is number"},
-        {shape(R"({"viewsToExport": [true]})"), wrongType + "number, but is boolean"},
+        {tracking(R"({"viewsToExport": [true]})"), wrongType + "number, but is boolean"},
         {shape(R"({"viewsToExport": ["left"]})"), wrongType + "number, but is string"},
         {camera(R"({"customData": []})"), wrongType + "object, but is array"},
         {R"({"version": 1e999})", "[json.exception.out_of_range.406] number overflow parsing '1e999'"},
@@ -125,19 +76,6 @@ TEST(PresetRefusals, WordsOfTheJsonLibrary)
     }
 }
 
-TEST(PresetRefusals, WhatIsNoJson)
-{
-    std::string const good = R"({"presets": []})";
-    for (std::string const& text :
-         {std::string(), "// mine\n" + good, "/* mine */" + good, good + good, good + ",",
-          std::string(R"({"presets": [],})"), std::string(R"({'presets': []})"), std::string(R"({"presets": [NaN]})"),
-          std::string("{\"presets\xff\": []}"), std::string("{\"presets\": [\"\n\"]}"), std::string("\xef\xbb" + good)})
-    {
-        EXPECT_THROW(parsed(text), json::parse_error) << text;
-    }
-    EXPECT_TRUE(parsed("\xef\xbb\xbf" + good).isEmpty()) << "editors put a byte order mark there";
-}
-
 TEST(PresetRefusals, OtherVersions)
 {
     for (std::string const version : {"2", "0", "-1", "1.5", "1e300"})
@@ -147,7 +85,7 @@ TEST(PresetRefusals, OtherVersions)
                   "Bad preset file version.")
             << version;
     }
-    EXPECT_TRUE(parsed(R"({"version": 1.0, "presets": []})").isEmpty());
+    EXPECT_TRUE(parsed("\xef\xbb\xbf{\"version\": 1.0, \"presets\": []}").isEmpty()) << "with a byte order mark";
 }
 
 /// Whatever is done to a good file, it is taken or refused in the ways that are told.
@@ -158,10 +96,6 @@ TEST(PresetRefusals, DamagedFiles)
          "referenceFrame": 12, "layerExportMode": "specified", "layer": "Sign", "viewsToExport": [0, 1]}},
         {"type": "camera", "format": "f", "options": {"customData": {"a": true, "b": "c"}}}]}], "version": 1})";
     ASSERT_EQ(parsed(good).size(), 1);
-    for (std::size_t length = 0; length < good.size(); ++length)
-    {
-        EXPECT_THROW(parsed(good.substr(0, length)), json::parse_error) << length;
-    }
     int refused = 0;
     for (std::size_t i = 0; i < good.size(); ++i)
     {
@@ -210,28 +144,6 @@ TEST(PresetRefusals, Depth)
     EXPECT_EQ(refusal("[" + text + "," + nested(31) + "]"), tooDeep) << "the string has ended";
 }
 
-/// Gives one character for ever, as a device might.
-class Endless : public std::streambuf
-{
-public:
-    explicit Endless(char c) : m_chunk(4096, c)
-    {
-    }
-
-    std::size_t given = 0;
-
-protected:
-    int_type underflow() override
-    {
-        given += m_chunk.size();
-        setg(m_chunk.data(), m_chunk.data(), m_chunk.data() + m_chunk.size());
-        return traits_type::to_int_type(m_chunk[0]);
-    }
-
-private:
-    std::string m_chunk;
-};
-
 TEST(PresetRefusals, Size)
 {
     constexpr std::size_t most = 16 * 1024 * 1024;
@@ -241,10 +153,9 @@ TEST(PresetRefusals, Size)
     std::string const tooLong = "The presets are longer than 16777216 bytes";
     EXPECT_EQ(CoreTest::thrown<CustomJsonException>([&] { parsed(text + ' '); }).toStdString(), tooLong);
 
-    Endless buffer('[');
-    std::istream stream(&buffer);
+    std::istringstream stream(std::string(2 * most, '['));
     EXPECT_EQ(CoreTest::thrown<CustomJsonException>([&] { deserialisePresets(stream); }).toStdString(), tooLong);
-    EXPECT_LT(buffer.given, most + 100'000) << "nothing is read that isn't looked at";
+    EXPECT_LT(static_cast<std::size_t>(stream.tellg()), most + 100'000) << "nothing is read that isn't looked at";
 }
 
 TEST(PresetRefusals, TheEndOfAStreamIsNoError)

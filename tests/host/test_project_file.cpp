@@ -12,7 +12,6 @@
 
 #include <cmath>
 
-using MarloHost::ProjectModel;
 using MarloHost::readProject;
 using MarloHost::writeProject;
 
@@ -44,7 +43,7 @@ QByteArray fullProject()
   "playback": [2, 17],
   "trim": [1, 18],
   "layers": [
-    { "name": "A", "insertClip": "b", "group": "in", "surface": { "corners": [0, 0, 10, 0, 0, 10, 10, 10] } },
+    { "name": "A", "insertClip": "b", "group": "in", "surface": { "referenceFrame": 0, "corners": [0, 0, 10, 0, 0, 10, 10, 10] } },
     { "name": "B \"%1\"/\u00fc", "clip": "b", "in": 2, "out": 8, "hidden": true, "selected": true, "moving": true,
       "surface": { "referenceFrame": 3, "corners": [0.1, 0, 10, 0, 0, 10, 10, 10] },
       "tracking": [
@@ -138,20 +137,9 @@ TEST(ProjectFile, FootageNamesItsFiles)
     EXPECT_EQ(clips.getClipInfo(3, false), nullptr);
 }
 
-TEST(ProjectFile, WritingAndReadingGivesTheSameText)
+TEST(ProjectFile, WritingLosesNothing)
 {
-    QByteArray const once = writeProject(readProject(fullProject(), "full.json"));
-    EXPECT_EQ(writeProject(readProject(once, "once.json")), once);
-    // No key was lost on the way: those of the full project all stand in the text.
-    for (char const* key : {"pixelAspect", "interlaced", "frameOffset", "views", "parent", "moving", "currentFrame",
-                            "currentView", "displayClip", "playback", "trim", "referenceFrame", "frames", "firstFrame",
-                            "adjust", "stabilize", "rangeStart", "rangeEnd", "fixedFrames"})
-    {
-        EXPECT_TRUE(once.contains('"' + QByteArray(key) + "\": ")) << key;
-    }
-    ProjectModel const model = readProject(once, "once.json");
-    EXPECT_EQ(model.layers[1].tracks[0].homographies[10], 0.3);
-    EXPECT_EQ(model.layers[1].tracks[0].homographies[15], 1e-7);
+    expectWrittenAsRead(fullProject());
 }
 
 TEST(ProjectFile, AFactorOnAHomographyMeansNothing)
@@ -183,6 +171,8 @@ TEST_P(Refused, WithPathAndCauseInOneLine)
     expectRefused(fullProject(), GetParam());
 }
 
+// What a schema can tell and what of one thing contradicts another, a reader holds against the
+// program; here are the words, and limits that come from elsewhere in the project.
 INSTANTIATE_TEST_SUITE_P(
     Table, Refused,
     testing::Values(
@@ -190,56 +180,26 @@ INSTANTIATE_TEST_SUITE_P(
         Refusal{"\"marloProject\": 1,", "", "$", "\"marloProject\" is missing"},
         Refusal{"23.976", "\"24\"", "$.frameRate", "expected a number, found a string"},
         Refusal{"23.976", "0", "$.frameRate", "out of range"}, Refusal{"23.976", "1e999", "$.frameRate", "line 3"},
-        Refusal{"23.976", "NaN", "$.frameRate", "line 3"},
-        Refusal{"\"height\": 576", "\"height\": 575", "$.clips[0]", "even height"},
-        Refusal{"\"width\": 720", "\"width\": 720.5", "$.clips[0].width", "whole number"},
         Refusal{"\"width\": 720", "\"widht\": 720", "$.clips[0].widht", "unknown key; the keys here are name, width"},
         Refusal{"\"width\": 720", "\"name\": 720", "$.clips[0].name", "twice"},
-        Refusal{"\"kind\": \"movie\"", "\"kind\": \"film\"", "$.clips[1].footage.kind", "\"sequence\", \"movie\""},
         Refusal{"\"kind\": \"movie\"", "\"kind\": \"solid\"", "$.clips[1].footage.file", "doesn't have it"},
-        Refusal{"\"insertClip\": \"b\"", "\"insertClip\": \"c\"", "$.layers[0].insertClip", "no clip"},
-        Refusal{"\"name\": \"b\"", "\"name\": \"plate\"", "$.clips[1].name", "taken"},
-        Refusal{"\"left\", \"right\"", "\"left\", \"left\"", "$.views[1]", "must differ"},
-        Refusal{"\"left\", \"right\"", "\"left\", 7", "$.views[1]", "expected a string"},
-        Refusal{"\"parent\": \"out\"", "\"parent\": \"nobody\"", "$.groups[0]", "no group \"nobody\""},
-        Refusal{"\"name\": \"out\"", "\"name\": \"out\", \"parent\": \"in\"", "$.groups[0]", "inside itself"},
-        Refusal{"\"group\": \"in\"", "\"group\": \"nobody\"", "$.layers[0].group", "no group"},
-        Refusal{"\"clip\": \"b\"", "\"clip\": \"c\"", "$.layers[1].clip", "no clip \"c\""},
-        Refusal{"\"out\": 8", "\"out\": 1", "$.layers[1].out", "ends before it starts"},
         Refusal{"\"out\": 8", "\"out\": 10", "$.layers[1].out", "out of range"},
         Refusal{"[0.1, 0, 10, 0, 0, 10, 10, 10]", "[0, 0, 10, 0, 0, 10, 10]", "$.layers[1].surface.corners",
                 "expected 8 numbers, found 7"},
-        Refusal{"[0.1, 0, 10, 0, 0, 10, 10, 10]", "[0, 0, 10, 0, 20, 0, 10, 10]", "$.layers[1].surface.corners",
-                "on a line"},
         Refusal{"[0.1, 0, 10, 0, 0, 10, 10, 10]", "[0, 0, 10, 0, 10, 10, 0, 10]", "$.layers[1].surface.corners",
                 "crosses itself"},
         Refusal{"[0.1, 0, 10, 0, 0, 10, 10, 10]", "[0, 0, 10, 0, 0, 10, 2, 2]", "$.layers[1].surface.corners",
                 "bends inward"},
         Refusal{"\"rangeEnd\": 7", "\"rangeEnd\": 2", "$.layers[1].stabilize.rangeEnd", "before it starts"},
-        Refusal{"[0.1, 0, 10, 0, 0, 10, 10, 10]", "[0, 0, 10, true, 0, 10, 10, 10]", "$.layers[1].surface.corners[3]",
-                "found a boolean"},
-        Refusal{"1, 0.3, 0, 0, 1, 0, 1e-7, 0, 1]", "1, 0.3, 0, 0, 1, 0, 1e-7, 0]",
-                "$.layers[1].tracking[0].homographies", "nine"},
         Refusal{"1, 0.3, 0, 0, 1, 0, 1e-7, 0, 1]", "1, 2, 3, 2, 4, 6, 0, 0, 1]", "$.layers[1].tracking[0].homographies",
                 "homography 1 (numbers 9 to 17) is singular"},
-        Refusal{"\"view\": \"right\"", "\"view\": \"left\"", "$.layers[1].tracking[1]", "already"},
-        Refusal{"\"view\": \"right\"", "\"view\": \"top\"", "$.layers[1].tracking[1]", "no view"},
-        Refusal{"\"frames\": [2, 5]", "\"frames\": [5, 2]", "$.layers[1].tracking[1].frames", "ascend"},
         Refusal{"\"frames\": [2, 5]", "\"frames\": [2]", "$.layers[1].tracking[1].frames", "1 frames for 2"},
-        Refusal{"\"frames\": [2, 5]", "\"frames\": [2, 5], \"firstFrame\": 2", "$.layers[1].tracking[1].firstFrame",
-                "not both"},
         Refusal{"\"firstFrame\": 3", "\"firstFrame\": 9", "$.layers[1].tracking[0].homographies", "don't fit"},
-        Refusal{"{ \"frame\": 3, \"off", "{ \"frame\": 4, \"offsets\": [1,2,3,4,5,6,7,8] }, { \"frame\": 3, \"off",
-                "$.layers[1].adjust[1].frame", "ascend"},
-        Refusal{"\"currentView\": \"right\"", "\"currentView\": \"up\"", "$.currentView", "no view \"up\""},
         Refusal{"\"currentFrame\": 4", "\"currentFrame\": 20", "$.currentFrame", "out of range"},
-        Refusal{"[2, 17]", "[17, 2]", "$.playback", "ends before"}, Refusal{"[2, 17]", "[2, 20]", "$.playback", "20"},
-        Refusal{"[2, 17]", "[2, 17", "$.playback[3]", "line 21"}));
+        Refusal{"[2, 17]", "[2, 20]", "$.playback", "20"}, Refusal{"[2, 17]", "[2, 17", "$.playback[3]", "line 21"}));
 
 TEST(ProjectFile, HostileTextsAreRefusedBeforeATreeIsBuilt)
 {
-    EXPECT_THROW(readProject(QByteArray(), "empty"), KORV_BadFile);
-    EXPECT_THROW(readProject("[]", "array"), KORV_BadFile);
     EXPECT_THROW(readProject(QByteArray(50'000'000, '['), "deep"), KORV_BadFile);
     EXPECT_THROW(readProject(QByteArray("{\"a\":").repeated(1'000'000), "deep"), KORV_BadFile);
     QByteArray keys = "{";
@@ -248,29 +208,11 @@ TEST(ProjectFile, HostileTextsAreRefusedBeforeATreeIsBuilt)
         keys += '"' + QByteArray::number(i) + "\":0,";
     }
     EXPECT_THROW(readProject(keys, "keys"), KORV_BadFile);
-    EXPECT_THROW(readProject("{\"marloProject\": \"\xff\xfe\"}", "bytes"), KORV_BadFile);
-
     // Cut off anywhere: an error, never a project and never a crash.
     QByteArray const text = fullProject();
     for (int length = 0; length < text.size(); ++length)
     {
         EXPECT_THROW(readProject(text.left(length), "cut"), KORV_BadFile) << length;
-    }
-}
-
-TEST(ProjectFile, FilesThatCannotBeReadAreNamed)
-{
-    for (QString const path : {"/nowhere/project.json", "/"})
-    {
-        try
-        {
-            MarloHost::readProjectFile(path);
-            FAIL();
-        }
-        catch (KORV_BadFile const& error)
-        {
-            EXPECT_TRUE(error.message().startsWith(path + ": ")) << error.what();
-        }
     }
 }
 

@@ -13,30 +13,16 @@ TEST(Names, OnlyBlanksBecomeUnderscores)
     EXPECT_EQ(name, QStringLiteral(" Layer 1  sky\tß "));
 }
 
-TEST(Names, PlaceholdersInPathAndMessageStay)
-{
-    EXPECT_EQ(Text::pathMessage(QStringLiteral("/a/%1 %2.txt"), QStringLiteral("%1 of 100%")),
-              QStringLiteral("/a/%1 %2.txt: %1 of 100%"));
-}
-
 class Clock : public testing::Test
 {
 protected:
-    void SetUp() override
-    {
-        m_before = qgetenv("SOURCE_DATE_EPOCH");
-    }
-
     void TearDown() override
     {
-        if (m_before.isNull())
-            qunsetenv("SOURCE_DATE_EPOCH");
-        else
-            qputenv("SOURCE_DATE_EPOCH", m_before);
+        m_before.isNull() ? qunsetenv("SOURCE_DATE_EPOCH") : qputenv("SOURCE_DATE_EPOCH", m_before);
     }
 
 private:
-    QByteArray m_before;
+    QByteArray m_before = qgetenv("SOURCE_DATE_EPOCH");
 };
 
 TEST_F(Clock, VariablePinsTheTime)

@@ -1,8 +1,6 @@
+#include "ScratchFolder.h"
 #include "text/PartFile.h"
 
-#include <QDir>
-#include <QFile>
-#include <QTemporaryDir>
 #include <gtest/gtest.h>
 
 #include <csignal>
@@ -42,13 +40,12 @@ void limitFileSize(rlim_t bytes)
     ::setrlimit(RLIMIT_FSIZE, &limit);
 }
 
-class PartFile : public testing::Test
+class PartFile : public testing::Test, protected ScratchFolder
 {
 protected:
     void SetUp() override
     {
-        ASSERT_TRUE(m_folder.isValid());
-        ASSERT_EQ(::chmod(QFile::encodeName(m_folder.path()).constData(), 0777), 0);
+        ASSERT_EQ(::chmod(QFile::encodeName(path("")).constData(), 0777), 0);
         m_umask = ::umask(022);
     }
 
@@ -57,30 +54,16 @@ protected:
         ::umask(m_umask);
     }
 
-    QString at(QString const& name) const
-    {
-        return m_folder.filePath(name);
-    }
-
     void put(QString const& name, QByteArray const& bytes, mode_t permissions = 0644) const
     {
-        QFile file(at(name));
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-        file.write(bytes);
-        file.close();
-        ASSERT_EQ(::chmod(QFile::encodeName(at(name)).constData(), permissions), 0);
-    }
-
-    QByteArray content(QString const& name) const
-    {
-        QFile file(at(name));
-        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("(none)");
+        write(name, bytes);
+        ASSERT_EQ(::chmod(QFile::encodeName(path(name)).constData(), permissions), 0);
     }
 
     struct stat statOf(QString const& name) const
     {
         struct stat result = {};
-        ::lstat(QFile::encodeName(at(name)).constData(), &result);
+        ::lstat(QFile::encodeName(path(name)).constData(), &result);
         return result;
     }
 
@@ -91,26 +74,20 @@ protected:
 
     void link(QString const& to, QString const& name) const
     {
-        ASSERT_EQ(::symlink(QFile::encodeName(to).constData(), QFile::encodeName(at(name)).constData()), 0);
-    }
-
-    QStringList names() const
-    {
-        return QDir(m_folder.path()).entryList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot);
+        ASSERT_EQ(::symlink(QFile::encodeName(to).constData(), QFile::encodeName(path(name)).constData()), 0);
     }
 
 private:
-    QTemporaryDir m_folder;
     mode_t m_umask = 0;
 };
 
 TEST_F(PartFile, WritesANewFileWithOrdinaryPermissions)
 {
     ::umask(027);
-    EXPECT_TRUE(Text::writeWholeFile(at("pin.txt"), "1\n2\n"));
-    EXPECT_TRUE(Text::writeWholeFile(at("empty.txt"), QByteArray()));
-    EXPECT_EQ(content("pin.txt"), "1\n2\n");
-    EXPECT_EQ(content("empty.txt"), "");
+    EXPECT_TRUE(Text::writeWholeFile(path("pin.txt"), "1\n2\n"));
+    EXPECT_TRUE(Text::writeWholeFile(path("empty.txt"), QByteArray()));
+    EXPECT_EQ(read("pin.txt"), "1\n2\n");
+    EXPECT_EQ(read("empty.txt"), "");
     EXPECT_EQ(permissions("pin.txt"), 0640u);
     EXPECT_EQ(names(), QStringList({"empty.txt", "pin.txt"}));
 }
@@ -119,9 +96,9 @@ TEST_F(PartFile, ReplacesAFileAndKeepsItsPermissionsAndOwner)
 {
     put("pin.txt", "a longer text than the new one", 0606);
     bool const isRoot = ::geteuid() == 0;
-    ASSERT_TRUE(!isRoot || ::chown(QFile::encodeName(at("pin.txt")).constData(), 1234, 4321) == 0);
-    EXPECT_TRUE(Text::writeWholeFile(at("pin.txt"), "new"));
-    EXPECT_EQ(content("pin.txt"), "new");
+    ASSERT_TRUE(!isRoot || ::chown(QFile::encodeName(path("pin.txt")).constData(), 1234, 4321) == 0);
+    EXPECT_TRUE(Text::writeWholeFile(path("pin.txt"), "new"));
+    EXPECT_EQ(read("pin.txt"), "new");
     EXPECT_EQ(permissions("pin.txt"), 0606u);
     EXPECT_EQ(statOf("pin.txt").st_uid, isRoot ? 1234u : ::geteuid());
     EXPECT_EQ(statOf("pin.txt").st_gid, isRoot ? 4321u : ::getegid());
@@ -130,19 +107,19 @@ TEST_F(PartFile, ReplacesAFileAndKeepsItsPermissionsAndOwner)
 
 TEST_F(PartFile, WritesThroughLinks)
 {
-    ASSERT_TRUE(QDir(at("")).mkpath("shots/010"));
+    ASSERT_TRUE(QDir(path("")).mkpath("shots/010"));
     put("shots/pin.txt", "old");
     link("shots/010", "current");
     // Through the folder's link: ".." is shots, not the folder that holds the link.
     link("current/../pin.txt", "relative");
-    link(at("relative"), "absolute");
+    link(path("relative"), "absolute");
     link("shots/new.txt", "dangling");
 
-    EXPECT_TRUE(Text::writeWholeFile(at("absolute"), "new"));
-    EXPECT_TRUE(Text::writeWholeFile(at("dangling"), "made"));
+    EXPECT_TRUE(Text::writeWholeFile(path("absolute"), "new"));
+    EXPECT_TRUE(Text::writeWholeFile(path("dangling"), "made"));
 
-    EXPECT_EQ(content("shots/pin.txt"), "new");
-    EXPECT_EQ(content("shots/new.txt"), "made");
+    EXPECT_EQ(read("shots/pin.txt"), "new");
+    EXPECT_EQ(read("shots/new.txt"), "made");
     for (char const* name : {"relative", "absolute", "dangling"})
         EXPECT_TRUE(S_ISLNK(statOf(name).st_mode)) << name;
     EXPECT_EQ(names(), QStringList({"absolute", "current", "dangling", "relative", "shots"}));
@@ -151,13 +128,13 @@ TEST_F(PartFile, WritesThroughLinks)
 TEST_F(PartFile, TakesARelativePathAndTheLongestName)
 {
     QString const before = QDir::currentPath();
-    ASSERT_TRUE(QDir::setCurrent(at("")));
+    ASSERT_TRUE(QDir::setCurrent(path("")));
     QString const longest(255, QLatin1Char('n'));
     EXPECT_TRUE(Text::writeWholeFile("pin.txt", "here"));
     EXPECT_TRUE(Text::writeWholeFile(longest, "long"));
     QDir::setCurrent(before);
-    EXPECT_EQ(content("pin.txt"), "here");
-    EXPECT_EQ(content(longest), "long");
+    EXPECT_EQ(read("pin.txt"), "here");
+    EXPECT_EQ(read(longest), "long");
     EXPECT_EQ(names().size(), 2);
 }
 
@@ -165,25 +142,25 @@ TEST_F(PartFile, LeavesForeignPartFilesAlone)
 {
     QString const foreign = QStringLiteral(".pin.txt.%1.part").arg(::getpid());
     put(foreign, "somebody else's");
-    EXPECT_TRUE(Text::writeWholeFile(at("pin.txt"), "new"));
-    EXPECT_EQ(content("pin.txt"), "new");
-    EXPECT_EQ(content(foreign), "somebody else's");
+    EXPECT_TRUE(Text::writeWholeFile(path("pin.txt"), "new"));
+    EXPECT_EQ(read("pin.txt"), "new");
+    EXPECT_EQ(read(foreign), "somebody else's");
     EXPECT_EQ(names().size(), 2);
 }
 
 TEST_F(PartFile, RefusesWhatIsNoWritableRegularFile)
 {
-    ASSERT_TRUE(QDir(at("")).mkdir("folder"));
-    ASSERT_EQ(::mkfifo(QFile::encodeName(at("pipe")).constData(), 0666), 0);
+    ASSERT_TRUE(QDir(path("")).mkdir("folder"));
+    ASSERT_EQ(::mkfifo(QFile::encodeName(path("pipe")).constData(), 0666), 0);
     link("round", "round");
     link("missing/new.txt", "nowhere");
     QStringList const before = names();
-    QString const cut = at("cut") + QChar::Null + QStringLiteral("off");
-    for (QString const& path : {at("folder"), at("folder/"), at("new/"), at("pipe"), at("round"), at("nowhere"),
-                                at("missing/new.txt"), cut, QString()})
+    QString const cut = path("cut") + QChar::Null + QStringLiteral("off");
+    for (QString const& path : {path("folder"), path("folder/"), path("new/"), path("pipe"), path("round"),
+                                path("nowhere"), path("missing/new.txt"), cut, QString()})
         EXPECT_FALSE(Text::writeWholeFile(path, "text")) << path.toStdString();
     EXPECT_EQ(names(), before);
-    EXPECT_TRUE(QDir(at("folder")).isEmpty());
+    EXPECT_TRUE(QDir(path("folder")).isEmpty());
     EXPECT_TRUE(S_ISFIFO(statOf("pipe").st_mode));
 }
 
@@ -204,19 +181,19 @@ class PartFileShortfall : public PartFile, public testing::WithParamInterface<Sh
 TEST_P(PartFileShortfall, LeavesTheOldTargetAndNothingElse)
 {
     put("pin.txt", "old", GetParam().file);
-    QByteArray const folder = QFile::encodeName(at(""));
+    QByteArray const folder = QFile::encodeName(path(""));
     ASSERT_EQ(::chmod(folder.constData(), GetParam().folder), 0);
     int const status = inChild(
         [this]
         {
             GetParam().prepare();
-            return Text::writeWholeFile(at("pin.txt"), QByteArray(GetParam().size, 'x')) ? 1 : 0;
+            return Text::writeWholeFile(path("pin.txt"), QByteArray(GetParam().size, 'x')) ? 1 : 0;
         });
     ASSERT_EQ(::chmod(folder.constData(), 0777), 0);
     if (status == notPossible)
         GTEST_SKIP();
     EXPECT_EQ(status, 0);
-    EXPECT_EQ(content("pin.txt"), "old");
+    EXPECT_EQ(read("pin.txt"), "old");
     EXPECT_EQ(permissions("pin.txt"), GetParam().file);
     EXPECT_EQ(names(), QStringList({"pin.txt"}));
 }
@@ -257,7 +234,7 @@ TEST_F(PartFile, InterruptHandlerRemovesThePartFile)
     int const ended = inChild(
         [this]
         {
-            expectedPart = QFile::encodeName(at(QStringLiteral(".pin.txt.%1.part").arg(::getpid())));
+            expectedPart = QFile::encodeName(path(QStringLiteral(".pin.txt.%1.part").arg(::getpid())));
             std::signal(SIGXFSZ,
                         [](int)
                         {
@@ -266,11 +243,11 @@ TEST_F(PartFile, InterruptHandlerRemovesThePartFile)
                             ::_exit(isThere ? 130 : 1);
                         });
             limitFileSize(50'000);
-            Text::writeWholeFile(at("pin.txt"), QByteArray(100'000, 'x'));
+            Text::writeWholeFile(path("pin.txt"), QByteArray(100'000, 'x'));
             return 0;
         });
     EXPECT_EQ(ended, 130);
-    EXPECT_EQ(content("pin.txt"), "old");
+    EXPECT_EQ(read("pin.txt"), "old");
     EXPECT_EQ(names(), QStringList({"pin.txt"}));
 }
 
@@ -282,14 +259,14 @@ TEST_F(PartFile, WorksOnAfterAnInterruptThatDidNotEndTheProgram)
         {
             std::signal(SIGXFSZ, [](int) { Text::removePartFile(); });
             limitFileSize(50'000);
-            bool const first = Text::writeWholeFile(at("pin.txt"), QByteArray(100'000, 'x'));
-            bool const second = Text::writeWholeFile(at("pin.txt"), "new");
+            bool const first = Text::writeWholeFile(path("pin.txt"), QByteArray(100'000, 'x'));
+            bool const second = Text::writeWholeFile(path("pin.txt"), "new");
             // Nothing is being written any more, so nothing is removed.
             Text::removePartFile();
             return !first && second ? 0 : 1;
         });
     EXPECT_EQ(status, 0);
-    EXPECT_EQ(content("pin.txt"), "new");
+    EXPECT_EQ(read("pin.txt"), "new");
     EXPECT_EQ(names(), QStringList({"pin.txt"}));
 }
 

@@ -1,5 +1,5 @@
 #pragma once
-// Project files with one fault each.
+// What is said of project files: that one is written as it was read, and those with one fault each.
 
 #include "QtPrinting.h"
 #include "marlohost/ProjectFile.h"
@@ -7,6 +7,7 @@
 #include "Host/KORV_Exception.h"
 
 #include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
 
 #include <ostream>
 
@@ -23,6 +24,14 @@ struct Refusal
 inline std::ostream& operator<<(std::ostream& out, Refusal const& refusal)
 {
     return out << refusal.by << " for " << refusal.replace;
+}
+
+/// Expects that a project file in the writer's own form is what the writer makes of it.
+inline void expectWrittenAsRead(QByteArray const& text)
+{
+    using nlohmann::json;
+    QByteArray const written = MarloHost::writeProject(MarloHost::readProject(text, QStringLiteral("full.json")));
+    EXPECT_EQ(json::diff(json::parse(text.toStdString()), json::parse(written.toStdString())), json::array());
 }
 
 /// Expects that the file is refused in one line.

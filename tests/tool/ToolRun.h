@@ -2,11 +2,9 @@
 // Runs the built program in a folder of its own.
 
 #include "ProjectBuilder.h"
+#include "ScratchFolder.h"
 
-#include <QDir>
-#include <QFile>
 #include <QProcess>
-#include <QTemporaryDir>
 
 #include <nlohmann/json.hpp>
 
@@ -41,14 +39,14 @@ struct ToolResult
 };
 
 /// An empty folder, in which the program runs, with a clean environment.
-class ToolFolder
+class ToolFolder : public ScratchFolder
 {
 public:
     ToolResult run(QStringList const& arguments, std::function<void()> const& prepare = nullptr)
     {
         PreparedProcess process;
         process.prepare = prepare;
-        process.setWorkingDirectory(m_folder.path());
+        process.setWorkingDirectory(path("."));
         process.setProcessEnvironment(environment);
         process.start(QStringLiteral(MARLO_TOOL), arguments);
         ToolResult result;
@@ -61,35 +59,17 @@ public:
         return result;
     }
 
-    QString path(QString const& name) const
-    {
-        return m_folder.filePath(name);
-    }
-
-    void write(QString const& name, QByteArray const& bytes) const
-    {
-        QFile file(path(name));
-        if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size())
-        {
-            throw std::runtime_error("can't write " + name.toStdString());
-        }
-    }
+    using ScratchFolder::write;
 
     void write(QString const& name, ProjectBuilder const& project) const
     {
         write(name, MarloHost::writeProject(project.model));
     }
 
-    QByteArray read(QString const& name) const
-    {
-        QFile file(path(name));
-        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("<can't be read>");
-    }
-
     /// Relative paths of all files, hidden ones too.
     QStringList files() const
     {
-        return filesOf(QDir(m_folder.path()), QString());
+        return filesOf(QDir(path(".")), QString());
     }
 
     QProcessEnvironment environment = cleanEnvironment();
@@ -116,8 +96,6 @@ private:
         }
         return found;
     }
-
-    QTemporaryDir m_folder;
 };
 
 /// A short project with one tracked, current layer.

@@ -166,12 +166,8 @@ TEST(Program, HelpVersionAndWrongCommands)
         QStringList arguments;
         int status;
         char const* out;
-    } const cases[] = {{{"--help"}, 0, "Subcommands:"},
-                       {{"export", "--help"}, 0, "--reference-frame"},
-                       {{"import", "corners", "--help"}, 0, "--y-up"},
-                       {{}, 2, ""},
-                       {{"frobnicate"}, 2, ""},
-                       {{"formats", "extra"}, 2, ""}};
+    } const cases[] = {
+        {{"--help"}, 0, "Subcommands:"}, {{}, 2, ""}, {{"frobnicate"}, 2, ""}, {{"formats", "extra"}, 2, ""}};
     for (auto const& c : cases)
     {
         ToolResult const result = folder.run(c.arguments);

@@ -23,6 +23,22 @@ protected:
         return folder.run(QStringList{"import", "corners", "t.txt", "-o", "p.json"} + options);
     }
 
+    /// Expects that the arguments, which follow "import", end in one line with these words and
+    /// leave the files as they are.
+    void expectRefused(QStringList const& arguments, int status, char const* words)
+    {
+        SCOPED_TRACE(arguments.join(' ').toStdString());
+        QStringList const before = folder.files();
+        ToolResult const result = folder.run(QStringList("import") + arguments);
+        EXPECT_EQ(result.status, status);
+        EXPECT_TRUE(result.err.contains(words) && result.err.count('\n') == 1) << result.err.toStdString();
+        EXPECT_EQ(folder.files(), before);
+        if (arguments.contains("--json"))
+        {
+            EXPECT_EQ(result.json().at("status"), "failed");
+        }
+    }
+
     ToolFolder folder;
 };
 
@@ -86,45 +102,37 @@ TEST_F(ImportCommand, DoubtsMirroredAndCrossedCorners)
 
 TEST_F(ImportCommand, RefusalsWriteNothing)
 {
+    folder.write("t.txt", TABLE);
+    folder.write("short.txt", "1 2 3\n");
+    folder.write("empty.txt", "");
     struct
     {
-        QByteArray table;
+        char const* table;
         QStringList options;
         int status;
         char const* words;
     } const cases[] = {
-        {"1 2 3\n", {"--size", "640x480"}, 3, "t.txt: line 1: 3 values"},
-        {"", {"--size", "640x480"}, 3, "t.txt: no usable row"},
-        {"1 2 3\n", {"--size", "640x480", "--json"}, 3, "t.txt: line 1: 3 values"},
-        {TABLE, {"--size", "640x480", "--order", "ul,ur,ll,lr"}, 3, "line 2: the corners of frame 10 cross"},
-        {TABLE, {}, 2, "--size is required"},
-        {TABLE, {"--size", "640"}, 2, "\"640\" isn't WIDTHxHEIGHT"},
-        {TABLE, {"--size", "0x480"}, 2, "isn't WIDTHxHEIGHT"},
-        {TABLE, {"--size", "640x480x2"}, 2, "isn't WIDTHxHEIGHT"},
-        {TABLE, {"--size", "640x480", "--fps", "0"}, 2, "isn't a rate"},
-        {TABLE, {"--size", "640x480", "--fps", "nan"}, 2, "isn't a rate"},
-        {TABLE, {"--size", "640x480", "--fps", "23,976"}, 2, "isn't a rate"},
-        {TABLE, {"--size", "640x480", "--order", "ul,ur,lr"}, 2, "isn't ul, ur, lr and ll"},
-        {TABLE, {"--size", "640x480", "--order", "ul,ur,lr,lr"}, 2, "isn't ul, ur, lr and ll"},
-        {TABLE, {"--size", "640x480", "--name", ""}, 2, "--name"},
-        {TABLE, {"--size", "640x480", "-o", "-"}, 2, ""},
+        {"short.txt", {"--size", "640x480", "--json"}, 3, "short.txt: line 1: 3 values"},
+        {"empty.txt", {"--size", "640x480"}, 3, "empty.txt: no usable row"},
+        {"none.txt", {"--size", "640x480"}, 3, "none.txt: can't be opened"},
+        {"t.txt", {"--size", "640x480", "--order", "ul,ur,ll,lr"}, 3, "line 2: the corners of frame 10 cross"},
+        {"t.txt", {}, 2, "--size is required"},
+        {"t.txt", {"--size", "640"}, 2, "\"640\" isn't WIDTHxHEIGHT"},
+        {"t.txt", {"--size", "0x480"}, 2, "isn't WIDTHxHEIGHT"},
+        {"t.txt", {"--size", "640x480x2"}, 2, "isn't WIDTHxHEIGHT"},
+        {"t.txt", {"--size", "640x480", "--fps", "0"}, 2, "isn't a rate"},
+        {"t.txt", {"--size", "640x480", "--fps", "nan"}, 2, "isn't a rate"},
+        {"t.txt", {"--size", "640x480", "--fps", "23,976"}, 2, "isn't a rate"},
+        {"t.txt", {"--size", "640x480", "--order", "ul,ur,lr"}, 2, "isn't ul, ur, lr and ll"},
+        {"t.txt", {"--size", "640x480", "--order", "ul,ur,lr,lr"}, 2, "isn't ul, ur, lr and ll"},
+        {"t.txt", {"--size", "640x480", "--name", ""}, 2, "--name"},
+        {"t.txt", {"--size", "640x480", "-o", "-"}, 2, ""},
     };
-    for (auto const& c : cases)
+    for (auto const& [table, options, status, words] : cases)
     {
-        ToolResult const result = import(c.table, c.options);
-        SCOPED_TRACE(result.err.toStdString());
-        EXPECT_EQ(result.status, c.status);
-        EXPECT_TRUE(result.err.contains(c.words));
-        EXPECT_EQ(result.err.count('\n'), 1);
-        EXPECT_EQ(folder.files(), QStringList("t.txt"));
-        if (c.options.contains("--json"))
-        {
-            EXPECT_EQ(result.json().at("status"), "failed");
-        }
+        expectRefused(QStringList{"corners", table, "-o", "p.json"} + options, status, words);
     }
-    EXPECT_EQ(folder.run({"import", "corners", "none.txt", "-o", "p.json", "--size", "1x1"}).status, 3);
-    EXPECT_EQ(folder.run({"import", "pictures"}).err,
-              "marlo-export: there is no command \"pictures\"; there are corners, colmap\n");
+    expectRefused({"pictures"}, 2, "there is no command \"pictures\"; there are corners, colmap");
 }
 
 TEST_F(ImportCommand, KeepsAnOldProjectUnlessToldOtherwise)
@@ -139,7 +147,7 @@ TEST_F(ImportCommand, KeepsAnOldProjectUnlessToldOtherwise)
     EXPECT_EQ(folder.run({"import", "corners", "t.txt", "-o", ".", "--size", "640x480", "--overwrite"}).status, 1);
 }
 
-class ImportColmap : public testing::Test
+class ImportColmap : public ImportCommand
 {
 protected:
     void SetUp() override
@@ -155,8 +163,6 @@ protected:
     {
         return folder.run(QStringList{"import", "colmap", "m/", "-o", "shot.json"} + options);
     }
-
-    ToolFolder folder;
 };
 
 constexpr char OFF_CENTRE[] = "the principal point lies off the middle of the picture, by 4.00 pixels to the right and "
@@ -208,41 +214,21 @@ TEST_F(ImportColmap, TellsWhatItFoundAndLeftOut)
 
 TEST_F(ImportColmap, RefusalsWriteNothing)
 {
-    struct
-    {
-        char const* folder;
-        QStringList options;
-        int status;
-        char const* words;
-    } const cases[] = {
-        {"none", {}, 3, "none/cameras.txt: can't be opened"},
-        {"binary", {}, 3, "binary: holds a model in binary form; convert it to text"},
-        {"broken", {"--json"}, 3, "broken/cameras.txt: line 1: the camera model \"1\""},
-        {"m", {"-o", "-"}, 2, "import: -o needs the path of a project file"},
-        {"m", {"--fps", "0"}, 2, "isn't a rate"},
-        {"m", {"--size", "1x1"}, 2, "--size"},
-        {"", {}, 2, "DIR"},
-    };
     for (char const* const name : {"binary", "broken"})
     {
         QDir(folder.path("")).mkdir(name);
     }
     folder.write("binary/cameras.bin", "\x01");
     folder.write("broken/cameras.txt", "1 1 1 1\n");
-    for (auto const& c : cases)
-    {
-        QStringList const target = c.options.contains("-o") ? QStringList() : QStringList{"-o", "shot.json"};
-        ToolResult const result = folder.run(QStringList{"import", "colmap", c.folder} + target + c.options);
-        SCOPED_TRACE(result.err.toStdString());
-        EXPECT_EQ(result.status, c.status);
-        EXPECT_TRUE(result.err.contains(c.words));
-        EXPECT_EQ(result.err.count('\n'), 1);
-        EXPECT_FALSE(folder.files().contains("shot.json"));
-        if (c.options.contains("--json"))
-        {
-            EXPECT_EQ(result.json().at("status"), "failed");
-        }
-    }
+    expectRefused({"colmap", "none", "-o", "shot.json"}, 3, "none/cameras.txt: can't be opened");
+    expectRefused({"colmap", "binary", "-o", "shot.json"}, 3,
+                  "binary: holds a model in binary form; convert it to text");
+    expectRefused({"colmap", "broken", "-o", "shot.json", "--json"}, 3,
+                  "broken/cameras.txt: line 1: the camera model \"1\"");
+    expectRefused({"colmap", "m", "-o", "-"}, 2, "import: -o needs the path of a project file");
+    expectRefused({"colmap", "m", "-o", "shot.json", "--fps", "0"}, 2, "isn't a rate");
+    expectRefused({"colmap", "m", "-o", "shot.json", "--size", "1x1"}, 2, "--size");
+    expectRefused({"colmap", "", "-o", "shot.json"}, 2, "DIR");
 }
 
 }
