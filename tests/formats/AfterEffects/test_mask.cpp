@@ -1,4 +1,4 @@
-// After Effects masks: what decides about keys, pieces, opacity, blending and the header.
+// After Effects masks: what decides about keys, pieces, opacity and the header.
 
 #include "AfterEffects/MarloShapeAEExporter.h"
 #include "Host/Contour.h"
@@ -198,44 +198,20 @@ TEST(Mask, OpacityIsFullFromInToOutWithKeysThatMakeTheStep)
     }
 }
 
-TEST(Mask, TheFirstMaskOfTheFileIntersectsAndSubtractingLayersSubtract)
-{
-    ProjectBuilder builder = makeShot(2);
-    addLens(builder);
-    addLens(builder);
-    builder.addLayer("B").layer().subtract = true;
-    builder.layer().invert = true;
-    builder.layer().colour = {10, 20, 30, 40};
-    addLens(builder);
-    builder.addLayer("C");
-    addLens(builder);
-    QString const document = text(builder);
-    QStringList modes;
-    QStringList inverts;
-    for (int effect = 1; effect <= 4; ++effect)
-    {
-        modes += rows(document, "Blend mode", effect);
-        inverts += rows(document, "Invert", effect);
-    }
-    EXPECT_EQ(modes, QStringList({"\t\t3", "\t\t1", "\t\t2", "\t\t1"}));
-    EXPECT_EQ(inverts, QStringList({"\t\t0", "\t\t0", "\t\t1", "\t\t0"}));
-    EXPECT_EQ(document.count("Units Per Second"), 1);
-    EXPECT_EQ(rows(document, "Shape colour", 3), QStringList("\t\t40\t10\t20\t30"));
-}
-
 TEST(Mask, TheHeaderCountsFieldsAndHasTheSizeOfAPluginHost)
 {
+    EXPECT_EQ(text(makeShot(2)), "\nEnd of Keyframe Data\n") << "there is none without a mask";
     ProjectBuilder builder = makeShot(4);
     builder.clip().interlaced = true;
+    builder.layer().colour = {10, 20, 30, 40};
     addLens(builder);
-    EXPECT_TRUE(text(builder).contains("\tUnits Per Second\t48\n\tSource Width\t200\n\tSource Height\t100\n"));
+    addLens(builder);
+    QString const alone = text(builder);
+    EXPECT_TRUE(alone.contains("\tUnits Per Second\t48\n\tSource Width\t200\n\tSource Height\t100\n"));
+    EXPECT_EQ(alone.count("Units Per Second"), 1);
+    EXPECT_EQ(rows(alone, "Shape colour"), QStringList("\t\t40\t10\t20\t30"));
     EXPECT_TRUE(
         text(builder, insideOf(true)).contains("\tUnits Per Second\t48\n\tSource Width\t640\n\tSource Height\t480\n"));
-}
-
-TEST(Mask, WithoutMasksThereIsTheFooter)
-{
-    EXPECT_EQ(text(makeShot(2)), "\nEnd of Keyframe Data\n");
 }
 
 }
