@@ -81,6 +81,7 @@ INSTANTIATE_TEST_SUITE_P(
                     Case{{"shot.json", PIN, "-o", "PIN.TXT"}, 0, "", {"PIN.TXT"}},
                     Case{{"shot.json", PIN, "-o", "pin"}, 0, "", {"pin.txt"}},
                     Case{{"shot.json", PIN, "-o", "pin.txt"}, 0, "", {"pin.txt"}},
+                    Case{{"shot.json", PIN, "-o", "PIN.TXT"}, 0, "", {"PIN.TXT"}},
                     Case{{"shot.json", PIN, "-o", "new/deep/"}, 0, "", {"new/deep/Wall.txt"}},
                     Case{{"shot.json", PIN, "-o", "new/deep/pin"}, 0, "", {"new/deep/pin.txt"}},
                     Case{{"shot.json", PIN, "-o", "."}, 0, "", {"Wall.txt"}},

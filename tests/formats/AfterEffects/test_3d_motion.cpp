@@ -1,8 +1,8 @@
-// Camera solves as 3D motion text: the layout, and that every null has its document.
+// Camera solves as 3D motion text: features on request, eyes of a rig, and what the user is told.
 
 #include "AfterEffects/AE3DMotionExporter.h"
 #include "Host/KORV_Exception.h"
-#include "Host/PluginHost.h"
+#include "OtherProgram.h"
 #include "ProjectBuilder.h"
 
 #include <gtest/gtest.h>
@@ -39,27 +39,21 @@ MarloHost::PointCloudModel pointAt(double x, QString const& name)
     return cloud;
 }
 
-MarloHost::PoseModel restingAt(double x)
-{
-    MarloHost::PoseModel pose;
-    pose.positions = {x, 0, 0};
-    return pose;
-}
-
-Korvane::ExportedFiles run(KORV_ProjectManager& project, float version, std::any const& customData = {},
+Korvane::ExportedFiles run(AE3DMotionExporter const& exporter, KORV_ProjectManager& project,
+                           std::any const& customData = {},
                            std::vector<Anm::View> const& views = {Anm::View::defaultView()})
 {
     KV::ExportSpec spec;
     spec.layers = KV::Layers::FilterByPoints();
     spec.views = views;
     spec.customData = customData;
-    return AE3DMotionExporter(version).exportCameraSolve(project, "out.txt", spec, KV::CameraSolveExporter::AllObjects);
+    return exporter.exportCameraSolve(project, "out.txt", spec, KV::CameraSolveExporter::AllObjects);
 }
 
-QString textOf(ProjectBuilder const& builder, float version = 2.0F, std::any const& customData = {})
+QString textOf(ProjectBuilder const& builder, AE3DMotionExporter const& exporter = AE3DMotionExporter(2.0F),
+               std::any const& customData = {})
 {
-    auto const project = builder.make();
-    return QString::fromUtf8(run(*project, version, customData).files.value("out.txt"));
+    return QString::fromUtf8(run(exporter, *builder.make(), customData).files.value("out.txt"));
 }
 
 QStringList documentsOf(QString const& text)
@@ -79,230 +73,43 @@ QStringList rows(QString const& document, QString const& title)
     return block.left(block.indexOf("\n\n")).split('\n').mid(1);
 }
 
-TEST(Motion3D, TextOfACameraALayerAndAPoint)
-{
-    ProjectBuilder builder = scene();
-    builder.addLayer("My wall");
-    builder.layer().surfacePoints = pointAt(-0.5, "Spot 1");
-    builder.layer().surfacePoints->positions = {-0.5, 0.25, -1};
-
-    QString const header = "Adobe After Effects 6.0 Keyframe Data\n"
-                           "\n"
-                           "\tUnits Per Second\t24\n"
-                           "\tSource Width\t200\n"
-                           "\tSource Height\t100\n"
-                           "\tSource Pixel Aspect Ratio\t1\n"
-                           "\tComp Pixel Aspect Ratio\t1\n"
-                           "\n";
-    QString const turns = "\n"
-                          "Transform\tX Rotation\n"
-                          "\tFrame\tdegrees\n"
-                          "\t0\t0\n"
-                          "\n"
-                          "Transform\tY Rotation\n"
-                          "\tFrame\tdegrees\n"
-                          "\t0\t0\n"
-                          "\n"
-                          "Transform\tRotation\n"
-                          "\tFrame\tdegrees\n"
-                          "\t0\t0\n"
-                          "\n"
-                          "Transform\tScale\n"
-                          "\tFrame\tX percent\tY percent\tZ percent\n"
-                          "\t0\t100\t100\t100\n";
-    QString const position = "\nTransform\tPosition\n\tFrame\tX pixels\tY pixels\tZ pixels\n";
-    QString const footer = "\nEnd of Keyframe Data\n";
-
-    EXPECT_EQ(textOf(builder), "*Marlo 3D Track Importer 2.0 Data\n"
-                               "*FilmSize: 102.049\n"
-                               "*FocalLength: 102.049\n"
-                               "*NumberOfNulls: 2\n"
-                               "*NullParent: My_wall\n"
-                               "*NullObject: Spot 1 Parent: My_wall\n"
-                               "*EndHeader\n" +
-                                   header + position +
-                                   "\t0\t200\t-400\t-600\n"
-                                   "\t1\t300\t-400\t-600\n"
-                                   "\n"
-                                   "Transform\tX Rotation\n"
-                                   "\tFrame\tdegrees\n"
-                                   "\t0\t0\n"
-                                   "\t1\t0\n"
-                                   "\n"
-                                   "Transform\tY Rotation\n"
-                                   "\tFrame\tdegrees\n"
-                                   "\t0\t-30\n"
-                                   "\t1\t-45\n"
-                                   "\n"
-                                   "Transform\tRotation\n"
-                                   "\tFrame\tdegrees\n"
-                                   "\t0\t0\n"
-                                   "\t1\t0\n" +
-                                   footer + header + position + "\t0\t0\t0\t0\n" + turns + footer + header + position +
-                                   "\t0\t-100\t-50\t200\n" + turns + footer);
-}
-
-// Nothing but the order ties a document to its name. Each thing has a place of its own, by
-// which its document is told, in every combination of things there may be.
-TEST(Motion3D, NamesAndDocumentsPairUp)
-{
-    enum Thing
-    {
-        Group = 1,
-        Moving = 2,
-        Points = 4,
-        ParentedFeatures = 8,
-        FreeFeatures = 16,
-        ParentedAsset = 32,
-        FreeAsset = 64,
-        SecondFreeSet = 128
-    };
-    for (int things = 0; things < 256; ++things)
-    {
-        ProjectBuilder builder = scene();
-        builder.addLayer("La yer");
-        bool const isMoving = things & Moving;
-        bool const isCarried = (things & Group) && isMoving;
-        MarloHost::LayerModel& layer = builder.layer();
-        layer.moving = isMoving;
-        layer.pose = restingAt(2);
-        if (things & Group)
-        {
-            MarloHost::GroupModel group;
-            group.name = "Gr oup";
-            group.moving = true;
-            group.pose = restingAt(1);
-            builder.model.groups.push_back(group);
-            layer.group = group.name;
-        }
-        if (things & Points)
-        {
-            layer.surfacePoints = pointAt(4, "Po int");
-        }
-        MarloHost::SolveModel& solve = *builder.model.solve;
-        solve.featureRoot = restingAt(8);
-        if (things & ParentedFeatures)
-        {
-            solve.features.push_back({"carried", layer.name, false, false, pointAt(16, "Carried")});
-        }
-        if (things & FreeFeatures)
-        {
-            solve.features.push_back({"free", QString(), false, false, pointAt(32, "Free")});
-        }
-        if (things & SecondFreeSet)
-        {
-            solve.features.push_back({"also free", QString(), false, false, pointAt(256, "Also free")});
-        }
-        if (things & ParentedAsset)
-        {
-            solve.assets.push_back({"/models/table.v2.obj", layer.name, restingAt(64)});
-        }
-        if (things & FreeAsset)
-        {
-            solve.assets.push_back({"/models/lamp.obj", QString(), restingAt(128)});
-        }
-        double const world = 2 + (isCarried ? 1 : 0);
-        QMap<QString, double> const local{{"Gr_oup", 1},     {"La_yer", 2}, {"Po int", 4}, {"Static_auto_features", 8},
-                                          {"Carried", 16},   {"Free", 32},  {"table", 64}, {"lamp", 128},
-                                          {"Also free", 256}};
-        QMap<QString, double> const absolute{{"Po int", world + 4}, {"Carried", world + 16}, {"Free", 8 + 32},
-                                             {"table", 64},         {"lamp", 128},           {"Also free", 8 + 256}};
-        QMap<QString, QString> const parents{{"Gr_oup", ""},
-                                             {"La_yer", isCarried ? "Gr_oup" : ""},
-                                             {"Po int", "La_yer"},
-                                             {"Static_auto_features", ""},
-                                             {"Carried", "La_yer"},
-                                             {"Free", "Static_auto_features"},
-                                             {"Also free", "Static_auto_features"},
-                                             {"table", "La_yer"},
-                                             {"lamp", ""}};
-        int const expectedPoints = bool(things & Points) + bool(things & ParentedFeatures) +
-                                   bool(things & FreeFeatures) + bool(things & SecondFreeSet) +
-                                   bool(things & ParentedAsset) + bool(things & FreeAsset);
-        for (float const version : {1.0F, 2.0F})
-        {
-            SCOPED_TRACE(testing::Message() << "things " << things << ", version " << version);
-            bool const hierarchy = version == 2.0F;
-            QString const text = textOf(builder, version);
-            QStringList const documents = documentsOf(text);
-            QStringList const names = text.left(text.indexOf("*EndHeader")).split('\n', Qt::SkipEmptyParts).mid(4);
-            ASSERT_EQ(documents.size(), names.size() + 1);
-            ASSERT_TRUE(text.contains("*NumberOfNulls: " + QString::number(names.size()) + "\n"));
-            EXPECT_EQ(names.filter("*NullObject: ").size(), expectedPoints);
-            QStringList listed;
-            for (int i = 0; i < names.size(); ++i)
-            {
-                QStringList const parts = names[i].section(": ", 1).split(" Parent: ");
-                QString const name = parts[0];
-                EXPECT_EQ(parts.value(1), hierarchy ? parents[name] : QString()) << name.toStdString();
-                EXPECT_TRUE(parts.size() == 1 || listed.contains(parts[1])) << "its parent comes later";
-                double const x = (hierarchy ? local : absolute).value(name, -1);
-                EXPECT_EQ(rows(documents[i + 1], "Transform\tPosition"),
-                          QStringList{"\t0\t" + QString::number(x * 200) + "\t0\t0"})
-                    << name.toStdString();
-                listed.append(name);
-            }
-        }
-    }
-}
-
-TEST(Motion3D, FramesCountFromPlaybackAndHeadersFromTheWholeFrame)
-{
-    ProjectBuilder builder = scene();
-    builder.clip().interlaced = true;
-    builder.clip().pixelAspect = 2;
-    builder.clip().frameOffset = 1001;
-    builder.model.playbackIn = 1;
-    builder.model.solve->camera.focalLength = {36, {0, 1}, {36, 72}};
-    QString const text = textOf(builder);
-    QString const camera = documentsOf(text).value(0);
-
-    EXPECT_TRUE(camera.contains("\tSource Width\t400\n\tSource Height\t100\n\tSource Pixel Aspect Ratio\t2\n"));
-    EXPECT_EQ(rows(camera, "Transform\tY Rotation"), (QStringList{"\t-0.5\t-30", "\t0\t-45"}));
-    EXPECT_EQ(rows(camera, "Camera Options\tZoom"), (QStringList{"\t-0.5\t102.049", "\t0\t204.098"}));
-    EXPECT_TRUE(text.contains("*FocalLength: 102.049\n"));
-}
-
 TEST(Motion3D, FeaturesAreLeftOutOnRequest)
 {
     ProjectBuilder builder = scene();
     builder.model.solve->features.push_back({"set", QString(), false, false, pointAt(1, "Feature")});
-    auto const project = builder.make();
     QString const key = KV::CameraSolveExporter::UI().includeFeatures.key;
     using Map = QMap<QString, QVariant>;
-    struct Case
+    AE3DMotionExporter const exporter(2.0F);
+    for (auto const& [customData, included] :
+         {std::pair(std::any(), true), std::pair(std::any(Map{{key, true}}), true),
+          std::pair(std::any(Map{{key, false}}), false), std::pair(std::any(Map()), false)})
     {
-        std::any customData;
-        bool included;
-    };
-    for (Case const& testCase :
-         {Case{{}, true}, Case{Map{{key, true}}, true}, Case{Map{{key, false}}, false}, Case{Map(), false}})
-    {
-        EXPECT_EQ(textOf(builder, 2.0F, testCase.customData).contains("*NullObject: Feature"), testCase.included);
+        EXPECT_EQ(textOf(builder, exporter, customData).contains("*NullObject: Feature"), included);
     }
-    EXPECT_THROW(run(*project, 2.0F, 17), std::bad_any_cast);
+    EXPECT_THROW(textOf(builder, exporter, 17), std::bad_any_cast);
 
     builder.model.solve->legacy = true;
     EXPECT_FALSE(textOf(builder).contains("Feature"));
 }
 
-TEST(Motion3D, AStereoPairIsExportedOneEyeAtATime)
+TEST(Motion3D, AStereoPairIsExportedOneEyeAtATimeInCentimetres)
 {
     ProjectBuilder builder = scene();
     builder.model.views = QStringList{"left", "right"};
     builder.model.solve->stereo = MarloHost::StereoModel();
-    auto const project = builder.make();
-    Anm::View const left(0);
-    Anm::View const right(1);
-    QString const camera = documentsOf(textOf(builder)).value(0);
+    AE3DMotionExporter const exporter(2.0F);
+    QString const camera = documentsOf(textOf(builder, exporter)).value(0);
     EXPECT_EQ(rows(camera, "Transform\tPosition"),
               (QStringList{"\t0\t20000\t-40000\t-60000", "\t1\t30000\t-40000\t-60000"}));
+    QString const mono = documentsOf(textOf(scene(), exporter)).value(0);
+    EXPECT_EQ(rows(mono, "Transform\tPosition"), (QStringList{"\t0\t200\t-400\t-600", "\t1\t300\t-400\t-600"}))
+        << "by the same exporter";
 
-    auto const refused = [&](KORV_ProjectManager& source, std::vector<Anm::View> const& views)
+    auto const refused = [&](ProjectBuilder const& source, std::vector<Anm::View> const& views)
     {
         try
         {
-            run(source, 2.0F, {}, views);
+            run(exporter, *source.make(), {}, views);
         }
         catch (KORV_OperationFailed const& failure)
         {
@@ -310,11 +117,13 @@ TEST(Motion3D, AStereoPairIsExportedOneEyeAtATime)
         }
         return QString();
     };
+    Anm::View const left(0);
+    Anm::View const right(1);
     QString const noSolution = "No 3D solution ready, please solve the scene first";
-    EXPECT_EQ(refused(*project, {left, right}), noSolution);
-    EXPECT_EQ(refused(*project, {}), noSolution);
-    EXPECT_EQ(refused(*ProjectBuilder().make(), {left}), noSolution);
-    EXPECT_EQ(refused(*project, {right}), QString());
+    EXPECT_EQ(refused(builder, {left, right}), noSolution);
+    EXPECT_EQ(refused(builder, {}), noSolution);
+    EXPECT_EQ(refused(ProjectBuilder(), {left}), noSolution);
+    EXPECT_EQ(refused(builder, {right}), QString());
 }
 
 TEST(Motion3D, TellsWhatTheUserMustKnow)
@@ -323,14 +132,20 @@ TEST(Motion3D, TellsWhatTheUserMustKnow)
     builder.addLayer("Wall");
     builder.layer().surfacePoints = pointAt(1, "Spot");
     builder.layer().surfacePoints->inaccurate = {0};
-    auto const project = builder.make();
-    Korvane::ExportedFiles const result = run(*project, 2.0F);
+    Korvane::ExportedFiles const result = run(AE3DMotionExporter(2.0F), *builder.make());
     ASSERT_EQ(result.messages.size(), 1);
     EXPECT_TRUE(result.messages[0].startsWith("out.txt: ") && result.messages[0].contains("Spot"));
     EXPECT_EQ(result.failedCount, 0);
     ASSERT_EQ(result.notices.size(), 1U);
     EXPECT_EQ(result.notices[0].settingsKey, "DontShowAE3DTrackImportInfoMsg");
     EXPECT_TRUE(result.notices[0].text.startsWith("Loading 3D Motion data in After Effects requires the "));
+
+    // Inside of Adobe's programs the importer is there.
+    for (bool const adobe : {false, true})
+    {
+        auto const project = builder.make(QString(), insideOf(adobe));
+        EXPECT_EQ(run(AE3DMotionExporter(2.0F), *project).notices.size(), adobe ? 0U : 1U);
+    }
 }
 
 }

@@ -1,11 +1,14 @@
-// After Effects masks: outlines and motion of a small shot worked by hand, and what
-// decides about keys, opacity, blending and the header.
+// After Effects masks: what decides about keys, pieces, opacity and the header.
 
 #include "AfterEffects/MarloShapeAEExporter.h"
-#include "Host/PluginHost.h"
+#include "Host/Contour.h"
+#include "OtherProgram.h"
 #include "ProjectBuilder.h"
+#include "model/Project.h"
 
 #include <gtest/gtest.h>
+
+#include <boost/make_shared.hpp>
 
 #include <cmath>
 
@@ -14,7 +17,8 @@ using namespace Export;
 namespace
 {
 
-// The last whole pixel that the importer can carry a point to.
+// The first and the last whole pixel that the importer can carry a point to.
+constexpr double START_OF_REACH = -30000;
 constexpr double END_OF_REACH = 29999;
 
 // Two vertices in a picture of 200 x 100; outlines are texts of 0 to 1.
@@ -32,14 +36,18 @@ void addLens(ProjectBuilder& builder, std::vector<double> const& points = LENS)
     builder.layer().contours.push_back({"lens", false, true, true, {}, {{0, points, {}}}});
 }
 
-QString text(ProjectBuilder const& builder, MarloHost::HostServices const& services = {})
+QString text(KORV_ProjectManager& project)
 {
-    auto const project = builder.make(QString(), services);
     Korvane::ShapeExporter::Options options;
     options.layerExportMode = ZN::AllLayers;
-    auto const files = MarloShapeAEExporter().exportShape(*project, "m.shape4ae", {}, options);
+    auto const files = MarloShapeAEExporter().exportShape(project, "m.shape4ae", {}, options);
     EXPECT_EQ(files->keys(), QStringList("m.shape4ae"));
     return QString::fromUtf8(files->value("m.shape4ae"));
+}
+
+QString text(ProjectBuilder const& builder, MarloHost::HostServices const& services = {})
+{
+    return text(*builder.make(QString(), services));
 }
 
 // Rows of a block of the mask of that number.
@@ -55,87 +63,115 @@ QStringList rows(QString const& document, char const* name, int effect = 1)
     return block.left(block.indexOf("\n\n")).split('\n').mid(1);
 }
 
-TEST(Mask, ADocumentAsItIsPasted)
-{
-    ProjectBuilder builder = makeShot(2);
-    builder.track([](int frame) { return ProjectBuilder::translation(20 * frame, 10 * frame); });
-    builder.layer().colour = {10, 20, 30, 40};
-    addLens(builder);
-    QString const block = "\nEffects\tmarlo shape #1\t";
-    EXPECT_EQ(text(builder),
-              "Adobe After Effects 6.0 Keyframe Data\n"
-              "\n"
-              "\tUnits Per Second\t24\n"
-              "\tSource Width\t200\n"
-              "\tSource Height\t100\n"
-              "\tSource Pixel Aspect Ratio\t1\n"
-              "\tComp Pixel Aspect Ratio\t1\n"
-              "\n" +
-                  block + "Shape data\n\tFrame\n" +
-                  "\t0\tbezier;closed;0.25,0.25,-0.05,0,0.05,0;0.75,0.75,0,-0.1,0,0.1\n"
-                  "\t1\tbezier;closed;0.35,0.35,-0.05,0,0.05,0;0.85,0.85,0,-0.1,0,0.1\n" +
-                  block + "Translation X\n\tFrame\n\t0\t0\n\t1\t0.1\n" + //
-                  block + "Translation Y\n\tFrame\n\t0\t0\n\t1\t0.1\n" + //
-                  block + "Scale\n\tFrame\n\t0\t1\n\t1\t1\n" +           //
-                  block + "Rotation\n\tFrame\n\t0\t0\n\t1\t0\n" +        //
-                  block + "Shear X\n\tFrame\n\t0\t0\n\t1\t0\n" +         //
-                  block + "Shear Y\n\tFrame\n\t0\t0\n\t1\t0\n" +         //
-                  block + "Perspective X\n\tFrame\n\t0\t0\n\t1\t0\n" +   //
-                  block + "Perspective Y\n\tFrame\n\t0\t0\n\t1\t0\n" +   //
-                  block + "Blend mode\n\tFrame\n\t\t3\n" +               //
-                  block + "Invert\n\tFrame\n\t\t0\n" +                   //
-                  block + "Opacity\n\tFrame\n\t\t100\n" +                //
-                  block + "Layer name\n\tFrame\n\t\tA b %1\n" +          //
-                  block + "Film-back width\n\tFrame\n\t\t36\n" +         //
-                  block + "Film-back height\n\tFrame\n\t\t18\n" +        //
-                  block +
-                  "Shape colour\n\tFrame\talpha\tred\tgreen\tblue\n\t\t40\t10\t20\t30\n"
-                  "\n"
-                  "End of Keyframe Data\n");
-}
-
 TEST(Mask, APointOutOfReachAtOneFrameBakesTheOutline)
 {
+    // Frame 2 has the points 40 pixels further to the right and up.
+    using Matrix = ProjectBuilder::Matrix;
+    Matrix const onTheWay = ProjectBuilder::translation(20, 20);
+    Matrix const behindTheViewer{1, 0, 0, 0, 1, 0, -0.005, 0, 1}; // what is right of the picture
+    Matrix const nowhere = ProjectBuilder::translation(std::nan(""), 0);
     struct
     {
-        double x;
-        bool isXSpline;
+        char const* name;
+        std::size_t coordinate;
+        double value;
+        Matrix middle;
+        bool baked;
         int outlineKeys;
     } const cases[] = {
-        {END_OF_REACH - 40, false, 2},
-        {END_OF_REACH - 40 + 1, false, 3}, // frame 2 has it 40 pixels further
-        {100, true, 3},
+        {"first x, within", 0, END_OF_REACH - 40, onTheWay, false, 2},
+        {"first x", 0, END_OF_REACH - 40 + 1, onTheWay, true, 3},
+        {"first y", 1, END_OF_REACH - 40 + 1, onTheWay, true, 3},
+        {"last x", 6, END_OF_REACH - 40 + 1, onTheWay, true, 3},
+        {"last y, within", 7, END_OF_REACH - 40, onTheWay, false, 2},
+        {"last y", 7, END_OF_REACH - 40 + 1, onTheWay, true, 3},
+        {"far below, within", 7, START_OF_REACH, onTheWay, false, 2},
+        {"far below", 7, START_OF_REACH - 1, onTheWay, true, 3},
+        {"behind the viewer", 6, 250, behindTheViewer, true, 3},
+        {"not a number", 0, 50, nowhere, true, 2}, // the row of that frame is left out
     };
-    for (auto const& [x, isXSpline, outlineKeys] : cases)
+    for (auto const& [name, coordinate, value, middle, baked, outlineKeys] : cases)
     {
+        SCOPED_TRACE(name);
         ProjectBuilder builder = makeShot(3);
-        builder.track([](int frame) { return ProjectBuilder::translation(20 * frame, 0); });
+        builder.track([&, &atOne = middle](int frame)
+                      { return frame == 1 ? atOne : ProjectBuilder::translation(20 * frame, 20 * frame); });
         std::vector<double> points = LENS;
-        points[0] = x;
-        addLens(builder, isXSpline ? std::vector<double>{x, 20, 1, 120, 20, 1, 110, 40, 1} : points);
-        builder.layer().contours.back().xspline = isXSpline;
+        points[coordinate] = value;
+        addLens(builder, points);
         QString const document = text(builder);
-        EXPECT_EQ(rows(document, "Shape data").size(), outlineKeys) << x;
-        bool const isBaked = outlineKeys == 3;
-        EXPECT_EQ(rows(document, "Translation X"), isBaked ? QStringList({"\t0\t0", "\t1\t0", "\t2\t0"})
-                                                           : QStringList({"\t0\t0", "\t1\t0.1", "\t2\t0.2"}));
+        EXPECT_EQ(rows(document, "Shape data").size(), outlineKeys);
+        EXPECT_EQ(rows(document, "Translation X").back(), baked ? "\t2\t0" : "\t2\t0.2");
+        EXPECT_FALSE(document.contains("nan"));
     }
 }
 
-TEST(Mask, KeysOfTheContourInsideTheRangeStandBetweenItsEnds)
+/// A contour of another host, which is exported in two pieces.
+class SplitContour : public Korvane::Contour
 {
-    ProjectBuilder builder = makeShot(10);
-    builder.model.playbackIn = 1;
-    builder.range(2, 7).track([](int) { return ProjectBuilder::identity(); });
-    addLens(builder);
-    auto& keys = builder.layer().contours.back().keys;
-    keys = {{1, LENS, {}}, {4, LENS, {}}, {9, LENS, {}}};
-    QStringList frames;
-    for (QString const& row : rows(text(builder), "Shape data"))
+public:
+    explicit SplitContour(KORV_Layer const& layer) : m_layer(layer)
     {
-        frames.append(row.section('\t', 1, 1));
     }
-    EXPECT_EQ(frames, QStringList({"1", "3", "6"})) << "counted from the playback range";
+
+    QString const& name() const override
+    {
+        return m_layer.name();
+    }
+    KORV_Layer const& parentLayer() const override
+    {
+        return m_layer;
+    }
+    ZN_CONTOUR_MODEL eGetType() const override
+    {
+        return ZN_CONTOUR_BEZIER;
+    }
+    bool isClosed() const override
+    {
+        return true;
+    }
+    bool isVeilML(Anm::View const&) const override
+    {
+        return false;
+    }
+    std::vector<boost::shared_ptr<Korvane::ControlPoint const>> const& allPoints() const override
+    {
+        return m_noPoints;
+    }
+    void vGetControlPointXY(Korvane::ControlPoint const&, Anm::Context const&, bool, bool, double&, double&, bool&,
+                            ZN::TrackCache*) const override
+    {
+    }
+    QMap<Anm::Context, QString> getShapeKeyframesAsStrings(KORV_ProjectManager const*, QSize const&,
+                                                           HomographyMap const&, Anm::View const&,
+                                                           std::set<Anm::Context> const& contexts, Pieces const& pieces,
+                                                           int piece) const override
+    {
+        return {{*contexts.begin(), pieces.data.value(piece)}};
+    }
+    bool exportsWhole() const override
+    {
+        return false;
+    }
+    Pieces splitForExport(Anm::Context const&, Anm::Context const&, unsigned int, unsigned int) const override
+    {
+        return {2, {"left", "right"}};
+    }
+
+private:
+    KORV_Layer const& m_layer;
+    std::vector<boost::shared_ptr<Korvane::ControlPoint const>> m_noPoints;
+};
+
+TEST(Mask, EveryPieceOfAContourIsAMask)
+{
+    auto const project = makeShot(1).make();
+    KORV_Layer const& layer = *project->currentLayer();
+    const_cast<KORV_Layer::Data&>(layer.data()).contours = {boost::make_shared<SplitContour const>(layer)};
+    QString const document = text(*project);
+    EXPECT_EQ(rows(document, "Shape data", 1), QStringList("\t0\tleft"));
+    EXPECT_EQ(rows(document, "Shape data", 2), QStringList("\t0\tright"));
+    EXPECT_EQ(document.count("Shape data"), 2);
 }
 
 TEST(Mask, OpacityIsFullFromInToOutWithKeysThatMakeTheStep)
@@ -148,6 +184,7 @@ TEST(Mask, OpacityIsFullFromInToOutWithKeysThatMakeTheStep)
         {0, 9, 0, {"\t\t100"}},
         {2, 9, 2, {"\t\t100"}},
         {1, 9, 0, {"\t0\t0", "\t1\t100", "\t9\t100"}},
+        {1, 8, 0, {"\t0\t0", "\t1\t100", "\t8\t100", "\t9\t0"}},
         {3, 5, 0, {"\t0\t0", "\t2\t0", "\t3\t100", "\t5\t100", "\t6\t0"}},
         {4, 8, 3, {"\t0\t0", "\t1\t100", "\t5\t100", "\t6\t0"}},
     };
@@ -161,67 +198,20 @@ TEST(Mask, OpacityIsFullFromInToOutWithKeysThatMakeTheStep)
     }
 }
 
-TEST(Mask, TheFirstMaskOfTheFileIntersectsAndSubtractingLayersSubtract)
-{
-    ProjectBuilder builder = makeShot(2);
-    addLens(builder);
-    addLens(builder);
-    builder.addLayer("B").layer().subtract = true;
-    builder.layer().invert = true;
-    addLens(builder);
-    builder.addLayer("C");
-    addLens(builder);
-    QString const document = text(builder);
-    QStringList modes;
-    QStringList inverts;
-    for (int effect = 1; effect <= 4; ++effect)
-    {
-        modes += rows(document, "Blend mode", effect);
-        inverts += rows(document, "Invert", effect);
-    }
-    EXPECT_EQ(modes, QStringList({"\t\t3", "\t\t1", "\t\t2", "\t\t1"}));
-    EXPECT_EQ(inverts, QStringList({"\t\t0", "\t\t0", "\t\t1", "\t\t0"}));
-    EXPECT_EQ(document.count("Units Per Second"), 1);
-}
-
-struct OtherProgram : Korvane::PluginHost
-{
-    bool isAdobe() const override
-    {
-        return true;
-    }
-    TXIHost const* host() const override
-    {
-        return nullptr;
-    }
-    QSize compositionSize() const override
-    {
-        return {640, 480};
-    }
-};
-
 TEST(Mask, TheHeaderCountsFieldsAndHasTheSizeOfAPluginHost)
 {
+    EXPECT_EQ(text(makeShot(2)), "\nEnd of Keyframe Data\n") << "there is none without a mask";
     ProjectBuilder builder = makeShot(4);
     builder.clip().interlaced = true;
+    builder.layer().colour = {10, 20, 30, 40};
     addLens(builder);
-    EXPECT_TRUE(text(builder).contains("\tUnits Per Second\t48\n\tSource Width\t200\n\tSource Height\t100\n"));
-    MarloHost::HostServices services;
-    services.pluginHost = std::make_shared<OtherProgram>();
+    addLens(builder);
+    QString const alone = text(builder);
+    EXPECT_TRUE(alone.contains("\tUnits Per Second\t48\n\tSource Width\t200\n\tSource Height\t100\n"));
+    EXPECT_EQ(alone.count("Units Per Second"), 1);
+    EXPECT_EQ(rows(alone, "Shape colour"), QStringList("\t\t40\t10\t20\t30"));
     EXPECT_TRUE(
-        text(builder, services).contains("\tUnits Per Second\t48\n\tSource Width\t640\n\tSource Height\t480\n"));
-}
-
-TEST(Mask, WithoutMasksThereIsTheFooterAndBadMotionLosesItsRows)
-{
-    EXPECT_EQ(text(makeShot(2)), "\nEnd of Keyframe Data\n");
-
-    ProjectBuilder builder = makeShot(3);
-    builder.track([](int frame) { return ProjectBuilder::translation(frame == 1 ? std::nan("") : 0, 0); });
-    addLens(builder);
-    QString const document = text(builder);
-    EXPECT_EQ(rows(document, "Shape data").size(), 2);
-    EXPECT_FALSE(document.contains("nan")) << document.toStdString();
+        text(builder, insideOf(true)).contains("\tUnits Per Second\t48\n\tSource Width\t640\n\tSource Height\t480\n"));
 }
 
 }
