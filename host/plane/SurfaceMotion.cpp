@@ -48,7 +48,8 @@ SurfaceMotion::SurfaceMotion(KORV_Layer::Data const& layer, int viewIndex)
             m_maps.push_back(facing(*map, firstCorner(*layer.model)));
             if (isAdjusted)
             {
-                m_corrections.push_back(*map * motion.tracked(index).inverse());
+                Homography const tracked = motion.tracked(index);
+                m_corrections.push_back(map->m == tracked.m ? Homography() : *map * tracked.inverse());
             }
         }
     }

@@ -196,7 +196,9 @@ private:
         {
             std::array<double, 9> entries = motion.at(frame).m;
             double const last = entries[8] == 0 ? 1 : entries[8];
-            std::transform(entries.begin(), entries.end(), entries.begin(), [&](double entry) { return entry / last; });
+            // Adding 0 makes 0 of -0.
+            std::transform(entries.begin(), entries.end(), entries.begin(),
+                           [&](double entry) { return entry / last + 0.0; });
             if (!isFinite(entries))
             {
                 m_failures.append(QStringLiteral("Layer \"%1\": the motion isn't finite at frame %2")
