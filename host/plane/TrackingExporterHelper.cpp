@@ -184,7 +184,6 @@ void TrackingExporterHelper::initialiseWithPMAndRange(KORV_ProjectManager const&
     KORV_Layer const* const layer = project.sm()->layerFromNumericID(layerId, false);
     if (layer && !trackOf(*layer, project, view))
     {
-        clearRange();
         m_data->failures.append(QStringLiteral("Layer \"%1\" has no tracking data").arg(layer->name()));
     }
 }
@@ -195,9 +194,10 @@ bool TrackingExporterHelper::updateSurfacePoints(KORV_ProjectManager const& proj
 {
     KORV_Layer const* const layer = project.sm()->layerFromNumericID(layerId, false);
     TrackModel const* const track = layer ? trackOf(*layer, project, view()) : nullptr;
-    int const frames = numFrames();
-    if (!track || frames <= 0)
+    int const frames = track ? numFrames() : 0;
+    if (frames <= 0)
     {
+        clearRange();
         return false;
     }
     ZN_BaseClipInfo const& clip = layer->data().clip->info();

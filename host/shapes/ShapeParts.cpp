@@ -80,7 +80,7 @@ public:
           m_motionApart(has(ShapeMotionApart) && request.lastFrame > request.firstFrame),
           m_toOutput(toOutput())
     {
-        SurfaceMotion const motion(m_layer, project.views()->viewIndex(request.view));
+        SurfaceMotion const motion = motionOfContours(project, layer, request.view);
         for (int frame = request.firstFrame; frame <= request.lastFrame; ++frame)
         {
             m_motion.push_back(motion.at(frame));
