@@ -79,7 +79,7 @@ boost::shared_ptr<Contour::HomographyMap>
 ShapeExportHelper::buildHomogMap(KORV_ProjectManager const& project, KORV_Layer const& layer, Anm::View const& view)
 {
     KORV_Layer::Data const& data = layer.data();
-    MarloHost::SurfaceMotion const motion(data, project.views()->viewIndex(view));
+    MarloHost::SurfaceMotion const motion = MarloHost::motionOfContours(project, layer, view);
     ZN_BaseClipInfo const& clip = data.clip->info();
     auto map = boost::make_shared<Contour::HomographyMap>();
     for (int frame = 0; frame < data.clipModel->frameCount; ++frame)

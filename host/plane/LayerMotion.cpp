@@ -1,7 +1,10 @@
 #include "LayerMotion.h"
 
+#include "marlohost/ClipLens.h"
+
 #include <algorithm>
 #include <cmath>
+#include <numeric>
 
 namespace MarloHost
 {
@@ -41,9 +44,52 @@ bool keepsInFront(Homography const& h, std::array<TXI::Pos2, N> const& points)
     return !(positive && negative);
 }
 
+template <std::size_t N>
+std::optional<Homography> keptInFront(Homography const& h, std::array<TXI::Pos2, N> const& points)
+{
+    return keepsInFront(h, points) ? std::optional<Homography>(h) : std::nullopt;
+}
+
+PointRow withCentre(Quad const& quad)
+{
+    return {quad[0], quad[1], quad[2], quad[3], crossingOfDiagonals(quad)};
+}
+
 Quad pictureQuad(double width, double height)
 {
     return {{{0, 0}, {width, 0}, {0, height}, {width, height}}};
+}
+
+bool areZero(std::array<double, 8> const& offsets)
+{
+    return std::all_of(offsets.begin(), offsets.end(), [](double offset) { return offset == 0; });
+}
+
+template <std::size_t N>
+std::array<TXI::Pos2, N> carried(Homography const& map, std::array<TXI::Pos2, N> points)
+{
+    std::transform(points.begin(), points.end(), points.begin(), [&](TXI::Pos2 const& p) { return map.apply(p); });
+    return points;
+}
+
+// Takes the lens away from all points; false where one lies outside of what it shows.
+// Numbers that aren't finite stay, to be seen in the export.
+bool undistortRow(PointRow& row, ClipLens const& lens)
+{
+    for (TXI::Pos2& point : row)
+    {
+        if (!std::isfinite(point.x) || !std::isfinite(point.y))
+        {
+            continue;
+        }
+        std::optional<TXI::Pos2> const straight = lens.undistort(point);
+        if (!straight)
+        {
+            return false;
+        }
+        point = *straight;
+    }
+    return true;
 }
 
 }
@@ -67,58 +113,103 @@ LayerMotion::LayerMotion(LayerModel const& layer, TrackModel const& track, Motio
       m_choice(choice),
       m_ontoFootage(choice.invert || choice.option == ZN_TRACKING_OPTION_STABILIZED),
       m_corners(quadOf(layer.corners)),
-      m_base(m_ontoFootage ? pictureQuad(choice.pictureWidth, choice.pictureHeight) : m_corners),
-      m_centre(crossingOfDiagonals(m_base))
+      m_base(withCentre(m_ontoFootage ? pictureQuad(choice.pictureWidth, choice.pictureHeight) : m_corners))
 {
     if (choice.option == ZN_TRACKING_OPTION_OFFSET)
     {
-        m_offset = Homography::betweenQuads(m_corners, moved(m_corners, adjustOffsets(layer.referenceFrame)));
+        std::array<double, 8> const offsets = adjustOffsets(layer.referenceFrame);
+        if (!areZero(offsets))
+        {
+            m_offset = Homography::betweenQuads(m_corners, moved(m_corners, offsets));
+        }
     }
     if (m_ontoFootage)
     {
-        m_reference = surfaceTo(nearestFrameIndex(track.frames, choice.referenceFrame));
+        findReference();
     }
 }
 
-PointRow LayerMotion::base() const
+// The nearest frame that has a map, of two equally near ones the earlier.
+void LayerMotion::findReference()
 {
-    return {m_base[0], m_base[1], m_base[2], m_base[3], m_centre};
+    std::vector<std::size_t> indices(m_track.frames.size());
+    std::iota(indices.begin(), indices.end(), 0);
+    auto const distance = [&](std::size_t index)
+    { return std::abs(static_cast<long long>(m_track.frames[index]) - m_choice.referenceFrame); };
+    std::stable_sort(indices.begin(), indices.end(),
+                     [&](std::size_t a, std::size_t b) { return distance(a) < distance(b); });
+    for (std::size_t const index : indices)
+    {
+        if (std::optional<Homography> const map =
+                m_choice.undistort ? straightMap(straightSurface(index)) : surfaceMap(index))
+        {
+            m_reference = *map;
+            return;
+        }
+    }
 }
 
 std::optional<Homography> LayerMotion::map(std::size_t index) const
 {
-    // The adjusted map is solved from carried corners, which hide a corner that went
-    // past infinity on the way.
-    if (isAdjusted() && !keepsInFront(tracked(index), m_corners))
-    {
-        return std::nullopt;
-    }
-    Homography motion = surfaceTo(index);
-    if (m_ontoFootage)
-    {
-        // Stabilizing is the inverse of the surface's motion; inverting that gives
-        // the motion itself.
-        bool const forwards = m_choice.invert && m_choice.option == ZN_TRACKING_OPTION_STABILIZED;
-        motion = forwards ? motion * m_reference.inverse() : m_reference * motion.inverse();
-    }
-    return keepsInFront(motion, base()) ? std::optional<Homography>(motion) : std::nullopt;
+    std::optional<Homography> const surface = surfaceMap(index);
+    return surface ? keptInFront(m_ontoFootage ? onFootage(*surface) : *surface, m_base) : std::nullopt;
 }
 
-std::optional<PointRow> LayerMotion::row(std::size_t index) const
+FrameRow LayerMotion::row(std::size_t index) const
 {
-    std::optional<Homography> const motion = map(index);
-    if (!motion)
+    if (!m_choice.undistort)
     {
-        return std::nullopt;
+        return {baseThrough(map(index))};
     }
-    PointRow row = base();
-    std::transform(row.begin(), row.end(), row.begin(), [&](TXI::Pos2 const& p) { return motion->apply(p); });
+    FrameRow row = straightSurface(index);
+    if (m_ontoFootage)
+    {
+        std::optional<Homography> const surface = straightMap(row);
+        row.points = baseThrough(surface ? keptInFront(onFootage(*surface), m_base) : std::nullopt);
+    }
     return row;
 }
 
-bool LayerMotion::isAdjusted() const
+std::optional<PointRow> LayerMotion::baseThrough(std::optional<Homography> const& motion) const
 {
-    return m_choice.option == ZN_TRACKING_OPTION_ADJUSTED && !m_layer.adjust.empty();
+    return motion ? std::optional<PointRow>(carried(*motion, m_base)) : std::nullopt;
+}
+
+// The surface of a frame on the plate without its lens.
+FrameRow LayerMotion::straightSurface(std::size_t index) const
+{
+    PointRow row = withCentre(m_corners);
+    std::optional<Homography> const map = surfaceMap(index);
+    if (!map || !keepsInFront(*map, row))
+    {
+        return {};
+    }
+    row = carried(*map, row);
+    bool const isShown = undistortRow(row, ClipLens(*m_choice.undistort, m_track.frames[index]));
+    return {isShown ? std::optional<PointRow>(row) : std::nullopt, !isShown};
+}
+
+// From the surface's corners to where they are on the plate without its lens.
+std::optional<Homography> LayerMotion::straightMap(FrameRow const& surface) const
+{
+    if (!surface.points)
+    {
+        return std::nullopt;
+    }
+    PointRow const& points = *surface.points;
+    return keptInFront(Homography::betweenQuads(m_corners, {points[0], points[1], points[2], points[3]}), m_corners);
+}
+
+// Stabilizing is the inverse of the surface's motion; inverting that gives the motion
+// itself. Where the surface is as in the reference frame the picture stays, exactly.
+Homography LayerMotion::onFootage(Homography const& surface) const
+{
+    if (surface.m == m_reference.m)
+    {
+        return Homography();
+    }
+    bool const forwards = m_choice.invert && m_choice.option == ZN_TRACKING_OPTION_STABILIZED;
+    return forwards ? surface * m_reference.inverse() : m_reference * surface.inverse();
 }
 
 Homography LayerMotion::tracked(std::size_t index) const
@@ -128,21 +219,25 @@ Homography LayerMotion::tracked(std::size_t index) const
     return h;
 }
 
-Homography LayerMotion::surfaceTo(std::size_t index) const
+// From the corners to where the user has them at a frame.
+std::optional<Homography> LayerMotion::surfaceMap(std::size_t index) const
 {
     Homography const h = tracked(index);
     if (m_choice.option == ZN_TRACKING_OPTION_OFFSET)
     {
-        return h * m_offset;
+        return m_offset ? h * *m_offset : h;
     }
-    if (!isAdjusted())
+    bool const isAdjusted = m_choice.option == ZN_TRACKING_OPTION_ADJUSTED;
+    std::array<double, 8> const offsets = isAdjusted ? adjustOffsets(m_track.frames[index]) : std::array<double, 8>();
+    if (areZero(offsets))
     {
         return h;
     }
-    Quad carried;
-    std::transform(m_corners.begin(), m_corners.end(), carried.begin(),
-                   [&](TXI::Pos2 const& corner) { return h.apply(corner); });
-    return Homography::betweenQuads(m_corners, moved(carried, adjustOffsets(m_track.frames[index])));
+    // The map is solved from carried corners, which hide a corner that went past infinity
+    // on the way.
+    return keepsInFront(h, m_corners)
+               ? std::optional<Homography>(Homography::betweenQuads(m_corners, moved(carried(h, m_corners), offsets)))
+               : std::nullopt;
 }
 
 std::array<double, 8> LayerMotion::adjustOffsets(int frame) const

@@ -26,6 +26,18 @@ struct MotionChoice
     /// goes onto the footage itself.
     double pictureWidth = 0;
     double pictureHeight = 0;
+
+    /// The clip whose lens is taken away; null to leave it.
+    ClipModel const* undistort = nullptr;
+};
+
+/// The points of a frame, or why there are none.
+struct FrameRow
+{
+    std::optional<PointRow> points;
+
+    /// Set where the lens shows nothing at one of them.
+    bool leavesLens = false;
 };
 
 /// The motion of a layer's surface in one view, at the frames that have tracking
@@ -39,6 +51,11 @@ struct MotionChoice
 ///  - stabilized: the picture's corners through H(ref) H(f)^-1;
 ///  - inverted: the picture's corners through M(ref) M(f)^-1, where M is the map
 ///    from the surface to frame f; stabilized and inverted is H(f) H(ref)^-1.
+///
+/// On the plate without its lens, the surface's points are those of frame f with the lens
+/// of that frame taken away. For motion that goes onto the footage itself, M and H are the
+/// maps from the surface's corners to there: the corners of the picture are those of the
+/// straight plate, and no lens concerns them.
 class LayerMotion
 {
 public:
@@ -47,19 +64,23 @@ public:
 
     /// The motion at the tracked frame at `index` as one map: of the surface, or of the
     /// picture where the motion goes onto the footage itself. Empty where it throws a
-    /// corner to or past infinity. Numbers that aren't finite pass through.
+    /// corner to or past infinity. Numbers that aren't finite pass through. The lens stays
+    /// on the surface.
     std::optional<Homography> map(std::size_t index) const;
 
-    /// The four corners and the centre through map().
-    std::optional<PointRow> row(std::size_t index) const;
+    /// The four corners and the centre through map(), without the lens if it is taken away.
+    FrameRow row(std::size_t index) const;
 
     /// The homography of the tracked frame at `index`, without the user's corrections.
     Homography tracked(std::size_t index) const;
 
 private:
-    PointRow base() const;
-    Homography surfaceTo(std::size_t index) const;
-    bool isAdjusted() const;
+    std::optional<PointRow> baseThrough(std::optional<Homography> const& motion) const;
+    std::optional<Homography> surfaceMap(std::size_t index) const;
+    FrameRow straightSurface(std::size_t index) const;
+    std::optional<Homography> straightMap(FrameRow const& surface) const;
+    Homography onFootage(Homography const& surface) const;
+    void findReference();
     std::array<double, 8> adjustOffsets(int frame) const;
 
     LayerModel const& m_layer;
@@ -67,12 +88,15 @@ private:
     MotionChoice m_choice;
     bool m_ontoFootage;
     Quad m_corners;
-    Quad m_base;
-    TXI::Pos2 m_centre;
 
-    /// From the plane as the corners describe it to the plane as it is tracked;
-    /// differs from the identity in offset motion only.
-    Homography m_offset;
+    /// Corners and centre of what is carried: the surface, or the picture.
+    PointRow m_base;
+
+    /// From the plane as the corners describe it to the plane as it is tracked; empty but
+    /// in offset motion.
+    std::optional<Homography> m_offset;
+
+    /// M(ref), or H(ref), of motion that goes onto the footage itself.
     Homography m_reference;
 };
 

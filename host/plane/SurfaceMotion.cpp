@@ -1,5 +1,8 @@
 #include "SurfaceMotion.h"
 
+#include "Host/KORV_ProjectManager.h"
+#include "Host/MessageBox.h"
+
 namespace MarloHost
 {
 
@@ -48,7 +51,8 @@ SurfaceMotion::SurfaceMotion(KORV_Layer::Data const& layer, int viewIndex)
             m_maps.push_back(facing(*map, firstCorner(*layer.model)));
             if (isAdjusted)
             {
-                m_corrections.push_back(*map * motion.tracked(index).inverse());
+                Homography const tracked = motion.tracked(index);
+                m_corrections.push_back(map->m == tracked.m ? Homography() : *map * tracked.inverse());
             }
         }
     }
@@ -62,6 +66,27 @@ Homography SurfaceMotion::at(int frame) const
 Homography SurfaceMotion::correction(int frame) const
 {
     return m_corrections.empty() ? Homography() : m_corrections[nearestFrameIndex(m_frames, frame)];
+}
+
+bool SurfaceMotion::isUntracked() const
+{
+    return m_frames.empty();
+}
+
+SurfaceMotion motionOfContours(KORV_ProjectManager const& project, KORV_Layer const& layer, Anm::View const& view)
+{
+    Anm::Views const& views = *project.views();
+    SurfaceMotion motion(layer.data(), views.viewIndex(view));
+    if (motion.isUntracked() && !layer.activeContours().isEmpty())
+    {
+        QString const inView =
+            views.viewCount() > 1 ? QStringLiteral(" in view \"%1\"").arg(views.name(view)) : QString();
+        QString const title = QStringLiteral("Layer \"%1\"").arg(layer.name());
+        QString const text =
+            QStringLiteral("no tracking data%1, its contours move by their own keys alone").arg(inView);
+        project.callbacks().warning(title.toStdString(), text.toStdString(), KORV_MESSAGEBOX_OK);
+    }
+    return motion;
 }
 
 std::vector<SurfaceMotion> motionsOfViews(KORV_Layer::Data const& layer)

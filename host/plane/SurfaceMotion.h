@@ -23,6 +23,9 @@ public:
     /// layers that nobody adjusted.
     Homography correction(int frame) const;
 
+    /// Whether the plane stands still as there is no usable homography.
+    bool isUntracked() const;
+
 private:
     /// The frames that can be used and what is there.
     std::vector<int> m_frames;
@@ -31,6 +34,9 @@ private:
     /// Empty in layers that nobody adjusted.
     std::vector<Homography> m_corrections;
 };
+
+/// What the contours of an export ride on. Tells the user where that is nothing.
+SurfaceMotion motionOfContours(KORV_ProjectManager const& project, KORV_Layer const& layer, Anm::View const& view);
 
 /// The motion in every view, by the index of the view.
 std::vector<SurfaceMotion> motionsOfViews(KORV_Layer::Data const& layer);

@@ -1,7 +1,6 @@
 #include "Host/ExporterHelper.h"
 #include "Host/KORV_Layer.h"
 #include "LayerMotion.h"
-#include "marlohost/ClipLens.h"
 #include "model/Project.h"
 
 #include <algorithm>
@@ -13,8 +12,8 @@ namespace Korvane
 namespace
 {
 
-using MarloHost::ClipLens;
 using MarloHost::ClipModel;
+using MarloHost::FrameRow;
 using MarloHost::LayerMotion;
 using MarloHost::PointRow;
 using MarloHost::TrackModel;
@@ -37,28 +36,7 @@ struct UsableRows
     std::vector<int> outsideLens;
 };
 
-// Takes the lens away from all points; false where one lies outside of what it
-// shows. Numbers that aren't finite stay, to be seen in the export.
-bool undistortRow(PointRow& row, ClipLens const& lens)
-{
-    for (TXI::Pos2& point : row)
-    {
-        if (!std::isfinite(point.x) || !std::isfinite(point.y))
-        {
-            continue;
-        }
-        std::optional<TXI::Pos2> const straight = lens.undistort(point);
-        if (!straight)
-        {
-            return false;
-        }
-        point = *straight;
-    }
-    return true;
-}
-
-/// @param lensOf the clip whose lens is taken away; null to leave it
-UsableRows usableRows(LayerMotion const& motion, TrackModel const& track, ClipModel const* lensOf)
+UsableRows usableRows(LayerMotion const& motion, TrackModel const& track)
 {
     UsableRows usable;
     usable.frames.reserve(track.frames.size());
@@ -66,16 +44,15 @@ UsableRows usableRows(LayerMotion const& motion, TrackModel const& track, ClipMo
     for (std::size_t index = 0; index < track.frames.size(); ++index)
     {
         int const frame = track.frames[index];
-        std::optional<PointRow> row = motion.row(index);
-        if (row && lensOf && !undistortRow(*row, ClipLens(*lensOf, frame)))
-        {
-            usable.outsideLens.push_back(frame);
-            row.reset();
-        }
-        if (row)
+        FrameRow const row = motion.row(index);
+        if (row.points)
         {
             usable.frames.push_back(frame);
-            usable.rows.push_back(*row);
+            usable.rows.push_back(*row.points);
+        }
+        else if (row.leavesLens)
+        {
+            usable.outsideLens.push_back(frame);
         }
     }
     return usable;
@@ -207,7 +184,6 @@ void TrackingExporterHelper::initialiseWithPMAndRange(KORV_ProjectManager const&
     KORV_Layer const* const layer = project.sm()->layerFromNumericID(layerId, false);
     if (layer && !trackOf(*layer, project, view))
     {
-        clearRange();
         m_data->failures.append(QStringLiteral("Layer \"%1\" has no tracking data").arg(layer->name()));
     }
 }
@@ -218,16 +194,19 @@ bool TrackingExporterHelper::updateSurfacePoints(KORV_ProjectManager const& proj
 {
     KORV_Layer const* const layer = project.sm()->layerFromNumericID(layerId, false);
     TrackModel const* const track = layer ? trackOf(*layer, project, view()) : nullptr;
-    int const frames = numFrames();
-    if (!track || frames <= 0)
+    int const frames = track ? numFrames() : 0;
+    if (frames <= 0)
     {
+        clearRange();
         return false;
     }
     ZN_BaseClipInfo const& clip = layer->data().clip->info();
+    ClipModel const& model = *layer->data().clipModel;
     LayerMotion const motion(*layer->data().model, *track,
                              {options.trackingOption, options.invert, referenceFrame.frameValue(),
-                              static_cast<double>(clip.width()), static_cast<double>(clip.height())});
-    m_data->usable = usableRows(motion, *track, options.undistort ? layer->data().clipModel : nullptr);
+                              static_cast<double>(clip.width()), static_cast<double>(clip.height()),
+                              options.undistort && model.lens ? &model : nullptr});
+    m_data->usable = usableRows(motion, *track);
     m_data->count = static_cast<std::size_t>(frames);
     m_data->points.reset(new TXI::Pos2[m_data->count][5]);
     m_data->samples.clear();

@@ -109,7 +109,7 @@ public:
         }
         for (Anm::View const& wanted : views)
         {
-            writeMotion(project, data, wanted);
+            writeMotion(project, layer, wanted);
         }
         m_xml.writeEndElement();
     }
@@ -187,20 +187,22 @@ private:
         m_xml.writeEndElement();
     }
 
-    void writeMotion(KORV_ProjectManager const& project, KORV_Layer::Data const& layer, Anm::View const& view)
+    void writeMotion(KORV_ProjectManager const& project, KORV_Layer const& layer, Anm::View const& view)
     {
-        MarloHost::SurfaceMotion const motion(layer, project.views()->viewIndex(view));
+        MarloHost::SurfaceMotion const motion = MarloHost::motionOfContours(project, layer, view);
         m_xml.writeStartElement(QStringLiteral("motion"));
         attribute("view", project.views()->name(view));
-        for (int frame = layer.inPoint; frame <= layer.outPoint; ++frame)
+        for (int frame = layer.data().inPoint; frame <= layer.data().outPoint; ++frame)
         {
             std::array<double, 9> entries = motion.at(frame).m;
             double const last = entries[8] == 0 ? 1 : entries[8];
-            std::transform(entries.begin(), entries.end(), entries.begin(), [&](double entry) { return entry / last; });
+            // Adding 0 makes 0 of -0.
+            std::transform(entries.begin(), entries.end(), entries.begin(),
+                           [&](double entry) { return entry / last + 0.0; });
             if (!isFinite(entries))
             {
                 m_failures.append(QStringLiteral("Layer \"%1\": the motion isn't finite at frame %2")
-                                      .arg(layer.model->name, QString::number(frame)));
+                                      .arg(layer.name(), QString::number(frame)));
                 continue;
             }
             m_xml.writeStartElement(QStringLiteral("homography"));

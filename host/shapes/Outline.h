@@ -8,6 +8,14 @@
 namespace MarloHost
 {
 
+/// How a plane is seen over a range of frames: a homography for each, with w above 0 in
+/// front of the viewer, into pixels of the picture.
+struct PlaneView
+{
+    int firstFrame = 0;
+    std::vector<Homography> maps;
+};
+
 /// Where a frame lies among keys: `along` of the way from key `before` to key `after`.
 struct KeyPlace
 {

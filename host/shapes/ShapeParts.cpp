@@ -80,7 +80,7 @@ public:
           m_motionApart(has(ShapeMotionApart) && request.lastFrame > request.firstFrame),
           m_toOutput(toOutput())
     {
-        SurfaceMotion const motion(m_layer, project.views()->viewIndex(request.view));
+        SurfaceMotion const motion = motionOfContours(project, layer, request.view);
         for (int frame = request.firstFrame; frame <= request.lastFrame; ++frame)
         {
             m_motion.push_back(motion.at(frame));
@@ -146,7 +146,7 @@ private:
         m_transforms = std::move(transforms);
     }
 
-    std::vector<int> keyFrames(ContourModel const& contour) const
+    std::vector<int> keyFrames(std::vector<ContourKeyModel> const& keys) const
     {
         std::vector<int> frames;
         for (int frame = m_request.firstFrame; !m_motionApart && frame <= m_request.lastFrame; ++frame)
@@ -156,7 +156,7 @@ private:
         if (m_motionApart)
         {
             frames.push_back(m_request.firstFrame);
-            for (ContourKeyModel const& key : contour.keys)
+            for (ContourKeyModel const& key : keys)
             {
                 if (key.frame > m_request.firstFrame && key.frame < m_request.lastFrame)
                 {
@@ -252,7 +252,7 @@ std::vector<ShapePart> ShapeBuilder::parts() const
             continue;
         }
         std::vector<ContourKeyModel> const keys = keysInPlane(contour);
-        std::vector<int> const frames = keyFrames(contour);
+        std::vector<int> const frames = keyFrames(keys);
         ShapePart part;
         part.name = contour.name.toStdString();
         part.mask = curves(contour, keys, frames, Edge::Mask);

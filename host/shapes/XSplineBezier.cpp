@@ -1,6 +1,7 @@
 #include "XSplineBezier.h"
 
 #include "Outline.h"
+#include "KeyThinning.h"
 #include "plane/PlaneVector.h"
 #include "XSplineSpan.h"
 
@@ -198,7 +199,7 @@ private:
 
 bool weightsDiffer(std::vector<double> const& a, std::vector<double> const& b)
 {
-    for (std::size_t i = 2; i < a.size(); i += 3)
+    for (std::size_t i = 2; i < a.size(); i += STRIDE)
     {
         if (a[i] != b[i])
         {
@@ -208,18 +209,11 @@ bool weightsDiffer(std::vector<double> const& a, std::vector<double> const& b)
     return false;
 }
 
-}
-
-std::vector<ContourKeyModel> bezierOfXSpline(std::vector<ContourKeyModel> const& keys, bool closed,
-                                             PlaneView const& view, double tolerance)
-{
-    return Converter(keys, closed, view, tolerance).convert();
-}
-
-std::vector<ContourKeyModel> bakedBezierOfXSpline(std::vector<ContourKeyModel> const& keys, bool closed,
-                                                  PlaneView const& view, double tolerance)
+// The keys, and one at every frame of the view between keys whose weights differ.
+std::vector<ContourKeyModel> withChangingWeights(std::vector<ContourKeyModel> const& keys, PlaneView const& view)
 {
     int const lastFrame = view.firstFrame + static_cast<int>(view.maps.size()) - 1;
+    bool const withFeather = hasFeather(keys);
     std::vector<ContourKeyModel> dense;
     for (std::size_t i = 0; i < keys.size(); ++i)
     {
@@ -236,11 +230,39 @@ std::vector<ContourKeyModel> bakedBezierOfXSpline(std::vector<ContourKeyModel> c
         {
             ContourKeyModel key{frame, {}, {}};
             edgeAt(keys, Edge::Mask, frame, key.points);
-            edgeAt(keys, Edge::Feather, frame, key.feather);
+            if (withFeather)
+            {
+                edgeAt(keys, Edge::Feather, frame, key.feather);
+            }
             dense.push_back(std::move(key));
         }
     }
-    return bezierOfXSpline(dense, closed, view, tolerance);
+    return dense;
+}
+
+}
+
+std::vector<ContourKeyModel> bezierOfXSpline(std::vector<ContourKeyModel> const& keys, bool closed,
+                                             PlaneView const& view, double tolerance)
+{
+    std::vector<ContourKeyModel> const dense = withChangingWeights(keys, view);
+    if (dense.size() == keys.size())
+    {
+        return Converter(keys, closed, view, tolerance).convert();
+    }
+    std::vector<int> wanted;
+    for (ContourKeyModel const& key : keys)
+    {
+        wanted.push_back(key.frame);
+    }
+    // One half for the curves, the other one for what lies between their keys.
+    return thinnedKeys(Converter(dense, closed, view, tolerance / 2).convert(), wanted, view, tolerance / 2);
+}
+
+std::vector<ContourKeyModel> bakedBezierOfXSpline(std::vector<ContourKeyModel> const& keys, bool closed,
+                                                  PlaneView const& view, double tolerance)
+{
+    return Converter(withChangingWeights(keys, view), closed, view, tolerance).convert();
 }
 
 }

@@ -1,26 +1,18 @@
 #pragma once
 
-#include "marlohost/ProjectModel.h"
-#include "plane/Homography.h"
+#include "Outline.h"
 
 namespace MarloHost
 {
-
-/// How a plane is seen over a range of frames: a homography for each, with w above 0 in
-/// front of the viewer, into pixels of the picture.
-struct PlaneView
-{
-    int firstFrame = 0;
-    std::vector<Homography> maps;
-};
 
 /// How near Bezier curves keep to X-splines, in pixels of the picture.
 constexpr double X_SPLINE_TOLERANCE = 0.05;
 
 /// Replaces X-splines by Bezier curves (in the form of ContourKeyModel) that, as they are
 /// seen with vertices and tips of handles carried, keep within `tolerance` pixels of the
-/// X-splines, also between keys. All keys and both edges get the same vertices. Where
-/// the weights of neighbouring keys differ, the bound holds at the keys only.
+/// X-splines at every frame, also between keys. All keys and both edges get the same
+/// vertices. Between keys whose weights differ, where an X-spline isn't linear, there are
+/// as many more as that takes.
 ///
 /// Each segment becomes spans of equal length in its parameter, cubic Hermite
 /// interpolants of the X-spline and so as linear in its points as the X-spline is
@@ -40,7 +32,7 @@ std::vector<ContourKeyModel> bezierOfXSpline(std::vector<ContourKeyModel> const&
                                              PlaneView const& view, double tolerance);
 
 /// The same for outlines that are wanted at every frame of the view: where weights change
-/// from key to key, and an X-spline isn't linear between them, there is a key at each.
+/// from key to key there is a key at each.
 std::vector<ContourKeyModel> bakedBezierOfXSpline(std::vector<ContourKeyModel> const& keys, bool closed,
                                                   PlaneView const& view, double tolerance);
 

@@ -109,7 +109,8 @@ enum ExportedShapeFlags : unsigned int
     /// X-splines become Bezier curves that keep within 0.05 pixels.
     ShapeAsBezier = 2,
     /// Motion stays apart, in transform(); the outlines are as they lie in the surface's
-    /// reference frame and have only the contour's own keys, and the ends of the range.
+    /// reference frame and have only the contour's own keys, the ends of the range, and
+    /// keys between which curves of X-splines whose weights change are linear.
     ShapeMotionApart = 4,
     /// Blur (feather) curves are made.
     ShapeWithBlur = 8,

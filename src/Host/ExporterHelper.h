@@ -164,7 +164,8 @@ public:
     ///
     /// @param referenceFrame where inverted and stabilized motion starts from
     /// @param progress may be null
-    /// @return false when there is nothing to export
+    /// @return false when there is nothing to export, as in layers without tracking data in
+    ///         the view; the range is empty then
     bool updateSurfacePoints(KORV_ProjectManager const& project, unsigned int layerId,
                              Anm::Context::Explicit const& referenceFrame, TrackingExporter::Options const& options,
                              ZN::ProgressRange* progress);

@@ -183,6 +183,65 @@ TEST(Motion, InverseAfterForwardIsTheIdentity)
     }
 }
 
+// Perspective that leaves no entry round.
+ProjectBuilder tilted(int frames)
+{
+    ProjectBuilder builder(frames);
+    builder.addLayer("A", {610.1, 300.7, 903, 311, 590, 700, 910, 690.5});
+    builder.track(
+        [](int frame)
+        {
+            ProjectBuilder::Matrix h = ProjectBuilder::similarity(700, 500, 0.1 * frame, 1.01, 7.3 * frame, 0);
+            h[6] = 1.7e-5 * frame;
+            return h;
+        });
+    return builder;
+}
+
+TEST(Motion, WhereNothingIsCorrectedTheTrackIsTakenAsItIs)
+{
+    ProjectBuilder builder = tilted(5);
+    builder.layer().referenceFrame = 1;
+    builder.layer().adjust = {{0, {}}, {3, {}}, {4, {1, 0, 0, 0, 0, 0, 0, 0}}};
+    Exported const basic = run(builder);
+    for (ZN_TRACKING_OPTION const option : {ZN_TRACKING_OPTION_ADJUSTED, ZN_TRACKING_OPTION_OFFSET})
+    {
+        Exported const exported = run(builder, withOption(option));
+        for (int i = 0; i < 4 * 5; ++i)
+        {
+            EXPECT_EQ(exported.helper.surfacePoints()[i / 5][i % 5].x, basic.helper.surfacePoints()[i / 5][i % 5].x);
+            EXPECT_EQ(exported.helper.surfacePoints()[i / 5][i % 5].y, basic.helper.surfacePoints()[i / 5][i % 5].y);
+        }
+    }
+    EXPECT_NE(run(builder, withOption(ZN_TRACKING_OPTION_ADJUSTED)).helper.surfacePoints()[4][0].x,
+              basic.helper.surfacePoints()[4][0].x);
+}
+
+TEST(Motion, InTheReferenceFrameFootageStaysToTheLastBit)
+{
+    ProjectBuilder builder = tilted(8);
+    builder.layer().adjust = {{0, {1, 2, 3, 4, 5, 6, 7, 8}}, {7, {-3, 2, 0, 1, 1, 2, 2, 2}}};
+    builder.clip().lens.emplace();
+    builder.clip().lens->radial[0].value = -0.05;
+    for (bool const undistort : {false, true})
+    {
+        for (Options options :
+             {withOption(ZN_TRACKING_OPTION_ADJUSTED, true), withOption(ZN_TRACKING_OPTION_OFFSET, true),
+              withOption(ZN_TRACKING_OPTION_STABILIZED), withOption(ZN_TRACKING_OPTION_STABILIZED, true)})
+        {
+            options.undistort = undistort;
+            Exported const exported = run(builder, options, 5);
+            double const expected[][2] = {{0, 0}, {1920, 0}, {0, 1080}, {1920, 1080}, {960, 540}};
+            for (int corner = 0; corner < 5; ++corner)
+            {
+                EXPECT_EQ(exported.helper.surfacePoints()[5][corner].x, expected[corner][0]);
+                EXPECT_EQ(exported.helper.surfacePoints()[5][corner].y, expected[corner][1]);
+            }
+            EXPECT_NE(exported.helper.surfacePoints()[4][0].x, 0);
+        }
+    }
+}
+
 TEST(Motion, FramesWithoutDataTakeTheNearestTrackedFrameAndSaySo)
 {
     ProjectBuilder builder = slider(7);

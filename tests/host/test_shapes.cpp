@@ -3,7 +3,9 @@
 
 #include "ShapeFixtures.h"
 
+#include "Host/ExporterHelper.h"
 #include "Host/MeshTracking.h"
+#include "Host/MessageBox.h"
 #include "Host/ShapeExporter.h"
 
 #include <gtest/gtest.h>
@@ -455,6 +457,55 @@ TEST(Shapes, ContoursRideOnTheAdjustedSurface)
         EXPECT_POINT(curve[1].start, {300.0 + 11 * frame, 160.0 + 8 * frame}, 1e-9);
         EXPECT_POINT(curve[2].start, {300.0 + 10 * frame, 40.0 + 4 * frame}, 1e-9);
     }
+}
+
+class WarningList : public Korvane::Callbacks
+{
+public:
+    KORV_MESSAGEBOX_REPLY warning(std::string const& title, std::string const& text,
+                                  KORV_MESSAGEBOX_STYLE) const override
+    {
+        lines.push_back(title + ": " + text);
+        return KORV_MESSAGEBOX_REPLY_OK;
+    }
+
+    mutable std::vector<std::string> lines;
+};
+
+TEST(Shapes, OfAnUntrackedEyeCoverTheLayerAndSaySo)
+{
+    ProjectBuilder builder = triangleProject(9);
+    builder.model.views = QStringList{"left", "right"};
+    builder.range(2, 6);
+    builder.layer().contours = {bezier({{2, triangle(100), {}}, {6, triangle(140), {}}})};
+    auto const warnings = std::make_shared<WarningList>();
+    MarloHost::HostServices services;
+    services.callbacks = warnings;
+    auto const project = builder.make({}, services);
+    KORV_Layer const& layer = *project->currentLayer();
+    Anm::View const left(0);
+    Anm::View const right(1);
+    Korvane::TrackingExporterHelper helper;
+    Anm::Time const whole = Anm::Time::fromInt(2147483647);
+    helper.initialiseWithPMAndRange(*project, 1, right, 0, Anm::Time::fromInt(-2147483647), whole, false);
+    EXPECT_EQ(helper.firstFrame().value(), 2);
+    EXPECT_EQ(helper.lastFrame().value(), 6);
+
+    ExportedShape const baked(*project, 2, 6, layer, right, 1, 1, {}, true);
+    ASSERT_EQ(baked.maskShape(0, 0).size(), 5);
+    EXPECT_POINT(bezierAt(baked.maskShape(0, 0), 3)[0].start, {130, 50}, 1e-9);
+    ExportedShape const apart(*project, 2, 6, layer, right, 1 + 4, 1, {}, true);
+    EXPECT_EQ(apart.transform(0, 0)[4].m, (std::array<double, 9>{1e6, 0, 0, 0, 1e6, 0, 0, 0, 1e6}));
+    Korvane::ShapeExportHelper::buildHomogMap(*project, layer, right);
+    Korvane::ShapeExporter::Options options;
+    options.layerExportMode = ZN::AllLayers;
+    options.views = {left, right};
+    Korvane::GlimmersetShapeExporter().exportShape(*project, "a.fxs", {}, options);
+    std::string const line =
+        "Layer \"A\": no tracking data in view \"right\", its contours move by their own keys alone";
+    EXPECT_EQ(warnings->lines, std::vector<std::string>(4, line));
+    ExportedShape(*project, 2, 6, layer, left, 1, 1, {}, true);
+    EXPECT_EQ(warnings->lines.size(), 4u);
 }
 
 TEST(Meshes, FollowTheUsersCorrectionsAndHoldTheNearestFrame)

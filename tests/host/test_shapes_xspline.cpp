@@ -251,6 +251,67 @@ TEST(XSpline, WeightsThatChangeAreFollowedWhenTheyAreBaked)
     }
 }
 
+/// What a target makes of two keys and the motion: vertices and tips linear in between, and carried.
+Korvane::ExportBezierCurve between(ExportedShape::Curves const& keys, int after, int frame, Matrix const& motion)
+{
+    auto const& a = bezierAt(keys, after - 1);
+    auto const& b = bezierAt(keys, after);
+    double const along = (frame - a.time) / (b.time - a.time);
+    auto const seen = [&](Mtx_Vector2 const& p, Mtx_Vector2 const& q) {
+        return through(motion, {p.x + along * (q.x - p.x), p.y + along * (q.y - p.y)});
+    };
+    auto const handle = [](Mtx_Vector2 const& tip, Mtx_Vector2 const& at) {
+        return Mtx_Vector2{tip.x - at.x, tip.y - at.y};
+    };
+    std::vector<Sabrel::BezierSpan> spans;
+    auto const count = static_cast<std::size_t>(a.numSpans());
+    for (std::size_t i = 0; i < count; ++i)
+    {
+        std::size_t const next = (i + 1) % count;
+        Mtx_Vector2 const at = seen(a[i].start, b[i].start);
+        Mtx_Vector2 const leaves = seen(sum(a[i].start, a[i].control1), sum(b[i].start, b[i].control1));
+        Mtx_Vector2 const arrives = seen(sum(a[next].start, a[i].control2), sum(b[next].start, b[i].control2));
+        spans.push_back({at, handle(leaves, at), handle(arrives, seen(a[next].start, b[next].start))});
+    }
+    return {static_cast<double>(frame), true, spans};
+}
+
+TEST(XSpline, WeightsThatChangeGetTheKeysThatTheyNeedApartFromTheMotion)
+{
+    // From a round bend through a corner to one that goes through the point, gently, and not at all.
+    double const cases[][4] = {{1, -1, 0, 24}, {-1, 1, 1e-4, 24}, {0.4, 0.6, 3e-5, 16}, {1, 1, 1e-4, 4}};
+    for (auto const& [from, to, tilt, mostKeys] : cases)
+    {
+        auto const points = [](double weight, double far)
+        { return std::vector<double>{300, 200, weight, 1500 + far, 240, 1, 1400, 900, -weight / 2, 420, 840, weight}; };
+        ProjectBuilder builder(61, 1920, 1080);
+        std::vector<Matrix> motion(61);
+        for (int frame = 0; frame < 61; ++frame)
+        {
+            motion[frame] = ProjectBuilder::similarity(960, 540, 0.01 * frame, 1, 2 * frame, 0);
+            motion[frame][6] = tilt * frame / 40;
+        }
+        builder.addLayer("A").track([&](int frame) { return motion[frame]; });
+        builder.layer().contours = {xspline({{20, points(from, 80), points(from, 30)}, {60, points(to, 0), {}}})};
+        ExportedShape const shape = shapeOf(builder, 0, 40, 1 + 4 + 8 + 64);
+        ExportedShape::Curves const& keys = shape.maskShape(0, 0);
+        EXPECT_LE(keys.size(), mostKeys) << from << " to " << to;
+        for (int frame = 19, key = 1; frame < 40; frame += 4)
+        {
+            for (; keys[key]->time < frame; ++key)
+            {
+            }
+            double const along = std::max(0.0, (frame - 20) / 40.0);
+            std::vector<Mtx_Vector2> spline = samples(points(from + along * (to - from), 80 - 80 * along), true, 400);
+            std::transform(spline.begin(), spline.end(), spline.begin(),
+                           [&](Mtx_Vector2 const& p) { return through(motion[frame], p); });
+            std::vector<Mtx_Vector2> const cubics = samples(between(keys, key, frame, motion[frame]), 100);
+            double const largest = std::max(farthest(cubics, spline), farthest(spline, cubics));
+            EXPECT_LE(largest, 0.05) << from << " to " << to << ", frame " << frame;
+        }
+    }
+}
+
 TEST(XSpline, NeitherInfinityNorTheHorizonAsksForEndlessSpans)
 {
     ProjectBuilder builder(3, 400, 200);
