@@ -1,6 +1,6 @@
 #include "ImportOptions.h"
 
-#include "OptionTypes.h"
+#include "ImportValues.h"
 
 namespace
 {
@@ -16,7 +16,8 @@ void addTarget(CLI::App* app, ImportTarget& target)
 
 void addFrameRate(CLI::App* app, double& rate)
 {
-    addText(app, "--fps", "Frames per second; default: 24", [&rate](QString const& text) { rate = frameRate(text); })
+    addText(app, "--fps", "Frames per second, such as 25 or 30000/1001; default: 24",
+            [&rate](QString const& text) { rate = frameRate(text); })
         ->type_name("R");
 }
 
@@ -47,9 +48,28 @@ void addCornerOptions(CLI::App* app, CornerImportChoices& corners)
 
 void addColmapOptions(CLI::App* app, ColmapImportChoices& colmap)
 {
-    addText(app, "DIR", "Folder of a model as text: cameras.txt, images.txt and points3D.txt",
+    MarloHost::ColmapImport& import = colmap.import;
+    addText(app, "DIR", "Folder of a model, as text or binary, or of a COLMAP project",
             [&colmap](QString const& path) { colmap.folder = notEmpty("DIR", path); })
         ->required();
     addTarget(app, colmap.target);
-    addFrameRate(app, colmap.import.frameRate);
+    addFrameRate(app, import.frameRate);
+    addText(app, "--origin", "Point of the model that becomes the origin; default: the model's, unless that is far off",
+            [&import](QString const& text) { import.origin = scenePoint(text); })
+        ->type_name("X,Y,Z");
+    auto const takeScale = [&import](QString const& text)
+    { import.scale = numberFrom("--scale", text, 1e-9, 1e9, "a factor from 1e-9 to 1e9"); };
+    addText(app, "--scale", "Scene units to a unit of the model; default: 1", takeScale)->type_name("S");
+    auto const takeTrack = [&import](QString const& text)
+    {
+        import.leastTrack = wholeNumber("--min-track", text);
+        if (import.leastTrack < 1)
+        {
+            throw CLI::ValidationError("--min-track", "takes a number of images from 1 up");
+        }
+    };
+    addText(app, "--min-track", "Leave out points that fewer images see", takeTrack)->type_name("N");
+    auto const takeError = [&import](QString const& text)
+    { import.mostError = numberFrom("--max-error", text, 0, 1e9, "a number of pixels from 0 up"); };
+    addText(app, "--max-error", "Leave out points with a larger error, or an unknown one", takeError)->type_name("PX");
 }

@@ -8,6 +8,7 @@
 
 #include "Host/KORV_Exception.h"
 #include "plane/Homography.h"
+#include "FrameRanges.h"
 #include "TextLines.h"
 
 #include <algorithm>
@@ -253,21 +254,7 @@ private:
 
 std::vector<std::pair<int, int>> CornerTable::missingFrames() const
 {
-    std::vector<std::pair<int, int>> ranges;
-    int next = firstFrame;
-    for (Row const& row : rows)
-    {
-        if (row.frame > next)
-        {
-            ranges.emplace_back(next, row.frame - 1);
-        }
-        next = row.frame + 1;
-    }
-    if (next <= lastFrame)
-    {
-        ranges.emplace_back(next, lastFrame);
-    }
-    return ranges;
+    return missingRanges(rows, firstFrame, lastFrame, [](Row const& row) { return row.frame; });
 }
 
 CornerTable readCornerTable(QByteArray const& text, QString const& fileName)

@@ -146,9 +146,9 @@ protected:
     {
         QDir(folder.path("")).mkdir("m");
         folder.write("m/cameras.txt", "1 OPENCV 640 480 500 500 324 239 -0.1 0 0.001 0\n2 PINHOLE 640 480 5 5 0 0\n");
-        folder.write("m/images.txt", "1 1 0 0 0 0 0 0 1 f12.png\n1 1 7\n2 1 0 0 0 1 2 3 1 f9.png\n\n"
+        folder.write("m/images.txt", "1 1 0 0 0 0 0 0 1 f14.png\n1 1 7\n2 1 0 0 0 1 2 3 1 f9.png\n\n"
                                      "3 1 0 0 0 1 2 3 1 f10.png\n\n4 1 0 0 0 1 2 3 1 f11.png\n");
-        folder.write("m/points3D.txt", "7 0 0 1 0 0 0 0.5 1 0\n8 0 0 1 0 0 0 0.25\n9 0 0 1 0 0 0 9\n");
+        folder.write("m/points3D.txt", "7 0 0 1 0 0 0 0.5 1 0\n8 0 0 1 0 0 0 0.25\n9 0 0 1 0 0 0 9 1 0 2 0\n");
     }
 
     ToolResult import(QStringList const& options)
@@ -159,6 +159,8 @@ protected:
     ToolFolder folder;
 };
 
+constexpr char MISSING[] = "2 of 6 frames have no camera of their own, and it goes evenly from neighbour to neighbour "
+                           "there: 12-13";
 constexpr char OFF_CENTRE[] = "the principal point lies off the middle of the picture, by 4.00 pixels to the right and "
                               "-1.00 down; the camera of the scene looks through the middle, so move its picture by as "
                               "much";
@@ -167,17 +169,21 @@ TEST_F(ImportColmap, TellsWhatItFoundAndLeftOut)
 {
     ToolResult const people = import({"--fps", "25"});
     EXPECT_EQ(people.status, 0);
-    EXPECT_EQ(people.err, QByteArray("marlo-export: warning: ") + OFF_CENTRE + '\n');
+    EXPECT_EQ(people.err,
+              QByteArray("marlo-export: warning: ") + MISSING + "\nmarlo-export: warning: " + OFF_CENTRE + '\n');
     EXPECT_EQ(
         people.out,
         "shot.json\n"
+        "model: m (text)\n"
         "images: 4 of 640x480, footage: sequence\n"
-        "frames: 9 (f9.png) to 12 (f12.png)\n"
-        "points: 3, median error: 0.50 px, inaccurate: 1\n"
+        "frames: 9 (f9.png) to 14 (f14.png), by the numbers in the names\n"
+        "missing: 12-13\n"
+        "points: 3, median error: 0.50 px, inaccurate: 2\n"
+        "origin: 0, 0, 0 of the model, scale 1\n"
         "camera: focal length 28.13 mm on a film back of 36 mm, pixel aspect 1, principal point off the middle by "
         "4.00, -1.00 px (right, down)\n"
         "lens: radial1, tangential1\n"
-        "left out: 1 2D points and their tracks, colours of the points, a camera without images\n");
+        "left out: a camera without images, 1 2D points and their tracks, colours of the points\n");
     nlohmann::json const info = folder.run({"info", "shot.json", "--json"}).json();
     EXPECT_EQ(info.at("frameRate"), 25);
     EXPECT_EQ(info.at("clips")[0].at("name"), "shot");
@@ -187,23 +193,78 @@ TEST_F(ImportColmap, TellsWhatItFoundAndLeftOut)
               nlohmann::json(
                   {{"project", "shot.json"},
                    {"status", "written"},
+                   {"model", "m"},
+                   {"form", "text"},
                    {"images", 4},
                    {"firstFrame", 9},
-                   {"lastFrame", 12},
+                   {"lastFrame", 14},
                    {"firstImage", "f9.png"},
-                   {"lastImage", "f12.png"},
+                   {"lastImage", "f14.png"},
+                   {"frameNumbers", "names"},
+                   {"missing", {{12, 13}}},
                    {"footage", "sequence"},
                    {"points", 3},
-                   {"inaccurate", 1},
+                   {"pointsLeftOut", 0},
+                   {"inaccurate", 2},
                    {"medianError", 0.5},
+                   {"origin", {0.0, 0.0, 0.0}},
+                   {"scale", 1.0},
                    {"focalLength", {28.125, 28.125}},
                    {"pixelAspect", 1.0},
                    {"principalPoint", {4.0, -1.0}},
                    {"lens", {"radial1", "tangential1"}},
-                   {"leftOut", {"1 2D points and their tracks", "colours of the points", "a camera without images"}},
-                   {"warnings", {OFF_CENTRE}},
+                   {"leftOut", {"a camera without images", "1 2D points and their tracks", "colours of the points"}},
+                   {"warnings", {MISSING, OFF_CENTRE}},
                    {"reason", ""}}));
     EXPECT_TRUE(import({"--quiet", "--overwrite"}).out.isEmpty());
+}
+
+TEST_F(ImportColmap, FindsTheLargestModelOfAProject)
+{
+    QDir root(folder.path(""));
+    struct
+    {
+        char const* place;
+
+        /// Of images.bin; that in m has four images.
+        char count;
+        char const* model;
+        int status;
+    } const cases[] = {{"one/sparse/0", 0, "one/sparse/0", 0},
+                       {"two/sparse/1", 3, "two/sparse/0", 0},
+                       {"big/sparse/1", 5, "big/sparse/1", 3},
+                       {"flat/sparse", 0, "flat/sparse", 0},
+                       {"deep/0", 0, "deep/0", 0},
+                       {"lost/images", 0, "lost", 3}};
+    for (auto const& c : cases)
+    {
+        SCOPED_TRACE(c.place);
+        QString const project = QString::fromUtf8(c.place).section('/', 0, 0);
+        QString const text = c.count > 0 ? project + "/sparse/0" : QString::fromUtf8(c.place);
+        root.mkpath(c.place);
+        root.mkpath(text);
+        for (QString const& file : project == "lost" ? QStringList() : QDir(root.filePath("m")).entryList(QDir::Files))
+        {
+            QFile::copy(root.filePath("m/" + file), root.filePath(text + '/' + file));
+        }
+        if (c.count > 0)
+        {
+            folder.write(QString::fromUtf8(c.place) + "/cameras.bin", QByteArray(8, '\0'));
+            folder.write(QString::fromUtf8(c.place) + "/images.bin", QByteArray(1, c.count) + QByteArray(7, '\0'));
+        }
+        ToolResult const result = folder.run({"import", "colmap", project, "-o", "shot.json", "--overwrite", "--json"});
+        ASSERT_EQ(result.status, c.status) << result.err.toStdString();
+        EXPECT_EQ(result.err.contains("the largest of 2 models is read, two/sparse/0 with 4 images"), project == "two");
+        if (c.status == 0)
+        {
+            EXPECT_EQ(result.json().at("model"), c.model);
+            EXPECT_EQ(result.json().at("lastFrame"), 14);
+        }
+        else
+        {
+            EXPECT_TRUE(result.err.startsWith(QByteArray("marlo-export: ") + c.model)) << result.err.toStdString();
+        }
+    }
 }
 
 TEST_F(ImportColmap, RefusalsWriteNothing)
@@ -215,8 +276,15 @@ TEST_F(ImportColmap, RefusalsWriteNothing)
         int status;
         char const* words;
     } const cases[] = {
-        {"none", {}, 3, "none/cameras.txt: can't be opened"},
-        {"binary", {}, 3, "binary: holds a model in binary form; convert it to text"},
+        {"none", {}, 3, "none: no COLMAP model; neither cameras.txt nor cameras.bin is in there"},
+        {"binary", {}, 3, "binary/cameras.bin: byte 0: the file ends in the middle of the record"},
+        {"m", {"--origin", "1,2"}, 2, "\"1,2\" isn't X,Y,Z"},
+        {"m", {"--origin", "1,2,nan"}, 2, "\"1,2,nan\" isn't X,Y,Z"},
+        {"m", {"--scale", "0"}, 2, "\"0\" isn't a factor from 1e-9 to 1e9"},
+        {"m", {"--scale", "1e9", "--origin", "9,0,0"}, 3, "m: the scene would reach beyond 1e+09 units"},
+        {"m", {"--min-track", "0"}, 2, "--min-track"},
+        {"m", {"--max-error", "-1"}, 2, "\"-1\" isn't a number of pixels"},
+        {"m", {"--fps", "30/0"}, 2, "\"30/0\" isn't a rate"},
         {"broken", {"--json"}, 3, "broken/cameras.txt: line 1: the camera model \"1\""},
         {"m", {"-o", "-"}, 2, "import: -o needs the path of a project file"},
         {"m", {"--fps", "0"}, 2, "isn't a rate"},

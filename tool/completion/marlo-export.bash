@@ -21,7 +21,9 @@ _marlo_export_options()
         batch) echo "$common --preset -o --output $writing" ;;
         "preset add") echo "$common -o --output $stored" ;;
         "import corners") echo "$common -o --output --size --fps --name --y-up --order --overwrite --json --quiet" ;;
-        "import colmap") echo "$common -o --output --fps --overwrite --json --quiet" ;;
+        "import colmap")
+            echo "$common -o --output --fps --origin --scale --min-track --max-error --overwrite --json --quiet"
+            ;;
         *) echo "$common" ;;
     esac
 }
@@ -49,7 +51,8 @@ _marlo_export()
         word=${COMP_WORDS[i]}
         case $word in
             -o | --output | --lang | --kind | --layer | --layers | --view | --track | --reference-frame | --objects | \
-                --clip | --option | --preset | --size | --fps | --name | --order) ((i++)) ;;
+                --clip | --option | --preset | --size | --fps | --name | --order | --origin | --scale | --min-track | \
+                --max-error) ((i++)) ;;
             -*) ;;
             *)
                 case $command in
@@ -69,7 +72,8 @@ _marlo_export()
             mapfile -t COMPREPLY < <(compgen -f -- "$current")
             return
             ;;
-        --lang | --layer | --view | --reference-frame | --clip | --option | --preset | --size | --fps | --name | --order)
+        --lang | --layer | --view | --reference-frame | --clip | --option | --preset | --size | --fps | --name | --order | \
+            --origin | --scale | --min-track | --max-error)
             return
             ;;
         *)
