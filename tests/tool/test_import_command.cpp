@@ -49,7 +49,9 @@ TEST_F(ImportCommand, TellsWhatItFoundAndAssumed)
     EXPECT_EQ(people.out, "p.json\n"
                           "frames: 3 with corners, 10 to 15 (numbers of the table)\n"
                           "missing: 12-14\n"
-                          "axis: y down (default; --y-up for the other way); order of the corners: ul,ur,lr,ll\n");
+                          "axis: y down (default; --y-up for the other way); order of the corners: ul,ur,lr,ll\n"
+                          "pixels: 0,0 is the outer corner of the corner pixel (default; --pixel-centres for its "
+                          "middle)\n");
     nlohmann::json const info = folder.run({"info", "p.json", "--json"}).json();
     EXPECT_EQ(info.at("frameRate"), 24);
     EXPECT_EQ(info.at("clips")[0].at("name"), "t");
@@ -65,11 +67,39 @@ TEST_F(ImportCommand, TellsWhatItFoundAndAssumed)
                                               {"firstFrame", 10},
                                               {"lastFrame", 15},
                                               {"missing", {{12, 14}}},
+                                              {"gaps", "hold"},
                                               {"frameNumbers", "table"},
                                               {"axis", "y up"},
+                                              {"pixels", "edges"},
                                               {"order", "ll,lr,ur,ul"},
+                                              {"ignoredColumns", nlohmann::json::array()},
                                               {"warnings", nlohmann::json::array()},
                                               {"reason", ""}}));
+}
+
+TEST_F(ImportCommand, TakesATableFromAPipeWithWhatItLacks)
+{
+    folder.write("t.csv", "file,err,ulx,uly,urx,ury,lrx,lry,llx,lly\na_10.png,1,100,50,300,60,310,200,90,190\n"
+                          "a_11.png,,,,,,,,,\na_12.png,1,110,60,310,70,320,210,100,200\n");
+    auto const fromPipe = [this] { ASSERT_TRUE(freopen(qPrintable(folder.path("t.csv")), "r", stdin)); };
+    ToolResult const result =
+        folder.run({"import", "corners", "-", "-o", "p.json", "--size", "640x480", "--par", "2", "--start", "1001",
+                    "--pixel-centres", "--gaps", "interpolate", "--fps", "30000/1001"},
+                   fromPipe);
+    EXPECT_EQ(result.status, 0) << result.err.toStdString();
+    EXPECT_EQ(result.out, "p.json\n"
+                          "frames: 2 with corners, 1001 to 1003 (counted from --start)\n"
+                          "missing: 1002 (interpolated where corners lie on both sides)\n"
+                          "axis: y down (default; --y-up for the other way); order of the corners: ul,ur,lr,ll\n"
+                          "pixels: 0,0 is the middle of the corner pixel (--pixel-centres)\n"
+                          "ignored columns: err\n");
+    nlohmann::json const project = nlohmann::json::parse(folder.read("p.json").toStdString());
+    EXPECT_EQ(project.at("frameRate"), 30000 / 1001.0);
+    EXPECT_EQ(project.at("clips")[0].at("name"), "clip");
+    EXPECT_EQ(project.at("layers")[0].at("name"), "Layer1");
+    ToolResult const pin = folder.run({"export", "p.json", "after_effects_corner_pin", "-o", "-"});
+    EXPECT_EQ(pin.status, 0) << "no frame is missing";
+    EXPECT_TRUE(pin.out.contains("\t1\t105.5\t55.5\n")) << pin.out.toStdString();
 }
 
 TEST_F(ImportCommand, DoubtsMirroredAndCrossedCorners)
@@ -107,6 +137,14 @@ TEST_F(ImportCommand, RefusalsWriteNothing)
         {TABLE, {"--size", "640x480", "--order", "ul,ur,lr"}, 2, "isn't ul, ur, lr and ll"},
         {TABLE, {"--size", "640x480", "--order", "ul,ur,lr,lr"}, 2, "isn't ul, ur, lr and ll"},
         {TABLE, {"--size", "640x480", "--name", ""}, 2, "--name"},
+        {TABLE, {"--size", "640x480", "--par", "0"}, 2, "\"0\" isn't a pixel aspect"},
+        {TABLE, {"--size", "640x480", "--start", "1.5"}, 2, "\"1.5\" isn't a whole number"},
+        {TABLE,
+         {"--size", "640x480", "--start", "10000000"},
+         3,
+         "t.txt: from frame 10000000 on the last one is beyond"},
+        {TABLE, {"--size", "640x480", "--gaps", "fill"}, 2, "\"fill\" isn't one of hold|interpolate"},
+        {TABLE, {"--size", "640x480", "--fps", "30/1/1"}, 2, "isn't a rate"},
         {TABLE, {"--size", "640x480", "-o", "-"}, 2, ""},
     };
     for (auto const& c : cases)
