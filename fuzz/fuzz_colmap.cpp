@@ -1,5 +1,5 @@
-// Any bytes as the three texts of a COLMAP model, lines of "====" between them: a
-// project that can be read back, or one clear refusal.
+// Any bytes as the three files of a COLMAP model, lines of "====" between them, of binary
+// ones behind a line "binary": a project that can be read back, or one clear refusal.
 
 #include "marlohost/ColmapModel.h"
 #include "marlohost/ProjectFile.h"
@@ -12,14 +12,14 @@
 namespace
 {
 
-/// Takes the text before the next separator, and the separator.
-QByteArray takeText(QByteArray& rest)
+/// Takes what stands before the next separator, and the separator.
+QByteArray takeFile(QByteArray& rest)
 {
     static char const separator[] = "\n====\n";
     int const end = rest.indexOf(separator);
-    QByteArray const text = rest.left(end);
+    QByteArray const file = rest.left(end);
     rest = end < 0 ? QByteArray() : rest.mid(end + static_cast<int>(sizeof separator) - 2);
-    return text;
+    return file;
 }
 
 }
@@ -27,15 +27,23 @@ QByteArray takeText(QByteArray& rest)
 extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size)
 {
     QByteArray rest(reinterpret_cast<char const*>(data), static_cast<int>(size));
-    MarloHost::ColmapTexts texts;
-    texts.cameras = takeText(rest);
-    texts.images = takeText(rest);
-    texts.points = takeText(rest);
+    MarloHost::ColmapFiles files;
+    if (QByteArray const mark = "binary\n"; rest.startsWith(mark))
+    {
+        files.form = MarloHost::ColmapForm::Binary;
+        rest.remove(0, mark.size());
+    }
+    files.cameras = takeFile(rest);
+    files.images = takeFile(rest);
+    files.points = takeFile(rest);
+    MarloHost::ColmapImport import;
+    import.clipName = QStringLiteral("fuzz");
+    import.scale = size % 2 == 0 ? 1 : 1e9;
     MarloHost::ColmapProject result;
     try
     {
-        MarloHost::ColmapModel const model = MarloHost::readColmapModel(texts, QStringLiteral("fuzz"));
-        result = MarloHost::projectFromColmap(model, {QStringLiteral("fuzz"), 24});
+        MarloHost::ColmapModel const model = MarloHost::readColmapModel(files, QStringLiteral("fuzz"));
+        result = MarloHost::projectFromColmap(model, import);
     }
     catch (KORV_BadFile const& error)
     {

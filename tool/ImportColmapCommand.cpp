@@ -18,6 +18,7 @@ namespace
 {
 
 using Json = nlohmann::ordered_json;
+using MarloHost::ColmapFolder;
 using MarloHost::ColmapModel;
 using MarloHost::ColmapProject;
 using MarloHost::KeyedNumber;
@@ -64,11 +65,51 @@ QString orNone(QStringList const& list)
     return list.isEmpty() ? QStringLiteral("none") : list.join(QStringLiteral(", "));
 }
 
+/// Which of several models of a folder was read.
+QString modelsWarning(std::vector<ColmapFolder> const& models)
+{
+    QStringList others;
+    for (std::size_t i = 1; i < models.size(); ++i)
+    {
+        others += QStringLiteral("%1 (%2)").arg(models[i].path).arg(models[i].images);
+    }
+    return others.isEmpty()
+               ? QString()
+               : QStringLiteral("the largest of %1 models is read, %2 with %3 images; each has a space of its own, so "
+                                "name the folder of another one to import that: %4")
+                     .arg(models.size())
+                     .arg(models.front().path)
+                     .arg(models.front().images)
+                     .arg(shortList(others));
+}
+
+QString missingWarning(ColmapProject const& result)
+{
+    int count = 0;
+    for (auto const& [first, last] : result.missing)
+    {
+        count += last - first + 1;
+    }
+    return count == 0 ? QString()
+                      : QStringLiteral("%1 of %2 frames have no camera of their own, and it goes evenly from neighbour "
+                                       "to neighbour there: %3")
+                            .arg(count)
+                            .arg(result.project.clips.front().frameCount)
+                            .arg(rangesText(result.missing));
+}
+
 struct ColmapReport
 {
     ColmapModel const& model;
     ColmapProject const& result;
-    QString path;
+    ColmapImportChoices const& choices;
+    QStringList warnings;
+
+    QString numberingWord() const
+    {
+        static char const* const words[] = {"names", "runs", "counted"};
+        return QLatin1String(words[result.numbering]);
+    }
 
     MarloHost::ClipModel const& clip() const
     {
@@ -85,32 +126,39 @@ struct ColmapReport
         return extent(result.project.solve->camera.focalLength);
     }
 
-    std::size_t inaccurate() const
+    MarloHost::PointCloudModel points() const
     {
         auto const& features = result.project.solve->features;
-        return features.empty() ? 0 : features.front().points.inaccurate.size();
+        return features.empty() ? MarloHost::PointCloudModel() : features.front().points;
     }
 
     Json toJson() const
     {
         auto const [least, most] = focalLength();
-        return {{"project", jsonText(path)},
+        return {{"project", jsonText(choices.target.project)},
                 {"status", "written"},
+                {"model", jsonText(model.folder)},
+                {"form", model.form == MarloHost::ColmapForm::Text ? "text" : "binary"},
                 {"images", model.images.size()},
                 {"firstFrame", clip().frameOffset},
                 {"lastFrame", lastFrame()},
-                {"firstImage", jsonText(model.images.front().name)},
-                {"lastImage", jsonText(model.images.back().name)},
+                {"firstImage", jsonText(result.firstImage)},
+                {"lastImage", jsonText(result.lastImage)},
+                {"frameNumbers", jsonText(numberingWord())},
+                {"missing", jsonRanges(result.missing)},
                 {"footage", result.isSequence ? "sequence" : "solid"},
-                {"points", model.points.size()},
-                {"inaccurate", inaccurate()},
+                {"points", points().pointCount()},
+                {"pointsLeftOut", model.points.size() - static_cast<std::size_t>(points().pointCount())},
+                {"inaccurate", points().inaccurate.size()},
                 {"medianError", result.medianError ? Json(*result.medianError) : Json()},
+                {"origin", result.origin},
+                {"scale", choices.import.scale},
                 {"focalLength", {least, most}},
                 {"pixelAspect", clip().pixelAspect},
                 {"principalPoint", {result.principalRight, result.principalDown}},
                 {"lens", jsonTexts(lensTerms(clip()))},
                 {"leftOut", jsonTexts(result.leftOut)},
-                {"warnings", jsonTexts(result.warnings)},
+                {"warnings", jsonTexts(warnings)},
                 {"reason", ""}};
     }
 
@@ -124,29 +172,47 @@ struct ColmapReport
 
     QStringList lines() const
     {
-        ColmapModel::Image const& first = model.images.front();
-        ColmapModel::Image const& last = model.images.back();
         QString const error = result.medianError ? Text::fixedText(*result.medianError, 2) + QStringLiteral(" px")
                                                  : QStringLiteral("unknown");
-        return {path,
-                QStringLiteral("images: %1 of %2x%3, footage: %4")
-                    .arg(model.images.size())
-                    .arg(clip().width)
-                    .arg(clip().height)
-                    .arg(result.isSequence ? QStringLiteral("sequence") : QStringLiteral("solid")),
-                QStringLiteral("frames: %1 (").arg(clip().frameOffset) + first.name +
-                    QStringLiteral(") to %1 (").arg(lastFrame()) + last.name + QLatin1Char(')'),
-                QStringLiteral("points: %1, median error: %2, inaccurate: %3")
-                    .arg(model.points.size())
-                    .arg(error)
-                    .arg(inaccurate()),
-                QStringLiteral("camera: focal length %1 on a film back of 36 mm, pixel aspect %2, principal point off "
-                               "the middle by %3, %4 px (right, down)")
-                    .arg(focalText())
-                    .arg(clip().pixelAspect)
-                    .arg(Text::fixedText(result.principalRight, 2), Text::fixedText(result.principalDown, 2)),
-                QStringLiteral("lens: ") + orNone(lensTerms(clip())),
-                QStringLiteral("left out: ") + orNone(result.leftOut)};
+        auto const [x, y, z] = result.origin;
+        return {
+            choices.target.project,
+            QStringLiteral("model: ") + model.folder +
+                (model.form == MarloHost::ColmapForm::Text ? QStringLiteral(" (text)") : QStringLiteral(" (binary)")),
+            QStringLiteral("images: %1 of %2x%3, footage: %4")
+                .arg(model.images.size())
+                .arg(clip().width)
+                .arg(clip().height)
+                .arg(result.isSequence ? QStringLiteral("sequence") : QStringLiteral("solid")),
+            QStringLiteral("frames: %1 (").arg(clip().frameOffset) + result.firstImage +
+                QStringLiteral(") to %1 (").arg(lastFrame()) + result.lastImage + QStringLiteral("), ") +
+                numberingText(),
+            QStringLiteral("missing: ") + rangesText(result.missing),
+            QStringLiteral("points: %1, median error: %2, inaccurate: %3")
+                .arg(points().pointCount())
+                .arg(error)
+                .arg(points().inaccurate.size()),
+            QStringLiteral("origin: %1, %2, %3 of the model, scale %4")
+                .arg(exactText(x), exactText(y), exactText(z), exactText(choices.import.scale)),
+            QStringLiteral("camera: focal length %1 on a film back of 36 mm, pixel aspect %2, principal point off "
+                           "the middle by %3, %4 px (right, down)")
+                .arg(focalText())
+                .arg(clip().pixelAspect)
+                .arg(Text::fixedText(result.principalRight, 2), Text::fixedText(result.principalDown, 2)),
+            QStringLiteral("lens: ") + orNone(lensTerms(clip())),
+            QStringLiteral("left out: ") + orNone(result.leftOut)};
+    }
+
+    QString numberingText() const
+    {
+        static char const* const texts[] = {"by the numbers in the names", "by runs of numbers, one behind the other",
+                                            "counting the images"};
+        return QLatin1String(texts[result.numbering]);
+    }
+
+    static QString exactText(double number)
+    {
+        return QString::number(number, 'g', 15);
     }
 };
 
@@ -158,11 +224,15 @@ void importColmap(Options const& options, Console& console)
     QString const baseName = QFileInfo(colmap.target.project).completeBaseName();
     import.clipName = baseName.isEmpty() ? QStringLiteral("clip") : baseName;
 
-    ColmapModel const model = MarloHost::readColmapFolder(QDir::cleanPath(colmap.folder));
+    std::vector<ColmapFolder> const models = MarloHost::findColmapModels(QDir::cleanPath(colmap.folder));
+    ColmapModel const model = MarloHost::readColmapFolder(models.front());
     ColmapProject const result = MarloHost::projectFromColmap(model, import);
     writeImportedProject(colmap.target, MarloHost::writeProject(result.project), console);
-    ColmapReport const report{model, result, colmap.target.project};
-    reportImport(options, result.warnings, report.toJson(), report.lines(), console);
+    QStringList warnings{modelsWarning(models), missingWarning(result)};
+    warnings += result.warnings;
+    warnings.removeAll(QString());
+    ColmapReport const report{model, result, colmap, warnings};
+    reportImport(options, warnings, report.toJson(), report.lines(), console);
 }
 
 }

@@ -17,17 +17,11 @@ using Json = nlohmann::ordered_json;
 using MarloHost::CornerImport;
 using MarloHost::CornerTable;
 
-QString rangeText(std::pair<int, int> const& range)
-{
-    return range.first == range.second ? QString::number(range.first)
-                                       : QStringLiteral("%1-%2").arg(range.first).arg(range.second);
-}
-
-QString orderText(CornerImport const& import)
+QString orderText(CornerTable const& table, CornerImport const& import)
 {
     static char const* const words[] = {"ll", "lr", "ul", "ur"};
     QStringList order;
-    for (auto const corner : import.order)
+    for (auto const corner : MarloHost::cornerOrder(table, import))
     {
         order += QLatin1String(words[corner]);
     }
@@ -62,87 +56,83 @@ struct ImportReport
     CornerTable const& table;
     CornerImport const& import;
     QString project;
+    bool isRenumbered;
     QStringList warnings;
 
     Json toJson() const
     {
-        Json missing = Json::array();
-        for (auto const& [first, last] : table.missingFrames())
-        {
-            missing.push_back({first, last});
-        }
         return {{"project", jsonText(project)},
                 {"status", "written"},
                 {"frames", table.rows.size()},
                 {"firstFrame", table.firstFrame},
                 {"lastFrame", table.lastFrame},
-                {"missing", missing},
+                {"missing", jsonRanges(table.missingFrames())},
+                {"gaps", import.interpolateGaps ? "interpolate" : "hold"},
                 {"frameNumbers", table.hasFrameNumbers ? "table" : "counted"},
                 {"axis", import.yUp ? "y up" : "y down"},
-                {"order", jsonText(orderText(import))},
+                {"pixels", import.pixelCentres ? "centres" : "edges"},
+                {"order", jsonText(orderText(table, import))},
+                {"ignoredColumns", jsonTexts(table.ignoredColumns)},
                 {"warnings", jsonTexts(warnings)},
                 {"reason", ""}};
     }
 
     QStringList lines() const
     {
-        QStringList missing;
-        for (std::pair<int, int> const& range : table.missingFrames())
-        {
-            missing += rangeText(range);
-        }
-        return {
+        FrameRanges const missing = table.missingFrames();
+        bool const isFilled = import.interpolateGaps && !missing.empty();
+        QStringList lines{
             project,
             QStringLiteral("frames: %1 with corners, %2 to %3 (%4)")
                 .arg(table.rows.size())
                 .arg(table.firstFrame)
                 .arg(table.lastFrame)
-                .arg(table.hasFrameNumbers ? QStringLiteral("numbers of the table") : QStringLiteral("counted from 1")),
-            QStringLiteral("missing: ") + (missing.isEmpty() ? QStringLiteral("none") : missing.join(", ")),
+                .arg(numbersText()),
+            QStringLiteral("missing: ") + rangesText(missing) +
+                (isFilled ? QStringLiteral(" (interpolated where corners lie on both sides)") : QString()),
             QStringLiteral("axis: y %1 (%2); order of the corners: %3")
                 .arg(import.yUp ? QStringLiteral("up") : QStringLiteral("down"),
                      import.yUp ? QStringLiteral("--y-up") : QStringLiteral("default; --y-up for the other way"),
-                     orderText(import))};
+                     orderText(table, import)),
+            QStringLiteral("pixels: 0,0 is the ") +
+                (import.pixelCentres ? QStringLiteral("middle of the corner pixel (--pixel-centres)")
+                                     : QStringLiteral("outer corner of the corner pixel (default; --pixel-centres for "
+                                                      "its middle)"))};
+        if (!table.ignoredColumns.isEmpty())
+        {
+            lines += QStringLiteral("ignored columns: ") + shortList(table.ignoredColumns);
+        }
+        return lines;
+    }
+
+    QString numbersText() const
+    {
+        if (isRenumbered)
+        {
+            return QStringLiteral("counted from --start");
+        }
+        return table.hasFrameNumbers ? QStringLiteral("numbers of the table") : QStringLiteral("counted from 1");
     }
 };
-
-CornerTable readTable(QString const& path)
-{
-    try
-    {
-        return MarloHost::readCornerTableFile(path);
-    }
-    catch (KORV_BadFile const& error)
-    {
-        throw Failure(UnreadableInput, error.message());
-    }
-}
-
-MarloHost::ProjectModel makeModel(CornerTable const& table, CornerImport const& import)
-{
-    try
-    {
-        return MarloHost::projectFromCorners(table, import);
-    }
-    catch (KORV_BadFile const& error)
-    {
-        throw Failure(UnreadableInput, error.message());
-    }
-}
 
 void importCorners(Options const& options, Console& console)
 {
     CornerImportChoices const& corners = options.corners;
     checkImportTarget(corners.target, console);
-    CornerTable const table = readTable(corners.table);
+    CornerTable table = MarloHost::readCornerTableFile(corners.table);
+    if (corners.start)
+    {
+        table.startAt(*corners.start);
+    }
     CornerImport import = corners.import;
     QString const baseName = QFileInfo(corners.table).completeBaseName();
-    import.clipName = baseName.isEmpty() ? QStringLiteral("clip") : baseName;
-    writeImportedProject(corners.target, MarloHost::writeProject(makeModel(table, import)), console);
+    import.clipName = baseName.isEmpty() || corners.table == QLatin1String("-") ? QStringLiteral("clip") : baseName;
+    QByteArray const project = MarloHost::writeProject(MarloHost::projectFromCorners(table, import));
+    writeImportedProject(corners.target, project, console);
 
     QString const warning = orientationWarning(table, import);
     QStringList const warnings = warning.isEmpty() ? QStringList() : QStringList(warning);
-    ImportReport const report{table, import, corners.target.project, warnings};
+    ImportReport const report{table, import, corners.target.project, corners.start.has_value(), warnings};
     reportImport(options, warnings, report.toJson(), report.lines(), console);
 }
 
@@ -150,6 +140,13 @@ void importCorners(Options const& options, Console& console)
 
 ExitStatus runImportCorners(Options const& options, Console& console)
 {
-    importCorners(options, console);
+    try
+    {
+        importCorners(options, console);
+    }
+    catch (KORV_BadFile const& error)
+    {
+        throw Failure(UnreadableInput, error.message());
+    }
     return Success;
 }

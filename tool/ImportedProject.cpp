@@ -8,6 +8,33 @@
 #include <QDir>
 #include <QFileInfo>
 
+QString rangesText(FrameRanges const& ranges)
+{
+    QStringList texts;
+    for (auto const& [first, last] : ranges)
+    {
+        texts += first == last ? QString::number(first) : QStringLiteral("%1-%2").arg(first).arg(last);
+    }
+    return texts.isEmpty() ? QStringLiteral("none") : shortList(texts);
+}
+
+nlohmann::ordered_json jsonRanges(FrameRanges const& ranges)
+{
+    nlohmann::ordered_json list = nlohmann::ordered_json::array();
+    for (auto const& [first, last] : ranges)
+    {
+        list.push_back({first, last});
+    }
+    return list;
+}
+
+QString shortList(QStringList const& list)
+{
+    constexpr int MOST = 20;
+    QString const shown = list.mid(0, MOST).join(QStringLiteral(", "));
+    return list.size() <= MOST ? shown : shown + QStringLiteral(" and %1 more").arg(list.size() - MOST);
+}
+
 void checkImportTarget(ImportTarget const& target, Console const& console)
 {
     if (target.project == QLatin1String("-"))

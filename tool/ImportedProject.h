@@ -5,7 +5,22 @@
 
 #include <nlohmann/json.hpp>
 
+#include <utility>
+#include <vector>
+
 class Console;
+
+/// Frames from and to, both included.
+using FrameRanges = std::vector<std::pair<int, int>>;
+
+/// "12-14, 20"; the first of many, "none" for none.
+QString rangesText(FrameRanges const& ranges);
+
+/// [[12, 14], [20, 20]], all of them.
+nlohmann::ordered_json jsonRanges(FrameRanges const& ranges);
+
+/// The first of a list that may be long, with commas between.
+QString shortList(QStringList const& list);
 
 /// Refuses a target that no project can be written to, before anything is read.
 /// @throws Failure

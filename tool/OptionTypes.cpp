@@ -1,18 +1,5 @@
 #include "OptionTypes.h"
 
-#include <map>
-
-namespace
-{
-
-using Corners = Korvane::TrackingExporterTypes;
-
-constexpr int MAX_RASTER = 65'536;
-constexpr double MIN_RATE = 0.001;
-constexpr double MAX_RATE = 100'000;
-
-}
-
 QString fromArgument(std::string const& argument)
 {
     return QString::fromStdString(argument);
@@ -50,53 +37,4 @@ QString notEmpty(std::string const& option, QString const& text)
         throw CLI::ValidationError(option, "needs a text that isn't empty");
     }
     return text;
-}
-
-double frameRate(QString const& text)
-{
-    bool isNumber = false;
-    double const rate = text.toDouble(&isNumber);
-    if (!isNumber || !(rate >= MIN_RATE && rate <= MAX_RATE))
-    {
-        throw CLI::ValidationError("--fps", "\"" + text.toStdString() +
-                                                "\" isn't a rate from 0.001 to 100000 frames per second");
-    }
-    return rate;
-}
-
-QSize rasterSize(QString const& text)
-{
-    QStringList const numbers = text.split(QLatin1Char('x'), Qt::KeepEmptyParts, Qt::CaseInsensitive);
-    int const width = numbers.size() == 2 ? numbers[0].toInt() : 0;
-    int const height = numbers.size() == 2 ? numbers[1].toInt() : 0;
-    if (width < 1 || width > MAX_RASTER || height < 1 || height > MAX_RASTER)
-    {
-        throw CLI::ValidationError("--size", "\"" + text.toStdString() + "\" isn't WIDTHxHEIGHT, such as 1920x1080");
-    }
-    return QSize(width, height);
-}
-
-std::array<Corners::SurfaceCorner, 4> cornerOrder(QString const& text)
-{
-    static std::map<QString, Corners::SurfaceCorner> const corners{{"ul", Corners::UpperLeft},
-                                                                   {"ur", Corners::UpperRight},
-                                                                   {"lr", Corners::LowerRight},
-                                                                   {"ll", Corners::LowerLeft}};
-    QStringList const words = text.toLower().split(QLatin1Char(','));
-    std::array<Corners::SurfaceCorner, 4> order{};
-    for (int i = 0; words.size() == 4 && i < 4; ++i)
-    {
-        auto const found = corners.find(words[i]);
-        if (found == corners.end() || words.indexOf(words[i]) != i)
-        {
-            break;
-        }
-        order[static_cast<std::size_t>(i)] = found->second;
-        if (i == 3)
-        {
-            return order;
-        }
-    }
-    throw CLI::ValidationError("--order", "\"" + text.toStdString() +
-                                              "\" isn't ul, ur, lr and ll in some order, such as ul,ur,lr,ll");
 }

@@ -2,14 +2,10 @@
 // The types of option values: from the words of the command line to values, with one
 // wording for what is wrong with them. All errors are CLI::ValidationError.
 
-#include "Host/TrackingExporter.h"
-
 #include <CLI/CLI.hpp>
-#include <QSize>
 #include <QString>
 #include <QStringList>
 
-#include <array>
 #include <functional>
 #include <string>
 #include <utility>
@@ -56,12 +52,3 @@ int wholeNumber(std::string const& option, QString const& text);
 
 /// The text itself.
 QString notEmpty(std::string const& option, QString const& text);
-
-/// Frames per second.
-double frameRate(QString const& text);
-
-/// WIDTHxHEIGHT in pixels.
-QSize rasterSize(QString const& text);
-
-/// The corners ul, ur, lr and ll, each once, in any order.
-std::array<Korvane::TrackingExporterTypes::SurfaceCorner, 4> cornerOrder(QString const& text);

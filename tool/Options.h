@@ -61,9 +61,13 @@ struct ImportTarget
 
 struct CornerImportChoices
 {
+    /// Path, or "-" for standard input.
     QString table;
     ImportTarget target;
     MarloHost::CornerImport import;
+
+    /// Number of the first frame; unset means the table's.
+    std::optional<int> start;
 };
 
 struct ColmapImportChoices

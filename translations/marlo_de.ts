@@ -90,6 +90,18 @@
         <source>Static_auto_features</source>
         <translation>Statische_Auto_Features</translation>
     </message>
+    <message>
+        <source>Several nulls have one name: %1. What hangs on a null is tied to it by its name, so rename the layers, groups or points.</source>
+        <translation>Mehrere Nullobjekte haben denselben Namen: %1. Was an einem Nullobjekt hängt, wird ihm über dessen Namen zugeordnet; bitte Ebenen, Gruppen oder Punkte umbenennen.</translation>
+    </message>
+    <message>
+        <source>These models stand where they would if their layers were at the origin, as this format has no hierarchy: %1</source>
+        <translation>Diese Modelle stehen, wo sie stünden, wenn ihre Ebenen im Ursprung wären, weil dieses Format keine Hierarchie hat: %1</translation>
+    </message>
+    <message>
+        <source>The six digits of this format put points up to %1 pixels off. Bring the origin of the scene near to its points.</source>
+        <translation>Die sechs Stellen dieses Formats verschieben Punkte um bis zu %1 Pixel. Bitte den Ursprung der Szene in die Nähe ihrer Punkte legen.</translation>
+    </message>
 </context>
 <context>
     <name>Export::CameraSolveExporterFactory</name>

@@ -8,6 +8,8 @@
 
 #include "Host/KORV_Exception.h"
 #include "plane/Homography.h"
+#include "CornerCells.h"
+#include "FrameRanges.h"
 #include "TextLines.h"
 
 #include <algorithm>
@@ -53,6 +55,14 @@ Token lastDigits(Token name)
     return name.substr(begin);
 }
 
+/// Whether a cell counts time in hours, minutes, seconds and frames, or some of these.
+bool isTimeCode(Token token)
+{
+    bool const isOnlyDigits =
+        std::all_of(token.begin(), token.end(), [](char c) { return isDigit(c) || c == ':' || c == ';' || c == '.'; });
+    return isOnlyDigits && !token.empty() && isDigit(token.front()) && token.find(':') != Token::npos;
+}
+
 class TableReader
 {
 public:
@@ -65,8 +75,9 @@ public:
     {
         while (!m_lines.atEnd())
         {
-            splitLine(m_lines.take());
-            if (!m_tokens.empty() && !isHeader())
+            Token const line = m_lines.take();
+            splitLine(line);
+            if (!isHeader(line) && !m_cells.empty())
             {
                 readRow();
             }
@@ -79,6 +90,7 @@ public:
                     .arg(m_table.fileName),
                 QString());
         }
+        refuseNormalised();
         return std::move(m_table);
     }
 
@@ -88,83 +100,103 @@ private:
         m_lines.fail(quoted(token) + QLatin1Char(' ') + QLatin1String(cause));
     }
 
-    /// Fills m_tokens. A "#" inside of a word, as file names may have it, is no comment.
     void splitLine(Token line)
     {
-        m_tokens.clear();
-        bool awaitsCell = false;
-        for (std::size_t i = 0; i < line.size();)
+        splitCells(line, m_columns.separator, m_cells);
+        if (m_columns.areNamed() && m_cells.size() != m_columns.count)
         {
-            char const c = line[i];
-            if (c == '#')
-            {
-                break;
-            }
-            if (c == ',' || c == ';')
-            {
-                checkCell(awaitsCell || m_tokens.empty());
-                awaitsCell = true;
-                ++i;
-            }
-            else if (isBlank(c))
-            {
-                ++i;
-            }
-            else
-            {
-                std::size_t const end = std::min(line.find_first_of(" \t\v\f,;", i), line.size());
-                m_tokens.push_back(line.substr(i, end - i));
-                awaitsCell = false;
-                i = end;
-            }
-        }
-        checkCell(awaitsCell);
-    }
-
-    void checkCell(bool isEmpty) const
-    {
-        if (isEmpty)
-        {
-            m_lines.fail(QStringLiteral("an empty cell; write NaN for a number that is missing"));
+            splitCells(line, ANY_SEPARATOR, m_cells);
         }
     }
 
-    /// Whether the line is the first with anything in it, and has no number.
-    bool isHeader()
+    /// Whether the line is the first with anything in it, and has no number; or names the
+    /// columns in a comment ahead of that.
+    bool isHeader(Token line)
     {
-        bool const isFirst = !m_sawText;
-        m_sawText = true;
-        return isFirst && std::none_of(m_tokens.begin(), m_tokens.end(),
-                                       [](Token token) { return numberOf(token) || isNaN(token); });
+        if (m_sawText)
+        {
+            return false;
+        }
+        m_sawText = !m_cells.empty();
+        auto const isValue = [](Token token) { return numberOf(token) || isNaN(token); };
+        bool const isEmpty = std::all_of(m_cells.begin(), m_cells.end(), [](Token token) { return token.empty(); });
+        if (std::any_of(m_cells.begin(), m_cells.end(), isValue) || (isEmpty && !m_cells.empty()))
+        {
+            return false;
+        }
+        if (std::optional<CornerColumns> const columns = columnsOfHeader(line))
+        {
+            m_columns = *columns;
+            m_table.order = columns->order;
+            m_table.ignoredColumns = columns->ignored;
+            m_table.hasFrameNumbers = columns->frame.has_value();
+            m_sawText = true;
+        }
+        return true;
     }
 
     void readRow()
     {
-        if (m_tokens.size() != NUMBERS && m_tokens.size() != NUMBERS + 1)
+        if (isTimeCode(m_cells.front()))
+        {
+            failAt(m_cells.front(), "is a time code; count frames instead");
+        }
+        bool const isFirst = m_firstRowLine == 0;
+        m_firstRowLine = isFirst ? m_lines.number() : m_firstRowLine;
+        std::optional<Token> const frameCell = takeColumns(isFirst);
+        int const frame = frameCell ? frameNumber(*frameCell) : m_table.lastFrame + 1;
+        addFrame(frame);
+        readCorners(frame);
+    }
+
+    /// Picks the eight cells of the corners.
+    /// @return the cell with the frame, where there is one
+    std::optional<Token> takeColumns(bool isFirst)
+    {
+        bool const isUsual = m_cells.size() == NUMBERS || m_cells.size() == NUMBERS + 1;
+        bool const isUsualHeader = m_columns.count == NUMBERS || m_columns.count == NUMBERS + 1;
+        if (isFirst && isUsual && isUsualHeader && m_columns.ignored.isEmpty() && m_cells.size() != m_columns.count)
+        {
+            m_columns = CornerColumns(); // frames without a heading, or a heading without frames
+        }
+        if (m_columns.areNamed())
+        {
+            if (m_cells.size() != m_columns.count)
+            {
+                m_lines.fail(QStringLiteral("%1 values; the header names %2").arg(m_cells.size()).arg(m_columns.count));
+            }
+            for (std::size_t i = 0; i < NUMBERS; ++i)
+            {
+                m_numbers[i] = m_cells[m_columns.corners[i]];
+            }
+            return m_columns.frame ? std::make_optional(m_cells[*m_columns.frame]) : std::nullopt;
+        }
+        if (!isUsual)
         {
             m_lines.fail(
-                QStringLiteral("%1 values; expected eight numbers, with a frame number or a file name in front or not")
-                    .arg(m_tokens.size()));
+                QStringLiteral("%1 values; expected eight numbers, with a frame number or a file name in front "
+                               "or not; columns may have any place under a header that names the corners, "
+                               "ulx, uly, urx, ury, lrx, lry, llx, lly")
+                    .arg(m_cells.size()));
         }
-        bool const hasFrame = m_tokens.size() == NUMBERS + 1;
-        if (m_firstRowLine == 0)
-        {
-            m_firstRowLine = m_lines.number();
-            m_table.hasFrameNumbers = hasFrame;
-        }
+        bool const hasFrame = m_cells.size() == NUMBERS + 1;
+        m_table.hasFrameNumbers = isFirst ? hasFrame : m_table.hasFrameNumbers;
         if (hasFrame != m_table.hasFrameNumbers)
         {
             m_lines.fail(QStringLiteral("%1 a frame number, unlike line %2")
                              .arg(hasFrame ? QStringLiteral("has") : QStringLiteral("lacks"))
                              .arg(m_firstRowLine));
         }
-        int const frame = hasFrame ? frameNumber(m_tokens.front()) : m_table.lastFrame + 1;
-        addFrame(frame);
-        readCorners(frame, m_tokens.size() - NUMBERS);
+        std::copy(m_cells.end() - NUMBERS, m_cells.end(), m_numbers.begin());
+        return hasFrame ? std::make_optional(m_cells.front()) : std::nullopt;
     }
 
     int frameNumber(Token token) const
     {
+        if (isTimeCode(token))
+        {
+            failAt(token, "is a time code; count frames instead");
+        }
         std::optional<double> number = numberOf(token);
         if (!number && !isNaN(token))
         {
@@ -206,15 +238,24 @@ private:
         }
     }
 
-    void readCorners(int frame, std::size_t firstToken)
+    void readCorners(int frame)
     {
+        auto const empty = std::count_if(m_numbers.begin(), m_numbers.end(), [](Token token) { return token.empty(); });
+        if (empty == NUMBERS)
+        {
+            return;
+        }
+        if (empty > 0)
+        {
+            m_lines.fail(QStringLiteral("an empty cell; write NaN for a number that is missing"));
+        }
         CornerTable::Row row;
         row.frame = frame;
         row.line = m_lines.number();
         bool isMissing = false;
         for (std::size_t i = 0; i < NUMBERS; ++i)
         {
-            Token const token = m_tokens[firstToken + i];
+            Token const token = m_numbers[i];
             std::optional<double> const number = numberOf(token);
             if (!number && !isNaN(token))
             {
@@ -242,9 +283,32 @@ private:
         m_table.rows.push_back(row);
     }
 
+    /// Nothing that is tracked is two pixels large.
+    void refuseNormalised() const
+    {
+        constexpr double MOST = 2;
+        auto const isSmall = [](CornerTable::Row const& row)
+        { return std::all_of(row.corners.begin(), row.corners.end(), [](double c) { return std::fabs(c) <= MOST; }); };
+        std::vector<CornerTable::Row> const& rows = m_table.rows;
+        auto const small = static_cast<std::size_t>(std::count_if(rows.begin(), rows.end(), isSmall));
+        if (2 * small > rows.size())
+        {
+            throw KORV_BadFile(
+                __FILE__, __LINE__,
+                QStringLiteral(
+                    "%1: line %2: the corners look normalised, as their numbers are from -2 to 2; multiply x "
+                    "by the width and y by the height of the picture, since corners are in pixels")
+                    .arg(m_table.fileName)
+                    .arg(std::find_if(rows.begin(), rows.end(), isSmall)->line),
+                QString());
+        }
+    }
+
     TextLines m_lines;
     CornerTable m_table;
-    std::vector<Token> m_tokens;
+    CornerColumns m_columns;
+    std::vector<Token> m_cells;
+    std::array<Token, NUMBERS> m_numbers;
     int m_firstRowLine = 0;
     bool m_sawText = false;
 };
@@ -253,31 +317,45 @@ private:
 
 std::vector<std::pair<int, int>> CornerTable::missingFrames() const
 {
-    std::vector<std::pair<int, int>> ranges;
-    int next = firstFrame;
-    for (Row const& row : rows)
+    return missingRanges(rows, firstFrame, lastFrame, [](Row const& row) { return row.frame; });
+}
+
+void CornerTable::startAt(int frame)
+{
+    if (frame > MAX_FRAME - (lastFrame - firstFrame))
     {
-        if (row.frame > next)
-        {
-            ranges.emplace_back(next, row.frame - 1);
-        }
-        next = row.frame + 1;
+        throw KORV_BadFile(
+            __FILE__, __LINE__,
+            QStringLiteral("%1: from frame %2 on the last one is beyond the numbers that a project takes "
+                           "(%3)")
+                .arg(fileName)
+                .arg(frame)
+                .arg(MAX_FRAME),
+            QString());
     }
-    if (next <= lastFrame)
+    int const shift = frame - firstFrame;
+    firstFrame += shift;
+    lastFrame += shift;
+    for (Row& row : rows)
     {
-        ranges.emplace_back(next, lastFrame);
+        row.frame += shift;
     }
-    return ranges;
 }
 
 CornerTable readCornerTable(QByteArray const& text, QString const& fileName)
 {
+    if (QString const kind = foreignKindOf(text); !kind.isEmpty())
+    {
+        throw KORV_BadFile(__FILE__, __LINE__, fileName + QLatin1String(": ") + kind, QString());
+    }
     return TableReader(text, fileName).read();
 }
 
 CornerTable readCornerTableFile(QString const& path)
 {
-    return readCornerTable(readWholeFile(path, MAX_FILE_BYTES), path);
+    return path == QLatin1String("-")
+               ? readCornerTable(readStandardInput(MAX_FILE_BYTES), QStringLiteral("standard input"))
+               : readCornerTable(readWholeFile(path, MAX_FILE_BYTES), path);
 }
 
 }

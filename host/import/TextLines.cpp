@@ -7,6 +7,8 @@
 #include <algorithm>
 #include <charconv>
 
+#include <unistd.h>
+
 namespace MarloHost
 {
 
@@ -85,16 +87,14 @@ void TextLines::fail(QString const& cause) const
                        place);
 }
 
-QByteArray readWholeFile(QString const& path, qint64 most)
+namespace
+{
+
+QByteArray readOpened(QFile& file, QString const& name, qint64 most)
 {
     auto const refuse = [&](QString const& cause)
-    { return KORV_BadFile(__FILE__, __LINE__, path + QStringLiteral(": ") + cause, QString()); };
+    { return KORV_BadFile(__FILE__, __LINE__, name + QStringLiteral(": ") + cause, QString()); };
 
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
-    {
-        throw refuse(QStringLiteral("can't be opened (%1)").arg(file.errorString()));
-    }
     // Reading reserves what it is asked for; a size of 0 is that of pipes, too.
     QByteArray const bytes = file.read((file.size() > 0 ? qMin(file.size(), most) : most) + 1);
     // An error behind the first bytes shows as missing ones only.
@@ -107,6 +107,30 @@ QByteArray readWholeFile(QString const& path, qint64 most)
         throw refuse(QStringLiteral("larger than %1 bytes").arg(most));
     }
     return bytes;
+}
+
+}
+
+QByteArray readWholeFile(QString const& path, qint64 most)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+    {
+        throw KORV_BadFile(__FILE__, __LINE__, path + QStringLiteral(": can't be opened (%1)").arg(file.errorString()),
+                           QString());
+    }
+    return readOpened(file, path, most);
+}
+
+QByteArray readStandardInput(qint64 most)
+{
+    QString const name = QStringLiteral("standard input");
+    QFile file;
+    if (!file.open(STDIN_FILENO, QIODevice::ReadOnly))
+    {
+        throw KORV_BadFile(__FILE__, __LINE__, name + QStringLiteral(": can't be opened"), QString());
+    }
+    return readOpened(file, name, most);
 }
 
 }

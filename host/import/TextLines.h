@@ -71,4 +71,7 @@ private:
 /// @throws KORV_BadFile when it can't be opened or read, or is larger than `most`
 QByteArray readWholeFile(QString const& path, qint64 most);
 
+/// The bytes up to the end of what is piped into the program; errors as readWholeFile.
+QByteArray readStandardInput(qint64 most);
+
 }

@@ -8,8 +8,10 @@
 
 #include <QByteArray>
 #include <QString>
+#include <QStringList>
 
 #include <array>
+#include <optional>
 #include <utility>
 #include <vector>
 
@@ -44,6 +46,16 @@ struct MARLO_HOST_API CornerTable
     /// Whether the rows say their frame, as a number or in a file name.
     bool hasFrameNumbers = false;
 
+    /// Which corner each pair of a row is, where the header says so.
+    std::optional<std::array<Korvane::TrackingExporterTypes::SurfaceCorner, 4>> order{};
+
+    /// Names of columns that the header names beside frame and corners.
+    QStringList ignoredColumns;
+
+    /// Numbers the frames anew, from this one on.
+    /// @throws KORV_BadFile when the last is beyond what a project takes
+    void startAt(int frame);
+
     /// The frames from first to last that have no corners, as ranges with both ends
     /// included.
     std::vector<std::pair<int, int>> missingFrames() const;
@@ -53,16 +65,18 @@ struct MARLO_HOST_API CornerTable
 ///
 /// A line holds eight numbers, split by blanks, tabs, commas or semicolons. In front
 /// of them may stand a frame number, or a file name whose last digits are one; then it
-/// does so in all lines. A first line without any number is a header. Empty lines and
-/// what follows a "#" are skipped. A row of zeros, or with the word NaN, says that
-/// the frame has no corners. Anything else is an error: a table that is read by guess
-/// puts the surface into the wrong place.
+/// does so in all lines. A first line without any number is a header. Where it names the
+/// corners (ulx, top_left_x, x1 and their like), columns may stand in any place and others
+/// beside them. Empty lines and what follows a "#" are skipped. A row of zeros, of empty cells
+/// or with the word NaN, says that the frame has no corners. Anything else is an error: a table
+/// that is read by guess puts the surface into the wrong place. So are time codes, numbers that
+/// look normalised, and files that are something else by their first lines.
 ///
 /// @param fileName stands in error texts
 /// @throws KORV_BadFile with one line for the user: file, line number, what is wrong
 MARLO_HOST_API CornerTable readCornerTable(QByteArray const& text, QString const& fileName);
 
-/// Reads a table of corners from disk.
+/// Reads a table of corners from disk, or for "-" from standard input.
 /// @throws KORV_BadFile also when the file can't be opened or is too large
 MARLO_HOST_API CornerTable readCornerTableFile(QString const& path);
 
@@ -77,23 +91,39 @@ struct MARLO_HOST_API CornerImport
     int width = 0;
     int height = 0;
 
+    /// Width of a pixel divided by its height.
+    double pixelAspect = 1.0;
+
     /// Frames per second.
     double frameRate = 24.0;
-    QString layerName = QStringLiteral("Layer 1");
+    QString layerName = QStringLiteral("Layer1");
 
     /// Whether the y of the table runs up from the bottom edge; else down from the top.
     bool yUp = false;
 
-    /// Which corner each pair of a row is.
-    std::array<Corners::SurfaceCorner, 4> order{Corners::UpperLeft, Corners::UpperRight, Corners::LowerRight,
-                                                Corners::LowerLeft};
+    /// Whether whole numbers are the middles of pixels, so that the corner pixel's middle is
+    /// (0, 0); else they are the edges, and it is (0.5, 0.5).
+    bool pixelCentres = false;
+
+    /// Which corner each pair of a row is; unset takes what the header says, or upper left,
+    /// upper right, lower right, lower left.
+    std::optional<std::array<Corners::SurfaceCorner, 4>> order{};
+
+    /// Whether corners of frames between two rows are made, on the straight line from one to the
+    /// other; else these frames have no tracking data.
+    bool interpolateGaps = false;
 };
+
+/// Which corner each pair of a row is, in the end.
+MARLO_HOST_API std::array<Korvane::TrackingExporterTypes::SurfaceCorner, 4> cornerOrder(CornerTable const& table,
+                                                                                        CornerImport const& import);
 
 /// The project of a table: a clip whose shown frame numbers are those of the table,
 /// and a layer, current and selected, that is tracked in every frame with corners.
 /// The surface is that of the first such frame; the layer ends where the corners do.
 ///
-/// @throws KORV_BadFile when the motion to a row's corners is singular
+/// @throws KORV_BadFile when the motion to a row's corners is singular, or so many frames have to
+///         be made that somebody mistook the numbers
 MARLO_HOST_API ProjectModel projectFromCorners(CornerTable const& table, CornerImport const& import);
 
 /// How the corners lie in the picture, counted over the rows of a table.

@@ -19,12 +19,14 @@
 
 #include "AfterEffects/AE3DMotionExporter.h"
 
+#include "AfterEffects/SolveDigits.h"
 #include "Host/KORV_Layer.h"
 #include "Host/PluginHost.h"
 #include "Host/Product.h"
 #include "Host/ZN_ClipInfo.h"
 #include "Writing/Results.h"
 #include "Writing/ThrowHelpers.h"
+#include "text/NumberText.h"
 
 #include <boost/make_shared.hpp>
 
@@ -33,6 +35,8 @@
 #include <QVariant>
 
 #include <algorithm>
+#include <map>
+#include <optional>
 #include <set>
 
 namespace Export
@@ -112,10 +116,11 @@ Korvane::ExportedFiles AE3DMotionExporter::exportCameraSolve(KORV_ProjectManager
     }
 
     AEExportBuilder builder(AEExportBuilder::AfterEffects);
-    writeAll(builder, includeFeatures);
+    QStringList warnings = writeAll(builder, includeFeatures);
 
+    warnings.prepend(warnInaccurateNulls());
     Korvane::ExportedFiles result =
-        fileResult(path, builder.bytes(), static_cast<int>(builder.getErrorCount()), {warnInaccurateNulls()});
+        fileResult(path, builder.bytes(), static_cast<int>(builder.getErrorCount()), warnings);
     if (!project.pluginHost() || !project.pluginHost()->isAdobe())
     {
         result.notices.push_back(
@@ -242,6 +247,11 @@ public:
         {
             writeBlock(camera.contexts, camera.positions, camera.rotations, {}, camera.focalLengths,
                        camera.focalIsAnimated);
+            ZN_BaseClipInfo const& clip = *m_solve.baseClipInfo();
+            double const width = clip.width() * clip.format().par();
+            m_digits.emplace(camera, width / static_cast<double>(m_solve.filmSize()), width,
+                             static_cast<double>(static_cast<float>(clip.height()) * m_solve.heightScale()),
+                             m_exporter.m_positionScale, m_nulls.size());
         }
         m_done.clear();
         writeLayers();
@@ -250,8 +260,36 @@ public:
         writeAssets();
     }
 
+    /// What the user must know of what was written.
+    QStringList warnings() const
+    {
+        constexpr double VISIBLE_PIXELS = 0.1;
+        QStringList list;
+        if (!m_clashes.isEmpty())
+        {
+            list += tr("Several nulls have one name: %1. What hangs on a null is tied to it by its name, so rename the "
+                       "layers, groups or points.")
+                        .arg(listed(m_clashes));
+        }
+        if (!m_strayModels.isEmpty())
+        {
+            list += tr("These models stand where they would if their layers were at the origin, as this format has no "
+                       "hierarchy: %1")
+                        .arg(listed(m_strayModels));
+        }
+        if (m_digits && m_digits->mostPixels() > VISIBLE_PIXELS)
+        {
+            list +=
+                tr("The six digits of this format put points up to %1 pixels off. Bring the origin of the scene near "
+                   "to its points.")
+                    .arg(Text::fixedText(m_digits->mostPixels(), 2));
+        }
+        return list;
+    }
+
 private:
     using Layer = boost::shared_ptr<KORV_Layer>;
+    using Carrier = SolveDigits::Carrier;
 
     // The nulls, in the order of their documents.
 
@@ -283,6 +321,27 @@ private:
             QString const parent = layer ? layerNullName(*layer) : QString();
             m_nulls.push_back({QFileInfo(asset->path()).baseName(), parent, false});
         }
+        noteClashes();
+    }
+
+    // Names of what others hang on that something else has, too.
+    void noteClashes()
+    {
+        for (AEExportBuilder::NullHeaderInfo const& null : m_nulls)
+        {
+            auto const owners = m_parents.find(null.name);
+            bool const isTaken = owners != m_parents.end() && (!null.isParent || owners->second.size() > 1);
+            if (isTaken && !m_clashes.contains(null.name))
+            {
+                m_clashes += null.name;
+            }
+        }
+    }
+
+    void listParent(QString const& name, QString const& parent, void const* owner)
+    {
+        m_nulls.push_back({name, parent, true});
+        m_parents[name].insert(owner);
     }
 
     void listPoints(std::vector<unsigned int> const& points, QString const& parent)
@@ -300,7 +359,7 @@ private:
             return layerNullName(*layer);
         }
         QString const root = tr("Static_auto_features");
-        m_nulls.push_back({root, QString(), true});
+        listParent(root, QString(), &m_scene.staticFeatureRoot());
         return root;
     }
 
@@ -319,10 +378,10 @@ private:
             parent = withoutBlanks(group->name());
             if (m_done.insert(group).second)
             {
-                m_nulls.push_back({parent, QString(), true});
+                listParent(parent, QString(), group);
             }
         }
-        m_nulls.push_back({name, parent, true});
+        listParent(name, parent, &layer);
         return name;
     }
 
@@ -338,11 +397,7 @@ private:
             {
                 continue;
             }
-            if (m_hierarchy)
-            {
-                writeLayerNullBlocks(*layer);
-            }
-            writePoints(points);
+            writePoints(points, m_hierarchy ? writeLayerNullBlocks(*layer) : Carrier());
         }
     }
 
@@ -359,18 +414,14 @@ private:
             {
                 continue;
             }
+            Carrier carrier;
             if (m_hierarchy)
             {
-                if (Korvane::LayerBase const* const layer = parentOf(*features))
-                {
-                    writeLayerNullBlocks(*layer);
-                }
-                else
-                {
-                    writeObject(m_scene.staticFeatureRoot(), true);
-                }
+                Korvane::LayerBase const* const layer = parentOf(*features);
+                carrier =
+                    layer ? writeLayerNullBlocks(*layer) : writeObject(m_scene.staticFeatureRoot(), true, Carrier());
             }
-            writePoints(points);
+            writePoints(points, carrier);
         }
         m_solve.clearParamData();
     }
@@ -381,9 +432,14 @@ private:
         for (auto const& asset : m_scene.fileAssets())
         {
             // A layer that has no points of its own is named for its asset only.
-            if (Korvane::LayerBase const* const layer = m_hierarchy ? parentOf(*asset) : nullptr)
+            Korvane::LayerBase const* const layer = parentOf(*asset);
+            if (layer && m_hierarchy)
             {
                 writeLayerNullBlocks(*layer);
+            }
+            if (layer && !m_hierarchy && !isAtOrigin(*layer))
+            {
+                m_strayModels += QFileInfo(asset->path()).baseName();
             }
             PointAnimData data = m_solve.collectPointData(asset->points(), true, false);
             toPercent(data.scales);
@@ -392,28 +448,30 @@ private:
         }
     }
 
-    void writeLayerNullBlocks(Korvane::LayerBase const& layer)
+    // Writes the null of a layer, and that of its group ahead of it, when they are new.
+    Carrier const& writeLayerNullBlocks(Korvane::LayerBase const& layer)
     {
-        if (!m_done.insert(&layer).second)
+        if (m_done.insert(&layer).second)
         {
-            return;
+            Korvane::LayerGroup const* const group = carrierOf(layer);
+            if (group && m_done.insert(group).second)
+            {
+                m_carriers[group] = writeObject(group->points(), true, Carrier());
+            }
+            m_carriers[&layer] = writeObject(layer.points(), !group, group ? m_carriers[group] : Carrier());
         }
-        Korvane::LayerGroup const* const group = carrierOf(layer);
-        if (group && m_done.insert(group).second)
-        {
-            writeObject(group->points(), true);
-        }
-        writeObject(layer.points(), !group);
+        return m_carriers[&layer];
     }
 
-    void writeObject(ZN::Point3DParameterSet const& object, bool worldSpace)
+    Carrier writeObject(ZN::Point3DParameterSet const& object, bool worldSpace, Carrier const& parent)
     {
         PointAnimData data = m_solve.collectPointData(object, worldSpace, false);
         toPercent(data.scales);
         writeBlock(data.contexts, data.positions, data.rotations, data.scales, {}, false);
+        return m_digits ? m_digits->carrier(data, parent) : Carrier();
     }
 
-    void writePoints(std::vector<unsigned int> const& points)
+    void writePoints(std::vector<unsigned int> const& points, Carrier const& parent)
     {
         for (unsigned int const point : points)
         {
@@ -421,6 +479,10 @@ private:
             if (!data.contexts.empty())
             {
                 writeBlock(data.contexts, data.positions, data.rotations, data.scales, {}, false);
+                if (m_digits)
+                {
+                    m_digits->measure(data, parent);
+                }
             }
         }
     }
@@ -532,6 +594,25 @@ private:
         return carried.parentID().isEmpty() ? nullptr : m_project.sm()->layerFromID(carried.parentID()).get();
     }
 
+    // Whether what is relative to the layer is so to the scene.
+    bool isAtOrigin(Korvane::LayerBase const& layer) const
+    {
+        PointAnimData const data = m_solve.collectPointData(layer.points(), true, false);
+        auto const areAll = [](std::vector<Vector3> const& samples, double value)
+        {
+            return std::all_of(samples.begin(), samples.end(),
+                               [=](Vector3 const& v) { return v.x == value && v.y == value && v.z == value; });
+        };
+        return areAll(data.positions, 0.0) && areAll(data.rotations, 0.0) && areAll(data.scales, 1.0);
+    }
+
+    static QString listed(QStringList const& names)
+    {
+        constexpr int MOST_NAMES = 10;
+        QString const text = names.mid(0, MOST_NAMES).join(QStringLiteral(", "));
+        return names.size() <= MOST_NAMES ? text : text + QStringLiteral(", ...");
+    }
+
     static Korvane::LayerGroup const* carrierOf(Korvane::LayerBase const& layer)
     {
         return layer.isMoving() ? layer.parentGroup(false) : nullptr;
@@ -548,15 +629,26 @@ private:
 
     /// Layers and groups that the running walk has been to.
     std::set<Korvane::LayerBase const*> m_done;
+
+    /// What bears a name that others give as their parent's.
+    std::map<QString, std::set<void const*>> m_parents;
+    QStringList m_clashes;
+    QStringList m_strayModels;
+
+    /// Set once the camera was written.
+    std::optional<SolveDigits> m_digits;
+    std::map<Korvane::LayerBase const*, Carrier> m_carriers;
 };
 
-void AE3DMotionExporter::writeAll(AEExportBuilder& builder, bool includeFeatures) const
+QStringList AE3DMotionExporter::writeAll(AEExportBuilder& builder, bool includeFeatures) const
 {
     if (!m_project || !m_project->sm())
     {
-        return;
+        return {};
     }
-    SceneWriter(*this, builder, includeFeatures).write();
+    SceneWriter writer(*this, builder, includeFeatures);
+    writer.write();
+    return writer.warnings();
 }
 
 }

@@ -7,6 +7,7 @@
 #include "Host/KORV_ProjectManager.h"
 
 #include <QPointer>
+#include <QStringList>
 
 #include <memory>
 #include <vector>
@@ -52,7 +53,8 @@ protected:
     boost::shared_ptr<ZN::Camera3DParameterSet> cameraForExport() const;
     ZN::Scene3DParameterSet& scene3DData() const;
 
-    void writeAll(AEExportBuilder& builder, bool includeFeatures) const;
+    /// @return what the user must know of it, one line each
+    QStringList writeAll(AEExportBuilder& builder, bool includeFeatures) const;
 
 private:
     class SceneWriter;

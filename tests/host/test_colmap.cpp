@@ -1,5 +1,5 @@
-// COLMAP's text models: that the project's own camera and lens show the points where the
-// images have them, what order frames get, and what is refused with which words.
+// COLMAP's models: that the project's own camera and lens show the points where the images
+// have them, in both forms, what frames images get, and what is refused with which words.
 
 #include "QtPrinting.h"
 #include "marlohost/ClipLens.h"
@@ -9,6 +9,7 @@
 #include "Host/KORV_Exception.h"
 
 #include <Eigen/Geometry>
+#include <QDataStream>
 #include <QFile>
 #include <QTextStream>
 #include <gtest/gtest.h>
@@ -19,7 +20,6 @@
 using MarloHost::ColmapImport;
 using MarloHost::ColmapModel;
 using MarloHost::ColmapProject;
-using MarloHost::ColmapTexts;
 using MarloHost::ProjectModel;
 using MarloHost::valueAt;
 
@@ -44,13 +44,14 @@ ColmapProject import(ColmapModel const& model)
     return MarloHost::projectFromColmap(model, {QStringLiteral("clip"), 24});
 }
 
-/// Images of these names with camera 1, and the pose at rest.
+/// Images of these names with camera 1, at x = 1, 2, ...
 QByteArray imagesNamed(QList<QByteArray> const& names)
 {
     QByteArray text;
     for (int i = 0; i < names.size(); ++i)
     {
-        text += QByteArray::number(i + 1) + ' ' + POSE + " 1 " + names[i] + "\n\n";
+        QByteArray const id = QByteArray::number(i + 1);
+        text += id + " 1 0 0 0 -" + id + " 0 0 1 " + names[i] + "\n\n";
     }
     return text;
 }
@@ -136,7 +137,7 @@ double worstMiss(ProjectModel const& project, ColmapModel const& model)
 
 TEST(Colmap, RealImagesShowThePointsWhereTheProjectDoes)
 {
-    ColmapModel const model = MarloHost::readColmapFolder(QString::fromUtf8(CASTLE));
+    ColmapModel const model = MarloHost::readColmapFolder({QString::fromUtf8(CASTLE)});
     ProjectModel const project =
         MarloHost::readProject(MarloHost::writeProject(import(model).project), QStringLiteral("castle.json"));
     ASSERT_EQ(project.clips[0].footage.firstIndex, 7100);
@@ -276,51 +277,286 @@ TEST(Colmap, AnglesGoOnFromFrameToFrame)
     }
 }
 
-TEST(Colmap, NamesGiveOrderAndFootage)
+// The first name is the first frame, whatever the order of the others.
+TEST(Colmap, NamesGiveFramesAndFootage)
 {
     struct
     {
+        /// Names in the order of time.
         QList<QByteArray> names;
-        QStringList sorted;
+
+        /// As they are shown.
+        std::vector<int> frames;
 
         /// Directory, prefix, width, suffix and first index; empty for a solid.
         QString footage;
         int warnings;
     } const cases[] = {
-        {{"f10.png", "f2.png", "f9.png", "f8.png"}, {"f2.png", "f8.png", "f9.png", "f10.png"}, "", 1},
-        {{"f10.png", "f9.png", "f8.png"}, {"f8.png", "f9.png", "f10.png"}, "./f 1 .png 8", 0},
-        {{"a b_0002.png", "a b_0001.png"}, {"a b_0001.png", "a b_0002.png"}, "./a b_ 4 .png 1", 0},
-        {{"v2/s_099.jpg", "v2/s_100.jpg"}, {"v2/s_099.jpg", "v2/s_100.jpg"}, "v2/s_ 3 .jpg 99", 0},
-        {{"7_v2.png", "8_v2.png"}, {"7_v2.png", "8_v2.png"}, "./ 1 _v2.png 7", 0},
-        {{"09.png", "8.png"}, {"8.png", "09.png"}, "", 1},
-        {{"1/f.png", "2/f.png"}, {"1/f.png", "2/f.png"}, "", 0},
-        {{"b.png", "a.png"}, {"a.png", "b.png"}, "", 0},
-        {{"a1.png", "a2.jpg"}, {"a1.png", "a2.jpg"}, "", 0},
-        {{"20231105101500000.png", "20231105101500001.png"}, {"20231105101500000.png", "20231105101500001.png"}, "", 0},
-        {{"x01.png", "x1.png"}, {"x01.png", "x1.png"}, "", 1},
+        {{"f2.png", "f8.png", "f9.png", "f10.png"}, {2, 8, 9, 10}, "./f 1 .png 2", 0},
+        {{"a b_0001.png", "a b_0002.png"}, {1, 2}, "./a b_ 4 .png 1", 0},
+        {{"cam2/s_099.jpg", "cam2/s_104.jpg"}, {99, 104}, "cam2/s_ 3 .jpg 99", 0},
+        {{"7_v2.png", "9_v2.png"}, {7, 9}, "./ 1 _v2.png 7", 0},
+        {{"shot2/f0042.png"}, {42}, "shot2/f 4 .png 42", 0},
+        {{"8.png", "09.png"}, {8, 9}, "", 1},
+        {{"a1.png", "a2.jpg", "a5.png"}, {1, 2, 5}, "", 0},
+        {{"1/f.png", "2/f.png", "5/f.png"}, {1, 2, 5}, "", 1},
+        {{"a/f07.png", "a/f09.png", "b/f12.png"}, {7, 9, 12}, "", 0},
+        {{"a2/f7.png", "a2/f9.png", "a10/f3.png", "a10/f6.png"}, {7, 9, 10, 13}, "", 1},
+        {{"f1_a.png", "f3_a.png", "f1_b.png", "f2_b.png"}, {1, 3, 4, 5}, "", 1},
+        {{"a.png", "b.png"}, {0, 1}, "", 0},
+        {{"alone.png"}, {0}, "", 0},
+        {{"a.png", "f7.png", "f9.png"}, {0, 1, 2}, "", 1},
+        {{"20231105101500000.png", "20231105101500033.png"}, {0, 1}, "", 1},
+        {{"IMG_20231105_101500.jpg", "IMG_20231105_101620.jpg"}, {0, 1}, "", 1},
+        {{"x01.png", "x1.png"}, {0, 1}, "", 1},
     };
     for (auto const& c : cases)
     {
         SCOPED_TRACE(c.names[0].constData());
-        ColmapModel const model = read(CAMERA, imagesNamed(c.names));
-        QStringList sorted;
-        for (ColmapModel::Image const& image : model.images)
+        QList<QByteArray> reversed = c.names;
+        std::reverse(reversed.begin(), reversed.end());
+        ColmapProject const result = import(read(CAMERA, imagesNamed(reversed)));
+        MarloHost::ClipModel const& clip = result.project.clips[0];
+        std::vector<int> shown = result.project.solve->camera.pose.frames;
+        shown = shown.empty() ? std::vector<int>{0} : shown;
+        std::for_each(shown.begin(), shown.end(), [&](int& frame) { frame += clip.frameOffset; });
+        EXPECT_EQ(shown, c.frames);
+        EXPECT_EQ(clip.frameCount, c.frames.back() - c.frames.front() + 1);
+        EXPECT_EQ(result.firstImage, QString::fromUtf8(c.names.front()));
+        EXPECT_EQ(result.lastImage, QString::fromUtf8(c.names.back()));
+        // Poses go with their names.
+        std::vector<double> const& positions = result.project.solve->camera.pose.positions;
+        EXPECT_EQ(positions.front(), c.names.size());
+        EXPECT_EQ(positions[positions.size() - 3], 1);
+        int missing = 0;
+        for (auto const& [first, last] : result.missing)
         {
-            sorted += image.name;
+            missing += last - first + 1;
         }
-        EXPECT_EQ(sorted, c.sorted);
-        ColmapProject const result = import(model);
-        MarloHost::FootageModel const& f = result.project.clips[0].footage;
-        QString const footage = f.kind == MarloHost::FootageModel::Sequence ? QStringLiteral("%1/%2 %3 %4 %5")
-                                                                                  .arg(f.directory, f.prefix)
-                                                                                  .arg(f.indexWidth)
-                                                                                  .arg(f.suffix)
-                                                                                  .arg(f.firstIndex)
-                                                                            : QString();
-        EXPECT_EQ(footage, c.footage);
-        EXPECT_EQ(result.isSequence, !footage.isEmpty());
-        EXPECT_EQ(result.project.clips[0].frameOffset, f.firstIndex);
+        EXPECT_EQ(missing, clip.frameCount - c.names.size());
+        MarloHost::FootageModel const& f = clip.footage;
+        EXPECT_EQ(f.kind == MarloHost::FootageModel::Sequence ? QStringLiteral("%1/%2 %3 %4 %5")
+                                                                    .arg(f.directory, f.prefix)
+                                                                    .arg(f.indexWidth)
+                                                                    .arg(f.suffix)
+                                                                    .arg(f.firstIndex)
+                                                              : QString(),
+                  c.footage);
+        EXPECT_EQ(result.isSequence, !c.footage.isEmpty());
         EXPECT_EQ(result.warnings.size(), c.warnings);
+    }
+    using Ranges = std::vector<std::pair<int, int>>;
+    EXPECT_EQ(import(read(CAMERA, imagesNamed({"f2.png", "f4.png", "f8.png"}))).missing, (Ranges{{3, 3}, {5, 7}}));
+}
+
+/// The model's files in binary form.
+MarloHost::ColmapFiles binaryOf(ColmapModel const& model, qint32 cameraModel = 2)
+{
+    MarloHost::ColmapFiles files;
+    files.form = MarloHost::ColmapForm::Binary;
+    auto const start = [](QDataStream& out, std::size_t count)
+    {
+        out.setByteOrder(QDataStream::LittleEndian);
+        out << quint64(count);
+    };
+    QDataStream cameras(&files.cameras, QIODevice::WriteOnly);
+    start(cameras, model.cameras.size());
+    for (ColmapModel::Camera const& c : model.cameras)
+    {
+        cameras << quint32(c.id) << cameraModel << quint64(c.width) << quint64(c.height) << c.focalX << c.principalX
+                << c.principalY << c.radial[0];
+    }
+    QDataStream images(&files.images, QIODevice::WriteOnly);
+    start(images, model.images.size());
+    for (ColmapModel::Image const& image : model.images)
+    {
+        images << quint32(image.id);
+        for (double const number : image.rotation)
+        {
+            images << number;
+        }
+        for (double const number : image.translation)
+        {
+            images << number;
+        }
+        images << quint32(model.cameras[image.camera].id);
+        QByteArray const name = image.name.toUtf8() + '\0';
+        images.writeRawData(name.constData(), name.size());
+        images << quint64(1) << 1.5 << 2.5 << ~quint64(0);
+    }
+    QDataStream points(&files.points, QIODevice::WriteOnly);
+    start(points, model.points.size());
+    for (ColmapModel::Point const& p : model.points)
+    {
+        points << quint64(p.id) << p.position[0] << p.position[1] << p.position[2] << quint8(1) << quint8(2)
+               << quint8(3) << p.error << quint64(p.track);
+        for (std::int64_t i = 0; i < p.track; ++i)
+        {
+            points << quint32(1) << quint32(i);
+        }
+    }
+    return files;
+}
+
+TEST(Colmap, BinaryFormShowsThePointsToo)
+{
+    ColmapModel const model = MarloHost::readColmapFolder({QString::fromUtf8(CASTLE)});
+    ColmapModel const binary = MarloHost::readColmapModel(binaryOf(model), QStringLiteral("m"));
+    EXPECT_LT(worstMiss(import(binary).project, binary), 0.01);
+    EXPECT_EQ(import(binary).project.solve->features[0].points.positions,
+              import(model).project.solve->features[0].points.positions);
+    EXPECT_EQ(binary.observations, 11);
+}
+
+TEST(Colmap, BinaryFormIsRefusedWhereItIsBroken)
+{
+    ColmapModel const model = read("1 SIMPLE_RADIAL 640 480 500 320 240 0", IMAGE, "7 1 2 3 0 0 0 1 1 0");
+    MarloHost::ColmapFiles const whole = binaryOf(model);
+    auto const messageOf = [](MarloHost::ColmapFiles const& files)
+    {
+        try
+        {
+            import(MarloHost::readColmapModel(files, QStringLiteral("m")));
+        }
+        catch (KORV_BadFile const& error)
+        {
+            EXPECT_FALSE(error.message().contains('\n'));
+            return error.message();
+        }
+        return QStringLiteral("read");
+    };
+    EXPECT_EQ(messageOf(whole), "read");
+    using Files = MarloHost::ColmapFiles;
+    for (auto const& [name, file] : {std::pair("m/cameras.bin: ", &Files::cameras),
+                                     {"m/images.bin: ", &Files::images},
+                                     {"m/points3D.bin: ", &Files::points}})
+    {
+        // Cut off anywhere, continued, and with any byte changed: nothing is read beyond the end.
+        for (int i = 0; i < (whole.*file).size(); ++i)
+        {
+            Files broken = whole;
+            (broken.*file).truncate(i);
+            EXPECT_TRUE(messageOf(broken).startsWith(name)) << i;
+            broken = whole;
+            (broken.*file)[i] = '\xFF';
+            messageOf(broken);
+        }
+        Files longer = whole;
+        longer.*file += '\0';
+        EXPECT_TRUE(messageOf(longer).contains("1 bytes too many")) << messageOf(longer).toStdString();
+    }
+    for (auto const& [number, words] : {std::pair(5, "OPENCV_FISHEYE is that of a fisheye"), {23, "camera model 23"}})
+    {
+        QString const message = messageOf(binaryOf(model, number));
+        EXPECT_TRUE(message.startsWith("m/cameras.bin: byte 8: ") && message.contains(words)) << message.toStdString();
+    }
+}
+
+TEST(Colmap, FarOffModelsGetAnOriginNearTheirPoints)
+{
+    ColmapModel const model = MarloHost::readColmapFolder({QString::fromUtf8(CASTLE)});
+    EXPECT_EQ(import(model).origin, (std::array<double, 3>{0, 0, 0}));
+    std::array<double, 3> const shift{512'345.25, 5'403'210.5, 310.75};
+    ColmapModel far = model;
+    for (ColmapModel::Point& point : far.points)
+    {
+        std::transform(shift.begin(), shift.end(), point.position.begin(), point.position.begin(), std::plus<>());
+    }
+    for (ColmapModel::Image& image : far.images)
+    {
+        auto const [w, x, y, z] = image.rotation;
+        Eigen::Vector3d const back = Eigen::Quaterniond(w, x, y, z) * Eigen::Vector3d(shift.data());
+        for (int axis = 0; axis < 3; ++axis)
+        {
+            image.translation[static_cast<std::size_t>(axis)] -= back[axis];
+        }
+    }
+    ColmapImport options{QStringLiteral("clip"), 24};
+    for (bool const isSet : {false, true})
+    {
+        options.origin = isSet ? std::make_optional(shift) : std::nullopt;
+        options.scale = isSet ? 2.5 : 1;
+        ColmapProject const result = MarloHost::projectFromColmap(far, options);
+        EXPECT_EQ(result.warnings.filter("--origin").size(), isSet ? 0 : 1);
+        ColmapImport near = options;
+        near.origin.emplace();
+        for (std::size_t axis = 0; axis < 3; ++axis)
+        {
+            EXPECT_NEAR(result.origin[axis], shift[axis], 20);
+            (*near.origin)[axis] = result.origin[axis] - shift[axis];
+        }
+        ColmapProject const expected = MarloHost::projectFromColmap(model, near);
+        EXPECT_LT((pointOf(result.project, 9) - pointOf(expected.project, 9)).norm(), 1e-7);
+        EXPECT_NEAR(result.project.solve->camera.pose.positions[31], expected.project.solve->camera.pose.positions[31],
+                    1e-7);
+        // The picture doesn't care.
+        EXPECT_LT(std::hypot(pinhole(result.project, 5, pointOf(result.project, 9)).x -
+                                 pinhole(import(model).project, 5, pointOf(import(model).project, 9)).x,
+                             0),
+                  1e-5);
+    }
+}
+
+TEST(Colmap, NearlySquarePixelsAreSquare)
+{
+    struct
+    {
+        double fy;
+        double aspect;
+        double squeeze;
+        char const* pixels;
+    } const cases[] = {
+        {500, 1, 1, ""},
+        {500.1, 1, 500 / 500.1, ""},
+        {504.9, 1, 500 / 504.9, "0.97 % of one another; the camera of the scene is off by up to 2.33 pixels"},
+        {495.1, 1, 500 / 495.1, "0.99 % of one another; the camera of the scene is off by up to 2.38 pixels"},
+        {505.1, 1.0102, 1, ""},
+        {1000, 2, 1, ""}};
+    for (auto const& c : cases)
+    {
+        QByteArray const camera = "1 PINHOLE 640 480 500 " + QByteArray::number(c.fy, 'g', 17) + " 320 240\n";
+        ColmapProject const result = import(read(camera, IMAGE));
+        MarloHost::ClipModel const& clip = result.project.clips[0];
+        EXPECT_DOUBLE_EQ(clip.pixelAspect, c.aspect);
+        EXPECT_DOUBLE_EQ(clip.lens ? clip.lens->squeeze.value : 1, c.squeeze);
+        EXPECT_DOUBLE_EQ(result.project.solve->camera.focalLength.value, 500 / 640.0 * 36);
+        EXPECT_TRUE(result.warnings.join(' ').contains(c.pixels)) << result.warnings.join(' ').toStdString();
+        EXPECT_EQ(result.warnings.isEmpty(), *c.pixels == '\0');
+    }
+}
+
+TEST(Colmap, PointsCanBeThinned)
+{
+    QByteArray const points = "1 0 0 1 0 0 0 0.5 1 0 2 0 3 0\n"
+                              "2 0 0 1 0 0 0 1.5 1 0 2 0 3 0\n"
+                              "3 0 0 1 0 0 0 0.5 1 0 2 0\n"
+                              "4 0 0 1 0 0 0 -1 1 0 2 0 3 0\n"
+                              "5 0 0 1 0 0 0 0.25\n";
+    ColmapModel const model = read(CAMERA, IMAGE, points);
+    struct
+    {
+        std::int64_t leastTrack;
+        std::optional<double> mostError;
+        QStringList names;
+        std::vector<int> inaccurate;
+    } const cases[] = {{0, {}, {"Point 1", "Point 2", "Point 3", "Point 4", "Point 5"}, {4}},
+                       {3, {}, {"Point 1", "Point 2", "Point 4"}, {}},
+                       {0, 0.5, {"Point 1", "Point 3", "Point 5"}, {2}},
+                       {1, 1.0, {"Point 1", "Point 3"}, {}}};
+    for (auto const& c : cases)
+    {
+        ColmapImport options{QStringLiteral("clip"), 24};
+        options.leastTrack = c.leastTrack;
+        options.mostError = c.mostError;
+        ColmapProject const result = MarloHost::projectFromColmap(model, options);
+        EXPECT_EQ(result.project.solve->features.at(0).points.names, c.names);
+        EXPECT_EQ(result.project.solve->features.at(0).points.inaccurate, c.inaccurate);
+        EXPECT_EQ(result.medianError, 0.5);
+        EXPECT_EQ(result.leftOut.filter("--min-track").size(), c.names.size() < 5 ? 1 : 0);
+        options.mostError = 0.1;
+        EXPECT_TRUE(MarloHost::projectFromColmap(model, options).project.solve->features.empty());
+        options.leastTrack = 1;
+        EXPECT_THROW(MarloHost::projectFromColmap(read(CAMERA, IMAGE, "1 0 0 1 0 0 0 0.5"), options), KORV_BadFile);
     }
 }
 
@@ -395,7 +631,7 @@ TEST(Colmap, CamerasThatDifferBecomeKeys)
     EXPECT_TRUE(lens.centreY.values.empty());
     EXPECT_EQ(result.project.clips[0].pixelAspect, 1) << "that of most images";
     ASSERT_EQ(result.warnings.size(), 2);
-    EXPECT_TRUE(result.warnings[0].contains("disagree about the shape of a pixel")) << result.warnings[0].toStdString();
+    EXPECT_TRUE(result.warnings[0].contains("don't fit the pixel aspect 1")) << result.warnings[0].toStdString();
     EXPECT_TRUE(result.warnings[0].contains("4.71 pixels")) << result.warnings[0].toStdString();
     EXPECT_TRUE(result.warnings[1].contains("by 2.00 pixels to the right and 0.00 down"));
     EXPECT_EQ(result.leftOut, QStringList("a camera without images"));
@@ -431,7 +667,10 @@ TEST(Colmap, RefusesWhatItWouldHaveToGuess)
         {"# none", image, "", "m/images.txt: line 1: there is no camera 1 in cameras.txt"},
         {camera, "# none\n", "", "m/images.txt: no image"},
         {"1 OPENCV_FISHEYE 640 480 500 500 320 240 0 0 0 0", image, "",
-         "m/cameras.txt: line 1: the camera model \"OPENCV_FISHEYE\" isn't one that a project's lens follows: "
+         "m/cameras.txt: line 1: the camera model OPENCV_FISHEYE is that of a fisheye, which a project's lens can't "
+         "follow; let \"colmap image_undistorter\" make images"},
+        {"1 POLYNOMIAL 640 480 500", image, "",
+         "m/cameras.txt: line 1: the camera model \"POLYNOMIAL\" isn't one that a project's lens follows: "
          "SIMPLE_PINHOLE, PINHOLE, SIMPLE_RADIAL, RADIAL, OPENCV, FULL_OPENCV;"},
         {"1 FULL_OPENCV 640 480 500 500 320 240 0 0 0 0 0 0.1 0 0", image, "", "k4 of FULL_OPENCV isn't 0"},
         {"1 PINHOLE 640 480 500 500 320", image, "", "line 1: the line ends where a camera parameter should stand"},
@@ -440,7 +679,7 @@ TEST(Colmap, RefusesWhatItWouldHaveToGuess)
         {"1 PINHOLE 640 65537 500 500 320 240", image, "", "a height of 65537 pixels"},
         {"1 PINHOLE 640 48.5 500 500 320 240", image, "", "expected height, a whole number from 0 up, found \"48.5\""},
         {"1 PINHOLE 640 480 500 nan 320 240", image, "", "expected a camera parameter, a number, found \"nan\""},
-        {"1 PINHOLE 640 480 500 500 1e10 240", image, "", "\"1e10\" as a camera parameter is beyond"},
+        {"1 PINHOLE 640 480 500 500 1e10 240", image, "", "1e+10 as a camera parameter is beyond"},
         {"1 PINHOLE 640 480 0 500 320 240", image, "",
          "m/cameras.txt: line 1: camera 1 has focal lengths of 0 and 500"},
         {"1 PINHOLE 640 480 500 5001 320 240", image, "", "which no lens has on a picture of 640x480"},
@@ -449,7 +688,7 @@ TEST(Colmap, RefusesWhatItWouldHaveToGuess)
         {camera + camera, image, "", "m/cameras.txt: line 2: camera 1 stands twice"},
         {camera + "\n2 SIMPLE_PINHOLE 641 480 500 320 240", image + "2 " + pose + " 2 b.png", "",
          "m/cameras.txt: line 3: camera 2 has pictures of 641x480 pixels, camera 1 of 640x480"},
-        {camera, "1 " + pose + " 1\n\n", "", "line 1: the line ends where the image's name should stand"},
+        {camera, "1 " + pose + " 1\n\n", "", "line 1: the image has no name"},
         {camera, "1 0 0 0 0 0 0 0 1 a.png", "", "line 1: the quaternion is 0"},
         {camera, "1 1 0 0 inf 0 0 0 1 a.png", "", "found \"inf\""},
         {camera, "1 1 0 0 0 0 0 0x1 1 a.png", "", "expected a number of the translation, a number, found \"0x1\""},
@@ -458,7 +697,7 @@ TEST(Colmap, RefusesWhatItWouldHaveToGuess)
         {camera, "1 " + pose + " 1 " + QByteArray(5000, 'x'), "", "name is longer than 4096 bytes"},
         {camera, image + image, "", "m/images.txt: line 3: image 1 stands twice"},
         {camera, image + "2 " + pose + " 1 a.png", "",
-         "m/images.txt: line 3: the image \"a.png\" stands in line 1 already"},
+         "m/images.txt: line 3: the image \"a.png\" stands twice, as image 1 too"},
         {camera, "1 " + pose + " 1 a.png\n2 " + pose + " 1 b.png", "",
          "m/images.txt: line 2: expected the 2D points of the image in line 1"},
         {camera, "1 " + pose + " 1 a.png\n1 2 -1 3", "",
@@ -469,7 +708,7 @@ TEST(Colmap, RefusesWhatItWouldHaveToGuess)
         {camera, image, "1 2 3 nan 0 0 0 1", "expected a coordinate, a number, found \"nan\""},
         {camera, image, "1 2 3 4 0 0 0 1 7", "the line ends where a 2D point's index of the track should stand"},
         {camera, image, "7 2 3 4 0 0 0 1\n1 2 3 4 0 0 0 1\n\n7 2 3 4 0 0 0 1",
-         "m/points3D.txt: line 4: point 7 stands in line 1 already"},
+         "m/points3D.txt: line 4: point 7 stands twice"},
         {"\xFF\xFE", image, "", "m/cameras.txt: line 1: the file is UTF-16"},
     };
     for (auto const& c : cases)

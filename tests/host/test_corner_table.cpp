@@ -77,6 +77,34 @@ TEST(CornerTable, ReadsTheWaysInWhichTablesAreWritten)
         {"rows of zeros at both ends", "1 0 0 0 0 0 0 0 0\n2 " + a + "\n3 0 0 0 0 0 0 0 0.0", {2}, 1, 3},
         {"NaN in any case", "1 " + a + "\n2 " + nan + "\n3 1 2 3 NaN -nan NAN 7 8\n4 " + b, {1, 4}, 1, 4},
         {"a first row without corners is no header", "nan nan nan nan nan nan nan nan\n" + a, {2}, 1, 2},
+        {"rows of empty cells",
+         QByteArray("1," + a + "\n2,,,,,,,,\n3,,,,,,,,\n4," + b).replace(' ', ','),
+         {1, 4},
+         1,
+         4},
+        {"empty cells alone", QByteArray(";;;;;;;\n" + a).replace(' ', ';'), {2}, 1, 2},
+        {"empty cells between tabs", "1\t" + a + "\n2\t\t\t\t\t\t\t\t", {1}, 1, 2},
+        {"quotes", "\"f\"\n\"3\" " + a, {3}, 3, 3},
+        {"columns by name",
+         "id,File Name,conf,UL x,UL y,UR x,UR y,LR x,LR y,LL x,LL y,note\n"
+         "9,img_0012.png,0.5," +
+             QByteArray(a).replace(' ', ',') + ",\"good, yes\"\n" + "8,img_0013.png,,,,,,,,,,#f00",
+         {12},
+         12,
+         13},
+        {"named between tabs",
+         "note\ttop_left.x\ttop_left.y\ttrx\ttry\tbrx\tbry\tblx\tbly\n\t" + QByteArray(a).replace(' ', '\t') +
+             "\nlost\t\t\t\t\t\t\t\t",
+         {1},
+         1,
+         2},
+        {"numbered corners, named in a comment", "# x1 y1 x2 y2 x3 y3 x4 y4 error frame\n" + a + " 0.5 7", {7}, 7, 7},
+        {"an index without a name",
+         ",Frame,x0,y0,x1,y1,x2,y2,x3,y3\n0,7," + QByteArray(a).replace(' ', ','),
+         {7},
+         7,
+         7},
+        {"frames without a heading", "ulx uly urx ury lrx lry llx lly\n7 " + a, {7}, 7, 7},
     };
     for (Case const& c : cases)
     {
@@ -138,6 +166,19 @@ TEST(CornerTable, RefusesWhatItWouldHaveToGuess)
         {"1e7 0 0 1 1 1 1 0", "\"1e7\" is too far away"},
         {"4 0 0 10 0 20 0 0 10", "t.txt: line 1: three of the corners of frame 4 lie on a line"},
         {a + "\n1 1 1 1 1 1 1 1", "t.txt: line 2: three of the corners of frame 2"},
+        {"frame ulx uly urx ury lrx lry llx lly score\n1 " + a, "t.txt: line 2: 9 values; the header names 10"},
+        {"f ulx uly ulx uly lrx lry llx lly z\n1 " + a + " 2", "t.txt: line 2: 10 values; expected eight"},
+        {"00:00:01:05 " + a, "line 1: \"00:00:01:05\" is a time code"},
+        {"1 " + a + "\n0:01.04 " + a, "line 2: \"0:01.04\" is a time code"},
+        {"ulx uly urx ury lrx lry llx lly z t\n" + a + " 1 2\n1:01 2", "\"1:01\" is a time code"},
+        {a + "\n0.1 0.1 0.9 0.1 1.2 0.9 0.1 0.9\n0.1 0.1 0.9 0.1 1.2 0.9 -1 0.9",
+         "t.txt: line 2: the corners look normalised"},
+        {"set cut_paste_input [stack 0]\nCornerPin2D {\n to1 {1 2}\n}", "t.txt: is a Nuke script; make a table"},
+        {"#! /opt/Nuke12/Nuke -nx\nversion 12.2 v3\n", "t.txt: is a Nuke script"},
+        {"Adobe After Effects 6.0 Keyframe Data\n\n", "t.txt: is keyframe text"},
+        {"\n{ \"marloProject\": 1 }", "t.txt: is a project already"},
+        {"{}", "t.txt: is JSON"},
+        {"PK\x03\x04", "t.txt: is a spreadsheet or an archive"},
         {"\xFF\xFE"
          "1\0",
          "t.txt: line 1: the file is UTF-16"},
@@ -224,6 +265,62 @@ TEST(CornerTable, ProjectShowsTheNumbersOfTheTableAndCanBeReadBack)
     EXPECT_EQ(layer.tracks.at(0).frames, (std::vector<int>{1, 4}));
     std::vector<double> const& h = layer.tracks[0].homographies;
     EXPECT_EQ(std::vector<double>(h.begin(), h.begin() + 9), (std::vector<double>{1, 0, 0, 0, 1, 0, 0, 0, 1}));
+}
+
+TEST(CornerTable, HeadersAndOptionsPlaceCornersAndFrames)
+{
+    QByteArray const header = "frame brx bry tlx tly trx try blx bly\n";
+    CornerTable table = read(header + "7 310 200 100 50 300 60 90 190\n11 320 210 110 60 310 70 100 200\n");
+    CornerImport import = importOf(640, 480);
+    EXPECT_EQ(MarloHost::cornerOrder(table, import)[0], Corners::LowerRight);
+    import.pixelAspect = 2;
+    import.pixelCentres = true;
+    import.interpolateGaps = true;
+    table.startAt(1001);
+    for (bool const yUp : {false, true})
+    {
+        import.yUp = yUp;
+        MarloHost::ProjectModel const model = MarloHost::projectFromCorners(table, import);
+        MarloHost::LayerModel const& layer = model.layers.at(0);
+        auto const up = [yUp](double y) { return yUp ? y + 0.5 : 480 - (y + 0.5); };
+        EXPECT_EQ(layer.corners, (std::array<double, 8>{90.5, up(190), 310.5, up(200), 100.5, up(50), 300.5, up(60)}));
+        EXPECT_EQ(model.clips.at(0).frameOffset, 1001);
+        EXPECT_EQ(model.clips.at(0).pixelAspect, 2);
+        ASSERT_EQ(layer.tracks.at(0).frames, (std::vector<int>{0, 1, 2, 3, 4}));
+        for (std::size_t frame = 0; frame < 5; ++frame)
+        {
+            // Ten pixels right and down in four frames.
+            TXI::Pos2 const p = mapped(&layer.tracks[0].homographies[9 * frame], 310.5, up(200));
+            EXPECT_NEAR(p.x, 310.5 + 2.5 * static_cast<double>(frame), 1e-9);
+            EXPECT_NEAR(p.y, up(200 + 2.5 * static_cast<double>(frame)), 1e-9);
+        }
+    }
+    import.order = {Corners::UpperLeft, Corners::UpperRight, Corners::LowerRight, Corners::LowerLeft};
+    EXPECT_EQ(MarloHost::cornerOrder(table, import)[0], Corners::UpperLeft) << "what the user says counts";
+    EXPECT_THROW(table.startAt(9'999'998), KORV_BadFile);
+    EXPECT_EQ(table.firstFrame, 1001);
+}
+
+TEST(CornerTable, GapsThatCantBeFilledAreRefused)
+{
+    QByteArray const a(A);
+    CornerImport import = importOf();
+    import.interpolateGaps = true;
+    std::pair<QByteArray, char const*> const cases[] = {
+        {"1 " + a + "\n3 300 190 100 200 90 50 310 60", "t.txt: line 2: the corners of frame 3 can't be reached"},
+        {"1 " + a + "\n200000 " + a, "t.txt: line 2: the corners of frame 200000 come after more than 100000 frames"}};
+    for (auto const& [text, words] : cases)
+    {
+        try
+        {
+            MarloHost::projectFromCorners(read(text), import);
+            ADD_FAILURE() << words;
+        }
+        catch (KORV_BadFile const& error)
+        {
+            EXPECT_TRUE(error.message().startsWith(QString::fromUtf8(words))) << error.what();
+        }
+    }
 }
 
 TEST(CornerTable, TellsHowTheCornersLie)

@@ -20,8 +20,13 @@ _marlo_export_options()
         all) echo "$common -o --output --kind --each-layer --clip $stored $writing" ;;
         batch) echo "$common --preset -o --output $writing" ;;
         "preset add") echo "$common -o --output $stored" ;;
-        "import corners") echo "$common -o --output --size --fps --name --y-up --order --overwrite --json --quiet" ;;
-        "import colmap") echo "$common -o --output --fps --overwrite --json --quiet" ;;
+        "import corners")
+            echo "$common -o --output --size --par --fps --start --name --y-up --pixel-centres --order --gaps" \
+                "--overwrite --json --quiet"
+            ;;
+        "import colmap")
+            echo "$common -o --output --fps --origin --scale --min-track --max-error --overwrite --json --quiet"
+            ;;
         *) echo "$common" ;;
     esac
 }
@@ -49,7 +54,8 @@ _marlo_export()
         word=${COMP_WORDS[i]}
         case $word in
             -o | --output | --lang | --kind | --layer | --layers | --view | --track | --reference-frame | --objects | \
-                --clip | --option | --preset | --size | --fps | --name | --order) ((i++)) ;;
+                --clip | --option | --preset | --size | --par | --fps | --start | --name | --order | --gaps | --origin | --scale | --min-track | \
+                --max-error) ((i++)) ;;
             -*) ;;
             *)
                 case $command in
@@ -65,11 +71,13 @@ _marlo_export()
         --kind) words="tracking shape camera lens" ;;
         --layers | --objects) words="selected visible all" ;;
         --track) words="basic adjusted offset stabilized" ;;
+        --gaps) words="hold interpolate" ;;
         -o | --output)
             mapfile -t COMPREPLY < <(compgen -f -- "$current")
             return
             ;;
-        --lang | --layer | --view | --reference-frame | --clip | --option | --preset | --size | --fps | --name | --order)
+        --lang | --layer | --view | --reference-frame | --clip | --option | --preset | --size | --par | --fps | --start | --name | --order | \
+            --origin | --scale | --min-track | --max-error)
             return
             ;;
         *)

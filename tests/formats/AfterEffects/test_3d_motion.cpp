@@ -148,4 +148,102 @@ TEST(Motion3D, TellsWhatTheUserMustKnow)
     }
 }
 
+// What hangs on a null is tied to it by its name; the program can't tell two of one name apart.
+TEST(Motion3D, WarnsOfNamesThatClash)
+{
+    struct Case
+    {
+        char const* what;
+        QStringList layers;
+        QString group;
+        QString point;
+        int freeSets;
+
+        /// What the warning lists; empty for none.
+        QString clash;
+    };
+    Case const cases[] = {
+        {"different names", {"Wall", "Door"}, "Group", "Spot", 0, ""},
+        {"two layers", {"My wall", "My wall"}, "", "Spot", 0, "My_wall"},
+        {"names that differ by a blank", {"My wall", "My_wall"}, "", "Spot", 0, "My_wall"},
+        {"a layer and a group", {"Wall", "Door"}, "Door", "Spot", 0, "Door, Wall"},
+        {"a layer and the root of features", {"Static auto features"}, "", "Spot", 1, "Static_auto_features"},
+        {"a layer and its point", {"Wall"}, "", "Wall", 0, "Wall"},
+        {"the root stands twice", {"Wall"}, "", "Spot", 2, ""}};
+    for (Case const& c : cases)
+    {
+        SCOPED_TRACE(c.what);
+        ProjectBuilder builder = scene();
+        for (QString const& group : c.group.isEmpty() ? QStringList() : QStringList{c.group, "Wall"})
+        {
+            MarloHost::GroupModel model;
+            model.name = group;
+            model.moving = true;
+            builder.model.groups.push_back(model);
+        }
+        for (QString const& name : c.layers)
+        {
+            builder.addLayer(name);
+            builder.layer().surfacePoints = pointAt(1, c.point);
+            builder.layer().moving = true;
+            builder.layer().group = c.group == "Door" ? (name == "Wall" ? "Door" : "Wall") : c.group;
+        }
+        for (int i = 0; i < c.freeSets; ++i)
+        {
+            builder.model.solve->features.push_back({QString::number(i), QString(), false, false, pointAt(2, "F")});
+        }
+        auto const project = builder.make();
+        EXPECT_TRUE(run(*project, 1.0F).messages.isEmpty());
+        QStringList const messages = run(*project, 2.0F).messages;
+        EXPECT_EQ(messages.size(), c.clash.isEmpty() ? 0 : 1);
+        EXPECT_EQ(messages.filter("one name: " + c.clash + ". What").size(), messages.size());
+    }
+}
+
+TEST(Motion3D, WarnsOfModelsThatLoseTheirLayer)
+{
+    for (double const place : {0.0, 3.0})
+    {
+        ProjectBuilder builder = scene();
+        builder.addLayer("Wall");
+        builder.layer().pose = restingAt(place);
+        builder.model.solve->assets = {{"/m/table.obj", "Wall", restingAt(1)}, {"/m/lamp.obj", "", restingAt(1)}};
+        auto const project = builder.make();
+        EXPECT_TRUE(run(*project, 2.0F).messages.isEmpty());
+        QStringList const messages = run(*project, 1.0F).messages;
+        EXPECT_EQ(messages.size(), place == 0 ? 0 : 1);
+        EXPECT_EQ(messages.filter("no hierarchy: table").size(), messages.size());
+    }
+}
+
+// Positions are times 200 and the focal length has 200 pixels: the camera's x of 1000006 is
+// printed as 1000010, at a depth of 2000 that is 0.4 px.
+TEST(Motion3D, TellsWhatItsDigitsCost)
+{
+    struct Case
+    {
+        double x;
+        double layer;
+        double depth;
+        QString pixels;
+    };
+    for (Case const& c : {Case{5000.03, 0, 10, "0.40"}, Case{5000.03, 5000, 10, "0.40"}, Case{5000.03, 0, 50, ""},
+                          Case{5000.03, 0, -10, ""}, Case{5000.03, 0, 1, ""}, Case{0.03, 0, 10, ""}})
+    {
+        ProjectBuilder builder = scene();
+        builder.model.solve->camera.pose = restingAt(c.x);
+        builder.addLayer("Wall");
+        builder.layer().pose = restingAt(c.layer);
+        builder.layer().surfacePoints = pointAt(0, "Spot");
+        builder.layer().surfacePoints->positions = {c.x + 0.52 - c.layer, 0, -c.depth};
+        auto const project = builder.make();
+        for (float const version : {1.0F, 2.0F})
+        {
+            QStringList const messages = run(*project, version).messages;
+            EXPECT_EQ(messages.size(), c.pixels.isEmpty() ? 0 : 1) << messages.join("").toStdString();
+            EXPECT_EQ(messages.filter("points up to " + c.pixels).size(), messages.size());
+        }
+    }
+}
+
 }
