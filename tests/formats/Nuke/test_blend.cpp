@@ -1,16 +1,10 @@
 // Files of the blending plug-in: their headers, and the key of their numbers.
 
-#include "Host/KORV_Clip.h"
-#include "Host/KORV_Exception.h"
 #include "Nuke/MarloBlendExporter.h"
 #include "Nuke/MarloBlendTrackingExporter.h"
 #include "ProjectBuilder.h"
 
 #include <gtest/gtest.h>
-
-#include <QRegularExpression>
-
-#include <cmath>
 
 using namespace Export;
 
