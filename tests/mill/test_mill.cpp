@@ -29,6 +29,16 @@
 
 using namespace Export;
 
+namespace Export
+{
+
+void PrintTo(FormatEntry const& format, std::ostream* out)
+{
+    *out << format.key().toStdString();
+}
+
+}
+
 namespace
 {
 

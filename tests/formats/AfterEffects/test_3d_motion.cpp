@@ -39,6 +39,13 @@ MarloHost::PointCloudModel pointAt(double x, QString const& name)
     return cloud;
 }
 
+MarloHost::PoseModel restingAt(double x)
+{
+    MarloHost::PoseModel pose;
+    pose.positions = {x, 0, 0};
+    return pose;
+}
+
 Korvane::ExportedFiles run(AE3DMotionExporter const& exporter, KORV_ProjectManager& project,
                            std::any const& customData = {},
                            std::vector<Anm::View> const& views = {Anm::View::defaultView()})
@@ -193,8 +200,8 @@ TEST(Motion3D, WarnsOfNamesThatClash)
             builder.model.solve->features.push_back({QString::number(i), QString(), false, false, pointAt(2, "F")});
         }
         auto const project = builder.make();
-        EXPECT_TRUE(run(*project, 1.0F).messages.isEmpty());
-        QStringList const messages = run(*project, 2.0F).messages;
+        EXPECT_TRUE(run(AE3DMotionExporter(1.0F), *project).messages.isEmpty());
+        QStringList const messages = run(AE3DMotionExporter(2.0F), *project).messages;
         EXPECT_EQ(messages.size(), c.clash.isEmpty() ? 0 : 1);
         EXPECT_EQ(messages.filter("one name: " + c.clash + ". What").size(), messages.size());
     }
@@ -209,8 +216,8 @@ TEST(Motion3D, WarnsOfModelsThatLoseTheirLayer)
         builder.layer().pose = restingAt(place);
         builder.model.solve->assets = {{"/m/table.obj", "Wall", restingAt(1)}, {"/m/lamp.obj", "", restingAt(1)}};
         auto const project = builder.make();
-        EXPECT_TRUE(run(*project, 2.0F).messages.isEmpty());
-        QStringList const messages = run(*project, 1.0F).messages;
+        EXPECT_TRUE(run(AE3DMotionExporter(2.0F), *project).messages.isEmpty());
+        QStringList const messages = run(AE3DMotionExporter(1.0F), *project).messages;
         EXPECT_EQ(messages.size(), place == 0 ? 0 : 1);
         EXPECT_EQ(messages.filter("no hierarchy: table").size(), messages.size());
     }
@@ -239,7 +246,7 @@ TEST(Motion3D, TellsWhatItsDigitsCost)
         auto const project = builder.make();
         for (float const version : {1.0F, 2.0F})
         {
-            QStringList const messages = run(*project, version).messages;
+            QStringList const messages = run(AE3DMotionExporter(version), *project).messages;
             EXPECT_EQ(messages.size(), c.pixels.isEmpty() ? 0 : 1) << messages.join("").toStdString();
             EXPECT_EQ(messages.filter("points up to " + c.pixels).size(), messages.size());
         }
