@@ -120,8 +120,11 @@ TEST(ExporterWrapper, ShapesOfVeilContoursAreRefused)
     EXPECT_EQ(reasonAgainst(shape({ZN::AllLayers, ""}, nullptr), *project), refusal);
     MarloHost::setCurrentLayer(*project, 2);
     EXPECT_EQ(reasonAgainst(shape({ZN::SelectedLayer, ""}, nullptr), *project), refusal);
+    // No view means the default one, also for who is refused.
     ShapeExporterWrapper const withoutViews({{ZN::AllLayers, ""}, {}}, shapeFormat(), false, nullptr);
-    EXPECT_EQ(reasonAgainst(withoutViews, *project), QString());
+    EXPECT_EQ(reasonAgainst(withoutViews, *project), refusal);
+    ShapeExporterWrapper const plainWithoutViews({{ZN::SpecifiedLayer, "plain"}, {}}, shapeFormat(), false, nullptr);
+    EXPECT_EQ(reasonAgainst(plainWithoutViews, *project), QString());
 }
 
 TEST(ExporterWrapper, CamerasMustBeSolvedAndCalibrationClipsKnown)
