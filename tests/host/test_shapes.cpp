@@ -148,6 +148,18 @@ TEST(Shapes, KeptApartTheKeysAreTheEndsOfTheRangeAndTheContoursOwn)
     EXPECT_EQ(bezierAt(shapeOf(builder, 39, 39, 1).maskShape(0, 0), 0)[0].start.x, 390) << "the last key holds";
 }
 
+TEST(Shapes, AreBakedWhereOnlyOneHomographyIsFinite)
+{
+    ProjectBuilder builder = triangleProject(4);
+    builder.track([](int frame)
+                  { return frame == 2 ? ProjectBuilder::translation(50, 0) : Matrix{NAN, 0, 0, 0, 1, 0, 0, 0, 1}; });
+    ExportedShape const shape = shapeOf(builder, 0, 3, 1 + 4);
+    ASSERT_EQ(shape.maskShape(0, 0).size(), 4);
+    EXPECT_EQ(bezierAt(shape.maskShape(0, 0), 2)[0].start.x, 150);
+    EXPECT_TRUE(std::isnan(bezierAt(shape.maskShape(0, 0), 1)[0].start.x)) << "to be dropped and counted";
+    EXPECT_EQ(shape.transform(0, 0)[1].m, (std::array<double, 9>{1e6, 0, 0, 0, 1e6, 0, 0, 0, 1e6}));
+}
+
 TEST(Shapes, BlurFollowsTheFeatherAndTheScaleMovesItOnly)
 {
     ProjectBuilder builder = triangleProject(5);
