@@ -21,7 +21,8 @@ Element = ElementTree.Element
 
 
 def two_layers() -> Dict[str, Any]:
-    """A shot with corrections by hand, whose names and contours try what XML has to escape, and a layer above it."""
+    """A shot with corrections by hand, whose names and contours try what XML has to escape, and a layer above it on
+    another clip."""
     project = shots.hand_made(shots.STRONG)
     layer = project["layers"][0]
     vertices = [500.1, 60, -3, 4, 5, 6.5, 640, 75, 0, 0, 0, 0, 622, 198, 0.1, 0.2, 0.3, 1 / 3]
@@ -36,7 +37,10 @@ def two_layers() -> Dict[str, Any]:
             {"name": "switched off", "active": False, "keys": [{"frame": 0, "points": vertices}]},
         ],
     })
-    project["layers"].insert(0, {"name": "Top", "hidden": True, "surface": {"corners": [0, 0, 9, 0, 0, 9, 9, 9]}})
+    project["clips"].append({"name": "other", "width": 360, "height": 288, "pixelAspect": 1.5, "frameCount": 20,
+                             "frameOffset": 3, "interlaced": True})
+    project["layers"].insert(0, {"name": "Top", "clip": "other", "hidden": True,
+                                 "surface": {"corners": [0, 0, 9, 0, 0, 9, 9, 9]}})
     return project
 
 
@@ -126,13 +130,19 @@ def judge(text: bytes, project: Dict[str, Any], names: List[str]) -> Tuple[Diffe
     differences.equal("project", {key: float(value) for key, value in head.items()},
                       {key: float(value) for key, value in numbers.items()})
     layers = {layer["name"]: layer for layer in project["layers"]}
+    clips = {clip["name"]: clip for clip in project["clips"]}
     largest = 0.0
     for found, name in zip(root.findall("layer"), names):
         layer = layers[name]
+        clip = clips[layer.get("clip", project["clips"][0]["name"])]
+        lines = 2 if clip.get("interlaced") else 1
         first, last = layer.get("in", 0), layer.get("out", clip["frameCount"] - 1)
         colour = layer.get("colour", [255] * 4)
+        differences.equal(f"layer {name}, pixel aspect", float(found.attrib.pop("pixelAspect", "nan")),
+                          float(clip.get("pixelAspect", 1)))
         differences.equal(f"layer {name}", found.attrib, {
             "name": name, "clip": clip["name"], "width": str(clip["width"]), "height": str(clip["height"] // lines),
+            "frameOffset": str(clip.get("frameOffset", 0)), "fieldsPerFrame": str(lines),
             "colour": _hex(colour), "overlayColour": _hex(layer.get("overlayColour", colour)),
             "invert": _flag(layer.get("invert", False)), "blend": layer.get("blend", "add"), "in": str(first),
             "out": str(last), "referenceFrame": str(layer["surface"].get("referenceFrame", first))})
@@ -178,8 +188,8 @@ def faults(text: bytes) -> Iterator[Tuple[str, bytes]]:
         lambda root: numbers(root.findall(row)[-1], lambda w: [w[i] for i in (0, 3, 6, 1, 4, 7, 2, 5, 8)]))
     yield "frame by one", changed(
         lambda root: first(root, "layer/contour/key").set("frame", str(int(first(root, "layer/contour/key").get("frame")) + 1)))
-    for attribute in ("name", "colour", "in", "blend"):
-        yield f"{attribute} changed", changed(lambda root: first(root, "layer").set(attribute, "x"))
+    for attribute in ("name", "colour", "in", "blend", "frameOffset", "fieldsPerFrame", "pixelAspect"):
+        yield f"{attribute} changed", changed(lambda root: first(root, "layer").set(attribute, "7"))
     yield "open and closed", changed(lambda root: first(root, "layer/contour").set("closed", "maybe"))
 
 
