@@ -394,6 +394,28 @@ TEST(Shapes, OutlineTextsAreReadBackAndInterpolatedLikeTheContour)
     }
 }
 
+TEST(Shapes, TextsAndMotionCoverTheLayerHoweverLongItsClipIs)
+{
+    ProjectBuilder builder = triangleProject();
+    builder.clip().frameCount = 10000000;
+    builder.range(9999990, 9999999).track([](int frame) { return ProjectBuilder::translation(frame - 9999990, 0); });
+    builder.layer().contours = {
+        bezier({{3, triangle(), {}}, {9999995, triangle(), {}}}),
+        xspline({{3, {0, 0, 1, 90, 0, 1, 0, 90, 1}, {}}, {9999995, {0, 0, 0, 90, 0, 1, 0, 90, 1}, {}}})};
+    auto const project = builder.make();
+    KORV_Layer const& layer = *project->currentLayer();
+    Anm::View const view = Anm::View::defaultView();
+    auto const motion = Korvane::ShapeExportHelper::buildHomogMap(*project, layer, view);
+    ASSERT_EQ(motion->size(), 10);
+    EXPECT_EQ(motion->last().homography.m[2], 9);
+    for (auto const& contour : layer.activeContours())
+    {
+        auto const texts =
+            contour->getShapeKeyframesAsStrings(project.get(), {400, 200}, *motion, view, {contextAt(9999990)});
+        EXPECT_EQ(texts.keys(), (QList<Anm::Context>{contextAt(9999990), contextAt(9999995)}));
+    }
+}
+
 TEST(Shapes, ComponentsPutTogetherAreTheHomography)
 {
     ProjectBuilder builder(40, 1920, 1080);
