@@ -35,17 +35,20 @@ struct Range
     }
 };
 
-Range cut(Range range, Anm::Time const& from, Anm::Time const& to)
+Range common(Range const& a, Range const& b)
 {
-    int const a = frameLimit(from);
-    int const b = frameLimit(to);
+    return {std::max(a.first, b.first), std::min(a.last, b.last)};
+}
+
+/// The range between two limits, or `unlimited`.
+Range between(Anm::Time const& from, Anm::Time const& to, Range const& unlimited)
+{
+    Range const limits{frameLimit(from), frameLimit(to)};
     // -2147483647, not -2147483648, is what callers pass for "no limit".
     constexpr int UNLIMITED = std::numeric_limits<int>::max();
-    if ((a == UNLIMITED && b <= -UNLIMITED) || (a <= -UNLIMITED && b == UNLIMITED))
-    {
-        return range;
-    }
-    return {std::max(range.first, a), std::min(range.last, b)};
+    bool const isUnlimited = (limits.first == UNLIMITED && limits.last <= -UNLIMITED) ||
+                             (limits.first <= -UNLIMITED && limits.last == UNLIMITED);
+    return isUnlimited ? unlimited : limits;
 }
 
 Range rangeOfLayer(KORV_Layer const& layer)
@@ -104,7 +107,7 @@ void ExporterHelperBase::initialiseWithPMAndRange(KORV_ProjectManager const& pro
         Range const whole = fresh.cutToLayer ? fresh.layerRange
                                              : Range{static_cast<int>(project.playbackInPoint(false)),
                                                      static_cast<int>(project.playbackOutPoint(false))};
-        fresh.range = cut(whole, first, last);
+        fresh.range = common(whole, between(first, last, whole));
     }
     *m_base = fresh;
 }
@@ -118,7 +121,8 @@ bool ExporterHelperBase::layerIsWithinProject(KORV_ProjectManager const& project
                                               Anm::Time last, bool)
 {
     KORV_Layer const* const layer = project.sm()->layerFromNumericID(layerId, false);
-    return layer && !cut(rangeOfLayer(*layer), first, last).isEmpty();
+    Range const whole{0, project.frameCount() - 1};
+    return layer && !common(rangeOfLayer(*layer), between(first, last, whole)).isEmpty();
 }
 
 void ExporterHelperBase::setClip(KORV_Clip const& clip)

@@ -207,9 +207,9 @@ void KORV_Layer::getLayerKeyframes(std::set<Anm::Frame>& frames, Anm::View const
 {
     for (MarloHost::ContourModel const& contour : m_data->model->contours)
     {
-        for (MarloHost::ContourKeyModel const& key : contour.keys)
+        for (std::size_t key = 0; contour.active && key < contour.keys.size(); ++key)
         {
-            frames.insert(Anm::Frame::fromInt(key.frame));
+            frames.insert(Anm::Frame::fromInt(contour.keys[key].frame));
         }
     }
 }

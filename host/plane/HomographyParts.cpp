@@ -82,7 +82,7 @@ ShapeExportHelper::buildHomogMap(KORV_ProjectManager const& project, KORV_Layer 
     MarloHost::SurfaceMotion const motion = MarloHost::motionOfContours(project, layer, view);
     ZN_BaseClipInfo const& clip = data.clip->info();
     auto map = boost::make_shared<Contour::HomographyMap>();
-    for (int frame = 0; frame < data.clipModel->frameCount; ++frame)
+    for (int frame = data.inPoint; frame <= data.outPoint; ++frame)
     {
         map->insert(map->constEnd(), Anm::Context(Anm::Time::fromInt(frame), view),
                     {Sabrel::Matrix33{motion.at(frame).m}, static_cast<double>(clip.width()),

@@ -176,9 +176,10 @@ public:
         }
         for (ContourKeyModel const& key : m_model.keys)
         {
-            if (frames.insert(key.frame).second)
+            Anm::Context const context(Anm::Time::fromInt(key.frame), view);
+            if (homographies.contains(context) && frames.insert(key.frame).second)
             {
-                all.insert(Anm::Context(Anm::Time::fromInt(key.frame), view));
+                all.insert(context);
             }
         }
         auto const motionAt = [&](int frame)

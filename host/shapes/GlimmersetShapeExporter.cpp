@@ -80,8 +80,7 @@ public:
         attribute("height", clip.height);
         attribute("pixelAspect", clip.pixelAspect);
         attribute("frameRate", project.frameRate());
-        attribute("frameOffset", clip.frameOffset);
-        attribute("fieldsPerFrame", clip.interlaced ? 2 : 1);
+        time(clip);
     }
 
     void layer(KORV_ProjectManager const& project, KORV_Layer const& layer, std::vector<Anm::View> const& views)
@@ -93,6 +92,8 @@ public:
         attribute("clip", data.clipModel->name);
         attribute("width", static_cast<double>(data.clip->info().width()));
         attribute("height", static_cast<double>(data.clip->info().height()));
+        attribute("pixelAspect", data.clipModel->pixelAspect);
+        time(*data.clipModel);
         attribute("colour", hexColour(layer.fillColour()));
         attribute("overlayColour", hexColour(layer.overlayColour()));
         attribute("invert", layer.invert().staticValue(view) ? "true" : "false");
@@ -122,6 +123,12 @@ public:
     }
 
 private:
+    void time(MarloHost::ClipModel const& clip)
+    {
+        attribute("frameOffset", clip.frameOffset);
+        attribute("fieldsPerFrame", clip.interlaced ? 2 : 1);
+    }
+
     void attribute(char const* name, QString const& value)
     {
         m_xml.writeAttribute(QLatin1String(name), sayable(value));

@@ -11,6 +11,7 @@
 #include <boost/make_shared.hpp>
 
 #include <algorithm>
+#include <cmath>
 
 namespace MarloHost
 {
@@ -69,6 +70,11 @@ void scaleFeather(std::vector<ContourKeyModel>& keys, double scale, bool xspline
     }
 }
 
+bool isFinite(Homography const& map)
+{
+    return std::all_of(map.m.begin(), map.m.end(), [](double entry) { return std::isfinite(entry); });
+}
+
 /// Makes the parts of one layer: its motion is evaluated once for each frame.
 class ShapeBuilder
 {
@@ -77,7 +83,7 @@ public:
         : m_layer(layer.data()),
           m_clip(m_layer.clip->info()),
           m_request(request),
-          m_motionApart(has(ShapeMotionApart) && request.lastFrame > request.firstFrame),
+          m_motionApart(false),
           m_toOutput(toOutput())
     {
         SurfaceMotion const motion = motionOfContours(project, layer, request.view);
@@ -85,6 +91,8 @@ public:
         {
             m_motion.push_back(motion.at(frame));
         }
+        // Homographies that aren't finite get lost in an export, and one alone says nothing.
+        m_motionApart = has(ShapeMotionApart) && std::count_if(m_motion.begin(), m_motion.end(), isFinite) > 1;
         makeTransforms();
     }
 

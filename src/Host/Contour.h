@@ -81,7 +81,7 @@ public:
         double height = 1.0;
     };
 
-    /// By contexts of every frame of the layer's clip, from 0.
+    /// By contexts of every frame of the layer.
     using HomographyMap = QMap<Anm::Context, HomographyWithCamera>;
 
     using Pieces = ContourPieces;
@@ -109,8 +109,8 @@ public:
     virtual void vGetControlPointXY(ControlPoint const& point, Anm::Context const& context, bool inPlane, bool reserved,
                                     double& x, double& y, bool& usable, ZN::TrackCache* cache) const = 0;
 
-    /// The outline as a text for each of the contexts and each of the contour's own keys:
-    /// as it is seen in the picture of that frame, motion applied, in 0 to 1 of the
+    /// The outline as a text for each of the contexts and each of the contour's own keys
+    /// that has a homography: as it is seen in the picture of that frame, motion applied, in 0 to 1 of the
     /// picture, y up. docs/outline-text.md says how it is written. To read one between its
     /// keys: undo the homographies at the keys, interpolate, apply the homography.
     ///

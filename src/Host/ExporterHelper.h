@@ -73,7 +73,8 @@ public:
     /// today mean every frame.
     static int framesToExport(boost::optional<ZN_TRACKING_OPTION> option);
 
-    /// False when the layer has no frame in the range.
+    /// False when the layer has no frame in the range; without limits, which are given as
+    /// for initialiseWithPMAndRange, in that of the project.
     static bool layerIsWithinProject(KORV_ProjectManager const& project, unsigned int layerId, Anm::Time first,
                                      Anm::Time last, bool reserved);
 

@@ -160,11 +160,12 @@ private:
 namespace Korvane
 {
 
-/// Narrows what KORV_SelectionManager::layers gives.
+/// Narrows what KORV_SelectionManager::layers gives. Exporters hand on these numbers as they
+/// find them in their options.
 enum ItemsQuery : int
 {
-    VisibleItems = 1,
-    SelectedItems = 2
+    SelectedItems = 8,
+    VisibleItems = 128
 };
 
 }

@@ -73,7 +73,7 @@ struct MARLO_HOST_API ShapeExportHelper
                                                                           QList<unsigned int> const& layerIds);
 
     /// The motion of a layer, with the user's adjust offsets in it, at every frame of its
-    /// clip. Frames without data have those of the nearest tracked frame; a layer without
+    /// range. Frames without data have those of the nearest tracked frame; a layer without
     /// any in the view stands still.
     static boost::shared_ptr<Contour::HomographyMap> buildHomogMap(KORV_ProjectManager const& project,
                                                                    KORV_Layer const& layer, Anm::View const& view);

@@ -123,8 +123,11 @@ TEST(ExporterWrapper, ShapesOfVeilContoursAreRefused)
     ShapeExporterWrapper const bothViews({{ZN::SpecifiedLayer, "plain"}, {Anm::View(0), Anm::View(1)}}, shapeFormat(),
                                          false, nullptr);
     EXPECT_EQ(reasonAgainst(bothViews, *project), refusal);
+    // No view means the default one, also for who is refused.
     ShapeExporterWrapper const withoutViews({{ZN::AllLayers, ""}, {}}, shapeFormat(), false, nullptr);
-    EXPECT_EQ(reasonAgainst(withoutViews, *project), QString());
+    EXPECT_EQ(reasonAgainst(withoutViews, *project), refusal);
+    ShapeExporterWrapper const plainWithoutViews({{ZN::SpecifiedLayer, "plain"}, {}}, shapeFormat(), false, nullptr);
+    EXPECT_EQ(reasonAgainst(plainWithoutViews, *project), QString());
 }
 
 TEST(ExporterWrapper, CamerasMustBeSolvedAndCalibrationClipsKnown)

@@ -332,6 +332,44 @@ TEST(Motion, RangesAreCutToTheLayerAndBothWordsForTheWholeAreTaken)
         EXPECT_EQ(Helper::layerIsWithinProject(*project, 1, from, to, false), wanted.count > 0);
     }
     EXPECT_FALSE(Helper::layerIsWithinProject(*project, 2, Anm::Time::fromInt(0), Anm::Time::fromInt(9), false));
+
+    // The project has the frames of its first clip; this layer was tracked on a longer one.
+    builder.model.clips.push_back(builder.clip());
+    builder.model.clips.back().name = "longer";
+    builder.model.clips.back().frameCount = 40;
+    builder.layer().clip = "longer";
+    for (int const first : {19, 20})
+    {
+        builder.range(first, 30);
+        EXPECT_EQ(Helper::layerIsWithinProject(*builder.make(), 1, Anm::Time::fromInt(-UNLIMITED),
+                                               Anm::Time::fromInt(UNLIMITED), false),
+                  first == 19);
+    }
+}
+
+TEST(Motion, LayersAreNarrowedByTheWordsOfExporters)
+{
+    ProjectBuilder builder(1);
+    for (char const* name : {"plain", "hidden", "selected", "both"})
+    {
+        builder.addLayer(name);
+        builder.layer().hidden = QLatin1String(name) == "hidden" || QLatin1String(name) == "both";
+        builder.layer().selected = QLatin1String(name) == "selected" || QLatin1String(name) == "both";
+    }
+    auto const project = builder.make();
+    std::pair<int, QStringList> const cases[] = {{0, {"plain", "hidden", "selected", "both"}},
+                                                 {8, {"selected", "both"}},
+                                                 {128, {"plain", "selected"}},
+                                                 {8 + 128, {"selected"}}};
+    for (auto const& [words, names] : cases)
+    {
+        QStringList found;
+        for (auto const& layer : project->sm()->layers(QFlags<Korvane::ItemsQuery>(QFlag(words))))
+        {
+            found += layer->name();
+        }
+        EXPECT_EQ(found, names) << words;
+    }
 }
 
 TEST(Motion, SimilarityIsFittedInSquarePixelsFromTheReferenceFrame)

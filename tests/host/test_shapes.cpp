@@ -148,6 +148,18 @@ TEST(Shapes, KeptApartTheKeysAreTheEndsOfTheRangeAndTheContoursOwn)
     EXPECT_EQ(bezierAt(shapeOf(builder, 39, 39, 1).maskShape(0, 0), 0)[0].start.x, 390) << "the last key holds";
 }
 
+TEST(Shapes, AreBakedWhereOnlyOneHomographyIsFinite)
+{
+    ProjectBuilder builder = triangleProject(4);
+    builder.track([](int frame)
+                  { return frame == 2 ? ProjectBuilder::translation(50, 0) : Matrix{NAN, 0, 0, 0, 1, 0, 0, 0, 1}; });
+    ExportedShape const shape = shapeOf(builder, 0, 3, 1 + 4);
+    ASSERT_EQ(shape.maskShape(0, 0).size(), 4);
+    EXPECT_EQ(bezierAt(shape.maskShape(0, 0), 2)[0].start.x, 150);
+    EXPECT_TRUE(std::isnan(bezierAt(shape.maskShape(0, 0), 1)[0].start.x)) << "to be dropped and counted";
+    EXPECT_EQ(shape.transform(0, 0)[1].m, (std::array<double, 9>{1e6, 0, 0, 0, 1e6, 0, 0, 0, 1e6}));
+}
+
 TEST(Shapes, BlurFollowsTheFeatherAndTheScaleMovesItOnly)
 {
     ProjectBuilder builder = triangleProject(5);
@@ -379,6 +391,28 @@ TEST(Shapes, OutlineTextsAreReadBackAndInterpolatedLikeTheContour)
                 EXPECT_POINT((Mtx_Vector2{numbers[4] * 400, numbers[5] * 200}), curve[vertex].control1, 4e-3);
             }
         }
+    }
+}
+
+TEST(Shapes, TextsAndMotionCoverTheLayerHoweverLongItsClipIs)
+{
+    ProjectBuilder builder = triangleProject();
+    builder.clip().frameCount = 10000000;
+    builder.range(9999990, 9999999).track([](int frame) { return ProjectBuilder::translation(frame - 9999990, 0); });
+    builder.layer().contours = {
+        bezier({{3, triangle(), {}}, {9999995, triangle(), {}}}),
+        xspline({{3, {0, 0, 1, 90, 0, 1, 0, 90, 1}, {}}, {9999995, {0, 0, 0, 90, 0, 1, 0, 90, 1}, {}}})};
+    auto const project = builder.make();
+    KORV_Layer const& layer = *project->currentLayer();
+    Anm::View const view = Anm::View::defaultView();
+    auto const motion = Korvane::ShapeExportHelper::buildHomogMap(*project, layer, view);
+    ASSERT_EQ(motion->size(), 10);
+    EXPECT_EQ(motion->last().homography.m[2], 9);
+    for (auto const& contour : layer.activeContours())
+    {
+        auto const texts =
+            contour->getShapeKeyframesAsStrings(project.get(), {400, 200}, *motion, view, {contextAt(9999990)});
+        EXPECT_EQ(texts.keys(), (QList<Anm::Context>{contextAt(9999990), contextAt(9999995)}));
     }
 }
 

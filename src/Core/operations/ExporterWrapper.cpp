@@ -141,10 +141,13 @@ Possibility ShapeExporterWrapper::isExportPossible(KORV_ProjectManager& project)
         return layers;
     }
     QList<unsigned int> const layerIds = {layerIdOf(project, m_options.layerSelection)};
+    // Exporters take the default view where none is named.
+    std::vector<Anm::View> const views =
+        m_options.viewsToExport.empty() ? std::vector<Anm::View>{Anm::View::defaultView()} : m_options.viewsToExport;
     for (boost::shared_ptr<Korvane::Contour const> const& contour :
          Korvane::ShapeExportHelper::getContoursToExport(project, m_options.layerSelection.mode, layerIds))
     {
-        for (Anm::View const& view : m_options.viewsToExport)
+        for (Anm::View const& view : views)
         {
             if (contour->isVeilML(view))
             {

@@ -45,7 +45,10 @@ def two_layers() -> Dict[str, Any]:
         ],
     })
     project["currentLayer"] = layer["name"]
-    project["layers"].insert(0, {"name": "Top", "hidden": True, "surface": {"corners": [0, 0, 9, 0, 0, 9, 9, 9]}})
+    project["clips"].append({"name": "other", "width": 360, "height": 288, "pixelAspect": 1.5, "frameCount": 20,
+                             "frameOffset": 3, "interlaced": True})
+    project["layers"].insert(0, {"name": "Top", "clip": "other", "hidden": True,
+                                 "surface": {"corners": [0, 0, 9, 0, 0, 9, 9, 9]}})
     return project
 
 
@@ -98,8 +101,11 @@ def judge_motion(findings: Findings, place: str, found: Element, layer: Layer) -
 def judge_layer(findings: Findings, found: Element, layer: Layer) -> None:
     record, colour = layer.record, layer.record.get("colour", [255] * 4)
     place = f"layer {layer.name}"
-    findings.same(place, found.attrib, {
+    attributes = dict(found.attrib)
+    findings.compare("pixel aspect", float(attributes.pop("pixelAspect", "nan")), layer.clip.get("pixelAspect", 1), 0.0, place)
+    findings.same(place, attributes, {
         "name": layer.name, "clip": layer.clip["name"], "width": str(layer.raster[0]), "height": str(layer.raster[1]),
+        "frameOffset": str(layer.clip.get("frameOffset", 0)), "fieldsPerFrame": str(layer.line_height),
         "colour": _hex(colour), "overlayColour": _hex(record.get("overlayColour", colour)),
         "invert": _flag(record.get("invert", False)), "blend": record.get("blend", "add"), "in": str(layer.first),
         "out": str(layer.last), "referenceFrame": str(layer.reference)})
