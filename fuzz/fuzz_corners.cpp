@@ -22,6 +22,8 @@ extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size
         MarloHost::CornerTable const table = MarloHost::readCornerTable(text, QStringLiteral("fuzz.txt"));
         MarloHost::cornerOrientations(table, import);
         table.missingFrames();
+        constexpr int FEW_FRAMES = 1000;
+        import.interpolateGaps = table.lastFrame - table.firstFrame < FEW_FRAMES;
         model = MarloHost::projectFromCorners(table, import);
     }
     catch (KORV_BadFile const& error)

@@ -205,7 +205,8 @@ std::vector<int> joinedFrames(std::vector<Numbered> const& numbers)
 std::optional<FootageModel> footageOf(std::vector<Numbered> const& numbers, std::vector<Name> const& names)
 {
     Name const& name = names[numbers.front().image];
-    auto const [start, width] = numbers.front().digits;
+    int const start = numbers.front().digits.start;
+    int const width = numbers.front().digits.length;
     QString const suffix = name.text.mid(start + width);
     auto const isEven = [&](Numbered const& numbered)
     {
