@@ -20,8 +20,8 @@ import numpy as np
 import checking
 import shots
 from findings import Findings
-from keyframe_text import half_units
 from planar import homography, through
+from texts import half_units
 
 Pins = Dict[int, np.ndarray]
 GAPS = (13, 20, 21, 29)
@@ -162,15 +162,15 @@ def faults(case: Case, pins: Pins) -> Iterator[Tuple[str, Pins]]:
         frame: pin + 6 * half_units(pin) * corner for frame, pin in pins.items()}
 
 
-def body(check: checking.Check, _) -> None:
+def body(check: checking.Check) -> None:
     planted = 0
     for lens, motion in itertools.product(LENSES, MOTIONS):
         project = shot(*lens)
         name = " ".join(["radial1", *map(str, lens[1]), *motion])
         track = motion[1]
         reference, words = (17, []) if track == "stabilized" else (20, ["--reference-frame", "1021"])
-        status, errors = check.tool.run("export", check.saved("project", project), "nuke_corner_pin", "--undistort",
-                                        "--view", "all", *motion, *words, "--overwrite", "-o", check.scratch / "pin.nk")
+        status, errors = check.run("export", check.saved("project", project), "nuke_corner_pin", "--undistort",
+                                   "--view", "all", *motion, *words, "--overwrite", "-o", check.scratch / "pin.nk")
         # Frames without a track are told, and nothing else.
         if status != 4 or len(errors) != len(GAPS) or "no tracking data" not in errors[0]:
             check.fail(f"{name}: status {status}, {errors}")
@@ -178,7 +178,9 @@ def body(check: checking.Check, _) -> None:
         for eye, pins in enumerate(read((check.scratch / "pin.nk").read_text())):
             case = Case(Plate(project, eye, "basic" if track == "stabilized" else track), reference,
                         motion[-2:] == ["stabilized", "--invert"])
-            if check.verdict(f"{name}, eye {eye}", case.judge(pins)) and lens[1] == [-0.12]:
+            findings = case.judge(pins)
+            good = check.expect(not findings.faults(), f"{name}, eye {eye}: {findings.faults()[:3]}")
+            if good and lens[1] == [-0.12]:
                 for fault, changed in faults(case, pins):
                     planted += 1
                     if not case.judge(changed).faults():
@@ -189,4 +191,4 @@ def body(check: checking.Check, _) -> None:
 
 
 if __name__ == "__main__":
-    sys.exit(checking.run(__doc__, body))
+    sys.exit(checking.run(__doc__, body, {}))

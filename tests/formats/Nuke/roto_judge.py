@@ -161,6 +161,8 @@ class _Outlines:
 
     def judge(self, main_points: List[Tuple[Curve, Curve]], feather_points: List[Tuple[Curve, Curve]]) -> None:
         frames = self._layer.keys_of(self._contour) if self._apart else list(self._layer.frames())
+        if self._apart and not self._contour.bezier:
+            frames = self._with_own_keys(main_points[0][0], frames)
         main, feather = self._read(main_points, frames), self._read(feather_points, frames)
         if main is None or feather is None:
             return
@@ -171,10 +173,31 @@ class _Outlines:
         self._compare_slopes("slope of feather", feather, feather_values, frames)
         if self._contour.bezier:
             self._compare_handles(plain, feather_values, frames)
+        if not self._contour.bezier:
+            plain, feather_values = (self._every_frame(values, frames) for values in (plain, feather_values))
+            frames = list(self._layer.frames())
         for name, curves, feathered in zip(("", "feather "), _both(plain, feather_values), (False, True)):
             self._compare_curves(name, curves, feathered, frames)
         if self._motion is not None and self._contour.bezier:
             self._compare_motion((plain,) + main[1:], feather, frames)
+
+    def _with_own_keys(self, curve: Curve, own: List[int]) -> List[int]:
+        """An X-spline's keys, and those that hold its curve where weights change."""
+        frames = {float(self._layer.shown(frame)): frame for frame in self._layer.frames()}
+        found = [frames[time] for time in curve.times.value if time in frames]
+        return found if set(own).issubset(found) else own
+
+    def _every_frame(self, values: Bounded, frames: List[int]) -> Bounded:
+        """What stands in the text at every frame: straight lines from key to key."""
+        every = np.clip(list(self._layer.frames()), frames[0], frames[-1])
+        after = np.clip(np.searchsorted(frames, every), 1, max(len(frames) - 1, 1)) if len(frames) > 1 else None
+        if after is None:
+            return values
+        before, keys = after - 1, np.array(frames, float)
+        along = ((every - keys[before]) / (keys[after] - keys[before]))[:, None, None, None]
+        parts = (np.take(part, before, 0) * (1 - along) + np.take(part, after, 0) * along
+                 for part in (values.value, values.error))
+        return Bounded(*parts)
 
     def _expected(self, frame: int, feather: bool) -> Outline:
         return _expected(self._layer, self._contour, frame, feather, self._apart)
