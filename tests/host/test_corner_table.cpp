@@ -86,9 +86,9 @@ TEST(CornerTable, ReadsTheWaysInWhichTablesAreWritten)
         {"empty cells between tabs", "1\t" + a + "\n2\t\t\t\t\t\t\t\t", {1}, 1, 2},
         {"quotes", "\"f\"\n\"3\" " + a, {3}, 3, 3},
         {"columns by name",
-         "id,File Name,conf,UL x,UL y,UR x,UR y,LR x,LR y,LL x,LL y,note\n"
-         "9,img_0012.png,0.5," +
-             QByteArray(a).replace(' ', ',') + ",\"good, yes\"\n" + "8,img_0013.png,,,,,,,,,,#f00",
+         "id,colour,File Name,UL x,UL y,UR x,UR y,LR x,LR y,LL x,LL y,note\n"
+         "9, #f00,img_0012.png," +
+             QByteArray(a).replace(' ', ',') + ",\"good, yes\"\n" + "8,,img_0013.png,,,,,,,,, # lost",
          {12},
          12,
          13},
