@@ -172,6 +172,7 @@ struct ColmapReport
 
     QStringList lines() const
     {
+        constexpr int MANY_POINTS = 1000;
         QString const error = result.medianError ? Text::fixedText(*result.medianError, 2) + QStringLiteral(" px")
                                                  : QStringLiteral("unknown");
         auto const [x, y, z] = result.origin;
@@ -189,9 +190,12 @@ struct ColmapReport
                 numberingText(),
             QStringLiteral("missing: ") + rangesText(result.missing),
             QStringLiteral("points: %1, median error: %2, inaccurate: %3")
-                .arg(points().pointCount())
-                .arg(error)
-                .arg(points().inaccurate.size()),
+                    .arg(points().pointCount())
+                    .arg(error)
+                    .arg(points().inaccurate.size()) +
+                (points().pointCount() > MANY_POINTS
+                     ? QStringLiteral(" (a null each; --min-track and --max-error leave some out)")
+                     : QString()),
             QStringLiteral("origin: %1, %2, %3 of the model, scale %4")
                 .arg(exactText(x), exactText(y), exactText(z), exactText(choices.import.scale)),
             QStringLiteral("camera: focal length %1 on a film back of 36 mm, pixel aspect %2, principal point off "

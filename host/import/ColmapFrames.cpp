@@ -162,6 +162,15 @@ bool ascend(std::vector<Numbered>::const_iterator begin, std::vector<Numbered>::
            end;
 }
 
+/// Whether images may lie in so many frames: what names very few in very many isn't counting
+/// frames, and would make a clip that costs a machine.
+bool isPlausible(int frames, std::size_t images)
+{
+    constexpr int ALWAYS_FINE = 100'000;
+    constexpr std::size_t MOST_TO_AN_IMAGE = 1000;
+    return frames <= ALWAYS_FINE || static_cast<std::size_t>(frames) <= MOST_TO_AN_IMAGE * images;
+}
+
 /// Puts the images of a run one after another, runs in the order of their first images.
 /// @return how many runs there are
 int groupByRun(std::vector<Numbered>& numbers)
@@ -186,7 +195,7 @@ std::vector<int> joinedFrames(std::vector<Numbered> const& numbers)
     {
         auto const end = std::find_if(run, numbers.end(), [&](Numbered const& n) { return n.run != run->run; });
         int const length = (end - 1)->number - run->number + 1;
-        if (!ascend(run, end) || length > MAX_FRAMES - start)
+        if (!ascend(run, end) || length > MAX_FRAMES - start || !isPlausible(length, numbers.size()))
         {
             return {};
         }
@@ -263,7 +272,8 @@ ColmapFrames framesOfColmap(ColmapModel const& model)
     }
     ColmapFrames result;
     std::vector<Numbered> numbers = numbersOf(names);
-    bool const areFrames = !numbers.empty() && ascend(numbers.begin(), numbers.end());
+    bool const areFrames = !numbers.empty() && ascend(numbers.begin(), numbers.end()) &&
+                           isPlausible(numbers.back().number - numbers.front().number + 1, numbers.size());
     int const runs = areFrames ? 0 : groupByRun(numbers);
     std::vector<int> const joined = areFrames ? std::vector<int>() : joinedFrames(numbers);
     if (!areFrames && joined.empty())

@@ -137,10 +137,6 @@ private:
 
     void readRow()
     {
-        if (isTimeCode(m_cells.front()))
-        {
-            failAt(m_cells.front(), "is a time code; count frames instead");
-        }
         bool const isFirst = m_firstRowLine == 0;
         m_firstRowLine = isFirst ? m_lines.number() : m_firstRowLine;
         std::optional<Token> const frameCell = takeColumns(isFirst);
@@ -171,6 +167,7 @@ private:
             }
             return m_columns.frame ? std::make_optional(m_cells[*m_columns.frame]) : std::nullopt;
         }
+        refuseTimeCode(m_cells.front());
         if (!isUsual)
         {
             m_lines.fail(
@@ -191,12 +188,17 @@ private:
         return hasFrame ? std::make_optional(m_cells.front()) : std::nullopt;
     }
 
-    int frameNumber(Token token) const
+    void refuseTimeCode(Token token) const
     {
         if (isTimeCode(token))
         {
             failAt(token, "is a time code; count frames instead");
         }
+    }
+
+    int frameNumber(Token token) const
+    {
+        refuseTimeCode(token);
         std::optional<double> number = numberOf(token);
         if (!number && !isNaN(token))
         {

@@ -1,7 +1,6 @@
 #include "AfterEffects/SolveDigits.h"
 
 #include "mtx/SFMEulerAngles.h"
-#include "text/NumberText.h"
 
 #include <algorithm>
 #include <cmath>
@@ -24,9 +23,16 @@ constexpr double PERCENT = 100.0;
 constexpr std::size_t MOST_PIXELS = 1'000'000;
 constexpr std::size_t LEAST_FRAMES = 8;
 
+/// The value with six significant digits, without the way over its text.
 double printed(double value)
 {
-    return Text::generalText(value).toDouble();
+    constexpr double DIGITS_BEHIND_THE_FIRST = 5;
+    if (value == 0 || !std::isfinite(value))
+    {
+        return value;
+    }
+    double const unit = std::pow(10.0, std::floor(std::log10(std::fabs(value))) - DIGITS_BEHIND_THE_FIRST);
+    return std::round(value / unit) * unit;
 }
 
 Vector3 printed(Vector3 const& v)

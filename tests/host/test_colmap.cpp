@@ -309,6 +309,8 @@ TEST(Colmap, NamesGiveFramesAndFootage)
         {{"20231105101500000.png", "20231105101500033.png"}, {0, 1}, "", 1},
         {{"IMG_20231105_101500.jpg", "IMG_20231105_101620.jpg"}, {0, 1}, "", 1},
         {{"x01.png", "x1.png"}, {0, 1}, "", 1},
+        {{"x1.png", "x100000.png"}, {1, 100'000}, "./x 1 .png 1", 0},
+        {{"x1.png", "x100001.png"}, {0, 1}, "", 1},
     };
     for (auto const& c : cases)
     {
@@ -410,7 +412,8 @@ TEST(Colmap, BinaryFormShowsThePointsToo)
 
 TEST(Colmap, BinaryFormIsRefusedWhereItIsBroken)
 {
-    ColmapModel const model = read("1 SIMPLE_RADIAL 640 480 500 320 240 0", IMAGE, "7 1 2 3 0 0 0 1 1 0");
+    ColmapModel const model = read("1 SIMPLE_RADIAL 640 480 500 320 240 0", imagesNamed({"a.png", "b.png"}),
+                                   "7 1 2 3 0 0 0 1 1 0\n8 1 2 3 0 0 0 1");
     MarloHost::ColmapFiles const whole = binaryOf(model);
     auto const messageOf = [](MarloHost::ColmapFiles const& files)
     {
@@ -437,9 +440,12 @@ TEST(Colmap, BinaryFormIsRefusedWhereItIsBroken)
             Files broken = whole;
             (broken.*file).truncate(i);
             EXPECT_TRUE(messageOf(broken).startsWith(name)) << i;
-            broken = whole;
-            (broken.*file)[i] = '\xFF';
-            messageOf(broken);
+            for (char const byte : {'\xFF', static_cast<char>((whole.*file)[i] + 1)})
+            {
+                broken = whole;
+                (broken.*file)[i] = byte;
+                messageOf(broken);
+            }
         }
         Files longer = whole;
         longer.*file += '\0';

@@ -86,9 +86,9 @@ TEST(CornerTable, ReadsTheWaysInWhichTablesAreWritten)
         {"empty cells between tabs", "1\t" + a + "\n2\t\t\t\t\t\t\t\t", {1}, 1, 2},
         {"quotes", "\"f\"\n\"3\" " + a, {3}, 3, 3},
         {"columns by name",
-         "id,File Name,conf,UL x,UL y,UR x,UR y,LR x,LR y,LL x,LL y,note\n"
-         "9,img_0012.png,0.5," +
-             QByteArray(a).replace(' ', ',') + ",\"good, yes\"\n" + "8,img_0013.png,,,,,,,,,,#f00",
+         "id,colour,File Name,UL x,UL y,UR x,UR y,LR x,LR y,LL x,LL y,note\n"
+         "9, #f00,img_0012.png," +
+             QByteArray(a).replace(' ', ',') + ",\"good, yes\"\n" + "8,,img_0013.png,,,,,,,,, # lost",
          {12},
          12,
          13},
@@ -104,6 +104,7 @@ TEST(CornerTable, ReadsTheWaysInWhichTablesAreWritten)
          {7},
          7,
          7},
+        {"times beside frames", "time frame ulx uly urx ury lrx lry llx lly\n0:01 7 " + a, {7}, 7, 7},
         {"frames without a heading", "ulx uly urx ury lrx lry llx lly\n7 " + a, {7}, 7, 7},
     };
     for (Case const& c : cases)
@@ -170,7 +171,7 @@ TEST(CornerTable, RefusesWhatItWouldHaveToGuess)
         {"f ulx uly ulx uly lrx lry llx lly z\n1 " + a + " 2", "t.txt: line 2: 10 values; expected eight"},
         {"00:00:01:05 " + a, "line 1: \"00:00:01:05\" is a time code"},
         {"1 " + a + "\n0:01.04 " + a, "line 2: \"0:01.04\" is a time code"},
-        {"ulx uly urx ury lrx lry llx lly z t\n" + a + " 1 2\n1:01 2", "\"1:01\" is a time code"},
+        {"ulx uly urx ury lrx lry llx lly frame t\n" + a + " 1:01 2", "\"1:01\" is a time code"},
         {a + "\n0.1 0.1 0.9 0.1 1.2 0.9 0.1 0.9\n0.1 0.1 0.9 0.1 1.2 0.9 -1 0.9",
          "t.txt: line 2: the corners look normalised"},
         {"set cut_paste_input [stack 0]\nCornerPin2D {\n to1 {1 2}\n}", "t.txt: is a Nuke script; make a table"},

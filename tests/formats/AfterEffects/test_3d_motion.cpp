@@ -234,8 +234,9 @@ TEST(Motion3D, TellsWhatItsDigitsCost)
         double depth;
         QString pixels;
     };
-    for (Case const& c : {Case{5000.03, 0, 10, "0.40"}, Case{5000.03, 5000, 10, "0.40"}, Case{5000.03, 0, 50, ""},
-                          Case{5000.03, 0, -10, ""}, Case{5000.03, 0, 1, ""}, Case{0.03, 0, 10, ""}})
+    for (Case const& c :
+         {Case{5000.03, 0, 10, "0.40"}, Case{5000.03, 5000, 10, "0.40"}, Case{5000, 5000.03, 10, "0.40"},
+          Case{5000.03, 0, 50, ""}, Case{5000.03, 0, -10, ""}, Case{5000.03, 0, 1, ""}, Case{0.03, 0, 10, ""}})
     {
         ProjectBuilder builder = scene();
         builder.model.solve->camera.pose = restingAt(c.x);
