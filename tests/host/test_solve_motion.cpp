@@ -368,6 +368,17 @@ TEST(SolveCamera, RoundingMovesNoAngleOfACameraInGimbalLock)
     EXPECT_THROW(solve.helper.setRotateOrder(24), std::range_error);
 }
 
+TEST(SolveCamera, ATiltIntoGimbalLockLeavesTheOuterAnglesAlone)
+{
+    SolveBuilder builder(3);
+    builder.solve().camera.pose = {{0, 1, 2}, {0, 0, 0, 0, 0, 1, 0, 0, 2}, {10, 89, 30, 10, 90, 30, 14, 90, 30}, {}};
+    SolveHelper solve(builder);
+    CameraAnimData const data = solve.camera();
+    expectNear(data.rotations[0], {10, 89, 30}, "before");
+    expectNear(data.rotations[1], {10, 90, 30}, "locked", 1e-6);
+    expectNear(data.rotations[2], {14, 90, 30}, "turning on in the lock", 1e-6);
+}
+
 TEST(SolveCamera, RotationsTakeTheShorterWay)
 {
     SolveBuilder builder(3);
