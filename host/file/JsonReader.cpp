@@ -10,6 +10,17 @@
 namespace MarloHost
 {
 
+namespace
+{
+
+/// Also the two that only end lines.
+bool isControl(QChar c)
+{
+    return c.category() == QChar::Other_Control || c == QChar::LineSeparator || c == QChar::ParagraphSeparator;
+}
+
+}
+
 JsonCursor::JsonCursor(JsonValue const& value, QString const& fileName)
     : m_value(&value), m_fileName(fileName), m_path(QStringLiteral("$"))
 {
@@ -48,7 +59,16 @@ QString JsonCursor::string() const
     {
         wrongType("a string");
     }
-    return QString::fromStdString(m_value->string);
+    QString const text = QString::fromStdString(m_value->string);
+    // Every text here is a name, a path or a word. Those that end a line would make records of
+    // their own in what is exported, and a terminal would obey the others.
+    auto const control = std::find_if(text.begin(), text.end(), isControl);
+    if (control != text.end())
+    {
+        fail(QStringLiteral("holds the control character U+%1; names and paths must not")
+                 .arg(QString::number(control->unicode(), 16).toUpper().rightJustified(4, QLatin1Char('0'))));
+    }
+    return text;
 }
 
 bool JsonCursor::boolean() const

@@ -22,6 +22,7 @@ public:
     /// @throws KORV_BadFile "file: path: cause"
     [[noreturn]] void fail(QString const& cause) const;
 
+    /// A text without control characters.
     QString string() const;
     bool boolean() const;
     double number(double least, double most) const;
