@@ -84,13 +84,16 @@ Korvane::ExportedFiles NukeAsciiExporter::exportTracking(KORV_ProjectManager& pr
         throwBadArgument(QStringLiteral("Invalid layer ID"));
     }
     Korvane::ExportedFiles files;
+    FailuresByView failures;
     for (Anm::View const& view : options.views)
     {
         Options viewOptions = options;
         viewOptions.views = {view};
         addExportFilesForView(files, project, path, *layer, Anm::Context(referenceFrame.time(), view), viewOptions,
                               options.views.size() > 1);
+        failures.emplace_back(project.projProps().views()->name(view), m_helper.failureMessages());
     }
+    appendFailures(files, path, failuresOfViews(failures));
     return files;
 }
 
@@ -116,7 +119,6 @@ void NukeAsciiExporter::addExportFilesForView(Korvane::ExportedFiles& files, KOR
                                QString::number(TRACKER_NUMBERS[corner]) + format.extension(),
                            text.bytes());
     }
-    appendFailures(files, path, m_helper.failureMessages());
 }
 
 }

@@ -29,29 +29,25 @@ Korvane::ExportedFiles NukeTrackingExporterBase::exportTracking(KORV_ProjectMana
     bool const isMultiView = options.views.size() > 1;
     TextBuffer text(sizeAdvice());
     int failedCount = 0;
-    QStringList failures;
+    FailuresByView failures;
     for (Anm::View const& view : options.views)
     {
         Options viewOptions = options;
         viewOptions.views = {view};
         setUpHelper(project, layerId, referenceFrame, viewOptions);
+        QString const viewName = project.projProps().views()->name(view);
         QString name = project.sm()->layerFromNumericID(layerId, false)->name();
         if (isMultiView)
         {
-            name += QLatin1Char('_') + project.projProps().views()->name(view);
+            name += QLatin1Char('_') + viewName;
         }
 
         QVector<NukePointCurve> curves = createCurves();
         failedCount += removeUnwritableKeys(curves);
         writeSingleView(text, name, curves);
-        failures += m_helper.failureMessages();
+        failures.emplace_back(viewName, m_helper.failureMessages());
     }
-    if (isMultiView)
-    {
-        // What is missing in all views is said once.
-        failures.removeDuplicates();
-    }
-    return fileResult(path, text.bytes(), failedCount, failures);
+    return fileResult(path, text.bytes(), failedCount, failuresOfViews(failures));
 }
 
 void NukeTrackingExporterBase::writeSingleView(TextBuffer& out, QString const& name,

@@ -3,6 +3,8 @@
 #include "Host/ShapeExporter.h"
 #include "text/Names.h"
 
+#include <QHash>
+
 namespace Export
 {
 
@@ -25,6 +27,34 @@ void appendFailures(Korvane::ExportedFiles& result, QString const& path, QString
             result.messages.append(Text::pathMessage(path, failure));
         }
     }
+}
+
+QStringList failuresOfViews(FailuresByView const& failures)
+{
+    if (failures.size() == 1)
+    {
+        return failures.front().second;
+    }
+    QStringList order;
+    QHash<QString, QStringList> viewsByFailure;
+    for (auto const& [view, ofView] : failures)
+    {
+        for (QString const& failure : ofView)
+        {
+            QStringList& views = viewsByFailure[failure];
+            order += views.isEmpty() ? QStringList(failure) : QStringList();
+            views += views.contains(view) ? QStringList() : QStringList(view);
+        }
+    }
+    QStringList told;
+    for (QString const& failure : order)
+    {
+        QStringList const& views = viewsByFailure[failure];
+        QString const word = views.size() == 1 ? QStringLiteral("view") : QStringLiteral("views");
+        told += failure + QStringLiteral(" (in ") + word + QStringLiteral(" \"") +
+                views.join(QStringLiteral("\", \"")) + QStringLiteral("\")");
+    }
+    return told;
 }
 
 std::shared_ptr<QMap<QString, QByteArray>> shapeResult(QString const& path, QByteArray const& contents,

@@ -10,6 +10,8 @@
 #include <QStringList>
 
 #include <memory>
+#include <utility>
+#include <vector>
 
 namespace Export
 {
@@ -23,6 +25,13 @@ MARLO_EXPORT_API Korvane::ExportedFiles fileResult(QString const& path, QByteArr
 
 /// Adds the failures to the messages, in the same form.
 MARLO_EXPORT_API void appendFailures(Korvane::ExportedFiles& result, QString const& path, QStringList const& failures);
+
+/// Failures of one view after the other, with the name of the view.
+using FailuresByView = std::vector<std::pair<QString, QStringList>>;
+
+/// The failures of all views in one list: each once, and behind it the views that it is about
+/// when there are several views.
+MARLO_EXPORT_API QStringList failuresOfViews(FailuresByView const& failures);
 
 /// The result of an export of shapes in one file.
 /// @param failure for the reserved entry of errors; empty for none

@@ -206,7 +206,7 @@ TEST(NukeViews, FollowEachOtherInTheOrderOfTheOptions)
     EXPECT_EQ(run(NukeTrackerExporter(), stereo(), {}).files, Files({{"out.nk", QByteArray()}}));
 }
 
-TEST(NukeViews, MissingFramesOfAnyViewAreSaidOnce)
+TEST(NukeViews, MissingFramesAreSaidOnceWithTheirViews)
 {
     ProjectBuilder builder = stereo();
     auto const drop = [](MarloHost::TrackModel& track)
@@ -214,11 +214,13 @@ TEST(NukeViews, MissingFramesOfAnyViewAreSaidOnce)
         track.frames.resize(1);
         track.homographies.resize(9);
     };
-    QStringList const message("out.nk: Frame 1002: no tracking data, frame 1001 stands in for it");
+    QString const message("out.nk: Frame 1002: no tracking data, frame 1001 stands in for it");
     drop(builder.layer().tracks[0]);
-    EXPECT_EQ(run(NukeCornerPinExporter(), builder, {0, 1}).messages, message) << "the first view's";
+    EXPECT_EQ(run(NukeCornerPinExporter(), builder, {0, 1}).messages, QStringList(message + " (in view \"left\")"));
     drop(builder.layer().tracks[1]);
-    EXPECT_EQ(run(NukeCornerPinExporter(), builder, {0, 1}).messages, message);
+    QStringList const inBoth(message + " (in views \"right\", \"left\")");
+    EXPECT_EQ(run(NukeCornerPinExporter(), builder, {1, 0}).messages, inBoth);
+    EXPECT_EQ(run(NukeAsciiExporter(), builder, {1, 0}, "out.nk").messages, inBoth);
 
     NukeCornerPinExporter const exporter;
     run(exporter, builder);
