@@ -12,6 +12,8 @@
 #include "marlohost/ProjectFile.h"
 
 #include <QHash>
+#include <QPair>
+#include <QSet>
 
 struct ZN_BaseClipInfo::Data
 {
@@ -87,6 +89,10 @@ struct ProjectProperties::Data
     boost::shared_ptr<Anm::Views const> views;
 };
 
+/// Points, by their owner and id, that the running export of a solve gave names to without an
+/// accuracy source.
+using NamedPoints = QSet<QPair<QString, unsigned int>>;
+
 struct KORV_ProjectManager::Data
 {
     MarloHost::ProjectModel model;
@@ -109,4 +115,5 @@ struct KORV_ProjectManager::Data
     bool interlaced = false;
     unsigned int playbackIn = 0;
     unsigned int playbackOut = 0;
+    std::shared_ptr<NamedPoints> const namedPoints = std::make_shared<NamedPoints>();
 };

@@ -50,7 +50,13 @@ struct NullAccuracySource::Data
         /// For the user.
         QString name;
         bool isAskedFor = false;
+
+        /// Its owner and id.
+        QPair<QString, unsigned int> place;
     };
+
+    /// Of the project; null when there is none.
+    std::shared_ptr<NamedPoints const> named;
 
     /// In the order of layers and sets.
     std::vector<Point> points;
@@ -65,8 +71,10 @@ struct NullAccuracySource::Data
         for (int const index : cloud.inaccurate)
         {
             auto const at = static_cast<std::size_t>(index);
-            placeByOwner[owner].insert(MarloHost::pointId(type, at), points.size());
-            points.push_back({ownerName + QStringLiteral(": ") + MarloHost::pointName(cloud, type, at), false});
+            unsigned int const id = MarloHost::pointId(type, at);
+            placeByOwner[owner].insert(id, points.size());
+            QString const name = ownerName + QStringLiteral(": ") + MarloHost::pointName(cloud, type, at);
+            points.push_back({name, false, {owner, id}});
         }
     }
 };
@@ -85,6 +93,7 @@ void NullAccuracySource::processNulls(QList<unsigned int> const& layerIds, KORV_
     {
         return;
     }
+    m_data->named = project->data().namedPoints;
     QSet<QString> owners;
     for (unsigned int const id : layerIds)
     {
@@ -120,7 +129,8 @@ QString NullAccuracySource::warnInaccurateNulls() const
     QStringList names;
     for (Data::Point const& point : m_data->points)
     {
-        names += point.isAskedFor ? QStringList(point.name) : QStringList();
+        bool const isExported = point.isAskedFor || (m_data->named && m_data->named->contains(point.place));
+        names += isExported ? QStringList(point.name) : QStringList();
     }
     if (names.isEmpty())
     {

@@ -247,6 +247,7 @@ void ExporterHelper::initialise(KORV_ProjectManager const& project, Anm::View co
     startWithoutLayer(project, view, 0, frameCount - 1);
     setClip(clip ? *clip : *project.parameterManager()->getClip(CLIP_OF_PROJECT));
 
+    project.data().namedPoints->clear();
     auto data = std::make_unique<Data>();
     std::optional<MarloHost::SolveModel> const& solve = project.data().model.solve;
     data->project = &project;
@@ -416,7 +417,15 @@ QString ExporterHelper::pointName(unsigned int id, KV::NullAccuracySource const*
     unsigned int index = id;
     PointType const type = pointTypeFromID(index);
     QString const name = MarloHost::pointName(m_data->current().cloud(type), type, index);
-    return accuracy && accuracy->isInaccurate(m_data->owner(), id) ? name + QStringLiteral(" (inaccurate)") : name;
+    if (!accuracy)
+    {
+        if (m_data->project)
+        {
+            m_data->project->data().namedPoints->insert({m_data->owner(), id});
+        }
+        return name;
+    }
+    return accuracy->isInaccurate(m_data->owner(), id) ? name + QStringLiteral(" (inaccurate)") : name;
 }
 
 Sabrel::Vector2Adapter<Mtx_Vector2_f> ExporterHelper::pointUVByType(PointType type, unsigned int index) const

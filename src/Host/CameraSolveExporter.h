@@ -112,8 +112,9 @@ public:
     void processNulls(QList<unsigned int> const& layerIds, KORV_ProjectManager const* project,
                       std::vector<Anm::View> const& views) const;
 
-    /// A warning that names those of them that were asked for with isInaccurate(), which is
-    /// to say exported; empty when there are none.
+    /// A warning that names those of them that were exported; empty when there are none. Those
+    /// are that were asked for with isInaccurate(), and those whose names an ExporterHelper
+    /// gave without a source since its last initialise().
     QString warnInaccurateNulls() const;
 
     /// Whether a point is one of them. The warning will name it.
