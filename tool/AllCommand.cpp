@@ -9,6 +9,7 @@
 #include "Session.h"
 
 #include <algorithm>
+#include <memory>
 
 namespace
 {
@@ -41,6 +42,53 @@ void checkFormatOptions(std::vector<FormatEntry> const& formats, QStringList con
     }
 }
 
+/// The projects to export: one for all formats, unless --frames means layers to some and the
+/// whole project to others.
+class Sessions
+{
+public:
+    explicit Sessions(Options const& options) : m_options(options)
+    {
+    }
+
+    Session& of(FormatEntry const& format)
+    {
+        bool const wantsScene = m_options.choices.frames && !format.isOfLayers();
+        std::unique_ptr<Session>& session = wantsScene ? m_scene : m_layers;
+        if (!session)
+        {
+            session = std::make_unique<Session>(m_options.project, m_options.choices.frames,
+                                                wantsScene ? FramesOf::Scene : FramesOf::Layers);
+        }
+        return *session;
+    }
+
+private:
+    Options const& m_options;
+    std::unique_ptr<Session> m_layers;
+    std::unique_ptr<Session> m_scene;
+};
+
+/// Tells of choices without effect once, not format by format.
+void tellUnheard(std::vector<FormatEntry> const& formats, std::vector<ExportRecord> const& records, Console& console)
+{
+    std::vector<FormatEntry> fed;
+    std::vector<std::vector<Unheard>> unheard;
+    for (std::size_t i = 0; i < records.size(); ++i)
+    {
+        bool const isSkipped = records[i].status == ExportRecord::Skipped && records[i].files.empty();
+        if (!isSkipped)
+        {
+            fed.push_back(formats[i]);
+            unheard.push_back(records[i].unheard);
+        }
+    }
+    for (QString const& line : unheardByMany(fed, unheard))
+    {
+        console.warning(line);
+    }
+}
+
 std::vector<ExportRecord> exportAll(Options const& options, Console& console)
 {
     if (options.writing.output == QStringLiteral("-"))
@@ -51,26 +99,35 @@ std::vector<ExportRecord> exportAll(Options const& options, Console& console)
     checkFormatOptions(formats, options.choices.formatOptions);
     int const total = static_cast<int>(formats.size());
     console.progress(0, total, QStringLiteral("reading ") + options.project);
-    Session session(options.project);
+    Sessions sessions(options);
 
     // A choice that says too little ends the command, not one format after the other.
-    if (std::any_of(formats.begin(), formats.end(), [](FormatEntry const& format) { return format.isOfLayers(); }))
+    auto const ofLayers =
+        std::find_if(formats.begin(), formats.end(), [](FormatEntry const& format) { return format.isOfLayers(); });
+    if (ofLayers != formats.end())
     {
         QStringList warnings;
-        chooseLayers(session, options.choices, warnings);
+        chooseLayers(sessions.of(*ofLayers), options.choices, warnings);
     }
-    session.views(options.choices.views);
-    session.clipId(options.choices.clip);
+    for (FormatEntry const& format : formats)
+    {
+        sessions.of(format).views(options.choices.views);
+        sessions.of(format).clipId(options.choices.clip);
+    }
 
     std::vector<ExportRecord> records;
     for (FormatEntry const& format : formats)
     {
         console.progress(static_cast<int>(records.size()), total, format.key());
         WritingChoices const writing = writingTo(format.key(), options.writing);
-        records.push_back(runExport(session, format, choicesFor(format, options.choices), writing, console));
-        reportOneOfMany(records.back(), QString(), options, console);
+        records.push_back(
+            runExport(sessions.of(format), format, choicesFor(format, options.choices), writing, console));
+        ExportRecord told = records.back();
+        told.unheard.clear();
+        reportOneOfMany(told, QString(), options, console);
     }
     console.clearProgress();
+    tellUnheard(formats, records, console);
     return records;
 }
 

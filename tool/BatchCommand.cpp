@@ -68,7 +68,7 @@ ExitStatus runBatch(Options const& options, Console& console)
     QStringList const names = chosenNames(presets, options.presets.names);
     console.progress(0, 1, QStringLiteral("reading ") + options.project);
     Session session(options.project);
-    PresetPlanner const planner(session, options.presets.file, options.writing.output);
+    PresetPlanner const planner(session, options.presets.file, options.writing);
     std::vector<PlannedExport> exports = planAll(presets, names, planner);
     return concludeMany(runPlanned(exports, planner, session, options, console), options, console);
 }

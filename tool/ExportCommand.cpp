@@ -25,12 +25,11 @@ ExitStatus runExportCommand(Options const& options, Console& console)
 {
     FormatEntry const format = checkedFormat(options);
     console.progress(0, 2, QStringLiteral("reading ") + options.project);
-    Session session(options.project);
+    Session session(options.project, options.choices.frames, format.isOfLayers() ? FramesOf::Layers : FramesOf::Scene);
     console.progress(1, 2, QStringLiteral("exporting ") + format.key());
     ExportRecord record = runExport(session, format, options.choices, options.writing, console);
     // What was asked for by name is missed.
     record.status = record.exitStatus == Refused ? ExportRecord::Failed : record.status;
-    record.warnings = optionsWithoutEffect(format, options.choices.given) + record.warnings;
     console.clearProgress();
 
     bool const isToStdout = options.writing.output == QStringLiteral("-");

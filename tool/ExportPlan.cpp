@@ -100,16 +100,55 @@ void checkPaths(std::vector<Export::BatchItem> const& items)
 
 }
 
+void tellOfLayersLeftOut(Session& session, ZN::LayerExportMode mode, LayerChoice const& layers,
+                         ExportedParts const& parts, ExportRecord& record)
+{
+    std::vector<KORV_Layer const*> const reached = session.layers(mode);
+    bool const areAllExported =
+        std::all_of(reached.begin(), reached.end(),
+                    [&](KORV_Layer const* layer)
+                    { return std::find(parts.layers.begin(), parts.layers.end(), layer) != parts.layers.end(); });
+    if (!areAllExported && layers.current)
+    {
+        record.unheard.push_back({QStringLiteral("--layers reaches layers that one export doesn't hold: only \"") +
+                                      layers.current->name() + QStringLiteral("\" is in that of "),
+                                  QStringLiteral("; --each-layer writes a file for each")});
+    }
+}
+
+void checkParts(Session& session, FormatEntry const& format, ExportedParts const& parts, PartsCheck const& check,
+                ExportRecord& record)
+{
+    if (!check.unsafeNames)
+    {
+        refuseUnsafeNames(session, format, parts);
+    }
+    record.warnings += lossesOf(session, format, parts);
+    QStringList clips;
+    for (KORV_Layer const* layer : parts.layers)
+    {
+        LayerFacts const& facts = session.facts(*layer);
+        clips += facts.hasLens || clips.contains(facts.clip) ? QStringList() : QStringList(facts.clip);
+    }
+    if (check.undistort && format.traits().honours.testFlag(Export::HonoursUndistort) && !clips.isEmpty())
+    {
+        record.unheard.push_back({QStringLiteral("--undistort has no effect on "),
+                                  QStringLiteral("; no lens that distorts is on clip ") + quotedList(clips)});
+    }
+}
+
 ExportPlan planExports(Session& session, FormatEntry const& format, ExportChoices const& choices,
-                       std::optional<QString> const& output, QStringList& warnings)
+                       WritingChoices const& writing, ExportRecord& record)
 {
     KORV_ProjectManager& project = session.project();
-    ViewChoice const views = chooseViews(session, format, choices.views, warnings);
+    record.unheard = optionsWithoutEffect(format, choices.given);
+    ViewChoice const views = chooseViews(session, format, choices.views, record);
     std::vector<LayerChoice> const layerChoices =
-        format.isOfLayers() ? chooseLayers(session, choices, warnings) : std::vector<LayerChoice>(1);
-    std::optional<QString> const place = output == QStringLiteral("-") ? std::nullopt : output;
+        format.isOfLayers() ? chooseLayers(session, choices, record.warnings) : std::vector<LayerChoice>(1);
+    std::optional<QString> const place = writing.output == QStringLiteral("-") ? std::nullopt : writing.output;
     auto const taken = std::make_shared<TakenPaths>(QStringLiteral("layers"));
     ExportPlan plan;
+    ExportedParts all;
     for (LayerChoice const& layers : layerChoices)
     {
         // Reference frame and suggested name are those of the current layer.
@@ -118,9 +157,16 @@ ExportPlan planExports(Session& session, FormatEntry const& format, ExportChoice
         QString const obstacle = obstacleOf(session, format, *exporter, layers, views.views);
         if (!obstacle.isEmpty())
         {
-            warnings += choices.eachLayer ? QStringList(obstacle) : QStringList();
+            record.warnings += choices.eachLayer ? QStringList(obstacle) : QStringList();
             plan.obstacle = obstacle;
             continue;
+        }
+        ExportedParts const parts = partsOf(session, format, layers, views);
+        all.layers.insert(all.layers.end(), parts.layers.begin(), parts.layers.end());
+        all.views = parts.views;
+        if (choices.layers && !choices.eachLayer)
+        {
+            tellOfLayersLeftOut(session, *choices.layers, layers, parts, record);
         }
         QString const path =
             pathOf(place, choices, exporter->filenameSuggestion(project), layers, format.format().extension());
@@ -129,31 +175,8 @@ ExportPlan planExports(Session& session, FormatEntry const& format, ExportChoice
                               Export::ExportFileInfo(), path});
     }
     checkPaths(plan.items);
+    checkParts(session, format, all, {choices.undistort, writing.unsafeNames}, record);
     // Of many layers some may have nothing.
     plan.obstacle = plan.items.empty() ? plan.obstacle : QString();
     return plan;
-}
-
-QStringList optionsWithoutEffect(FormatEntry const& format, QStringList const& given)
-{
-    static QMap<QString, QList<Kind>> const kinds{{"--layer", {Kind::Tracking, Kind::Shape}},
-                                                  {"--layers", {Kind::Tracking, Kind::Shape}},
-                                                  {"--each-layer", {Kind::Tracking, Kind::Shape}},
-                                                  {"--view", {Kind::Tracking, Kind::Shape, Kind::Camera}},
-                                                  {"--track", {Kind::Tracking}},
-                                                  {"--invert", {Kind::Tracking}},
-                                                  {"--undistort", {Kind::Tracking}},
-                                                  {"--reference-frame", {Kind::Tracking}},
-                                                  {"--objects", {Kind::Camera}},
-                                                  {"--clip", {Kind::Lens}}};
-    QStringList warnings;
-    for (QString const& option : given)
-    {
-        if (kinds.contains(option) && !kinds.value(option).contains(format.kind()))
-        {
-            warnings += option + QStringLiteral(" has no effect on ") + kindWord(format.kind()) +
-                        QStringLiteral(" formats such as ") + format.key();
-        }
-    }
-    return warnings;
 }

@@ -2,8 +2,10 @@
 // From what the user chose and a format to exporters with their target paths.
 
 #include "Core/ExportFunctions.h"
+#include "ExportedParts.h"
 #include "FindFormat.h"
 #include "Options.h"
+#include "Record.h"
 
 #include <QString>
 #include <QStringList>
@@ -24,12 +26,27 @@ struct ExportPlan
     QString obstacle;
 };
 
+/// What is checked in the parts of an export beside what the format holds.
+struct PartsCheck
+{
+    bool undistort = false;
+    bool unsafeNames = false;
+};
+
+/// Warns of what a format can't hold of the parts, and of lenses that aren't there.
+/// @throws Failure as a refusal of names that would leave their field
+void checkParts(Session& session, FormatEntry const& format, ExportedParts const& parts, PartsCheck const& check,
+                ExportRecord& record);
+
+/// Warns where a mode reaches layers that aren't in the parts.
+void tellOfLayersLeftOut(Session& session, ZN::LayerExportMode mode, LayerChoice const& layers,
+                         ExportedParts const& parts, ExportRecord& record);
+
 /// Plans the exports of a format.
 ///
-/// @param output what `-o` says; "-" is planned as a file of the suggested name
-/// @throws Failure as wrong usage; two layers with one path are refused
+/// @param writing its `-o` "-" is planned as a file of the suggested name
+/// @param record gets warnings
+/// @throws Failure as wrong usage; two layers with one path are refused, and names that would
+///         leave their field
 ExportPlan planExports(Session& session, FormatEntry const& format, ExportChoices const& choices,
-                       std::optional<QString> const& output, QStringList& warnings);
-
-/// Warnings about options that the kind of the format doesn't know.
-QStringList optionsWithoutEffect(FormatEntry const& format, QStringList const& given);
+                       WritingChoices const& writing, ExportRecord& record);

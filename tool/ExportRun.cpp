@@ -50,6 +50,7 @@ void setWritten(ExportRecord& record)
 {
     record.status = ExportRecord::Written;
     record.exitStatus = record.hasFailedFrames() ? SomeFramesFailed : Success;
+    record.acceptGaps();
 }
 
 /// After the library has returned without an exception.
@@ -110,6 +111,8 @@ void runPlan(Session& session, FormatEntry const& format, ExportPlan const& plan
              ExportRecord& record, Console& console)
 {
     record.messagesAreFailures = format.kind() != Kind::Camera;
+    record.countsMessages = format.kind() == Kind::Shape;
+    record.acceptsGaps = writing.acceptGaps;
     try
     {
         if (plan.obstacle.isEmpty())
@@ -140,7 +143,7 @@ ExportRecord runExport(Session& session, FormatEntry const& format, ExportChoice
         {
             checkStdout(format, choices);
         }
-        ExportPlan const plan = planExports(session, format, choices, writing.output, record.warnings);
+        ExportPlan const plan = planExports(session, format, choices, writing, record);
         runPlan(session, format, plan, writing, record, console);
     }
     catch (...)
@@ -165,7 +168,7 @@ void report(ExportRecord const& record, bool listsFiles, Console& console)
     {
         console.warning(record.format + QStringLiteral(": %1 frames or items failed").arg(record.failedCount));
     }
-    for (QString const& warning : record.warnings)
+    for (QString const& warning : record.allWarnings())
     {
         console.warning(warning);
     }

@@ -69,7 +69,7 @@ std::vector<FormatEntry> formatsOfKind(QString const& word)
     return entries;
 }
 
-FormatEntry findFormat(QString const& key)
+std::optional<FormatEntry> formatByKey(QString const& key)
 {
     for (FormatEntry const& entry : Export::offeredFormats())
     {
@@ -77,6 +77,15 @@ FormatEntry findFormat(QString const& key)
         {
             return entry;
         }
+    }
+    return std::nullopt;
+}
+
+FormatEntry findFormat(QString const& key)
+{
+    if (std::optional<FormatEntry> const entry = formatByKey(key))
+    {
+        return *entry;
     }
     QStringList const near = nearestKeys(key);
     throw usageError(QStringLiteral("there is no format \"") + key + QLatin1Char('"') +

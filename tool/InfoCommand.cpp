@@ -2,10 +2,12 @@
 
 #include "Commands.h"
 #include "Console.h"
+#include "FormatSheet.h"
 #include "Record.h"
 #include "Session.h"
 #include "marlohost/FrameNumbers.h"
 
+#include <QFileInfo>
 #include <QMap>
 
 #include <algorithm>
@@ -274,10 +276,30 @@ private:
     MarloHost::FrameNumbers m_numbers;
 };
 
+void tellFormat(FormatEntry const& format, bool asJson, Console& console)
+{
+    if (asJson)
+    {
+        console.result(jsonBytes(wholeFormat(format)));
+        return;
+    }
+    for (QString const& line : formatLines(format))
+    {
+        console.result(oneLine(line));
+    }
+}
+
 }
 
 ExitStatus runInfo(Options const& options, Console& console)
 {
+    // A folder may well have the name of a format: `all` makes them.
+    std::optional<FormatEntry> const format = formatByKey(options.project);
+    if (format && !QFileInfo(options.project).isFile())
+    {
+        tellFormat(*format, options.json, console);
+        return Success;
+    }
     ProjectModel const model = readModel(options.project);
     ProjectSummary const summary(model);
     if (options.json)

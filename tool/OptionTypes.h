@@ -2,6 +2,8 @@
 // The types of option values: from the words of the command line to values, with one
 // wording for what is wrong with them. All errors are CLI::ValidationError.
 
+#include "FrameRange.h"
+
 #include <CLI/CLI.hpp>
 #include <QString>
 #include <QStringList>
@@ -49,6 +51,12 @@ CLI::Option* addChoice(CLI::App* app, std::string const& name, std::string const
 }
 
 int wholeNumber(std::string const& option, QString const& text);
+
+/// A frame as shown: a whole number, or a half for the second field of one.
+double shownFrame(std::string const& option, QString const& text);
+
+/// A-B, both as shown.
+FrameRange frameRange(QString const& text);
 
 /// The text itself.
 QString notEmpty(std::string const& option, QString const& text);

@@ -130,8 +130,11 @@ private:
 
     void addInfo()
     {
-        CLI::App* const app = addCommand(&m_app, "info", "Show what a project holds", Options::Info);
-        addProject(app);
+        CLI::App* const app =
+            addCommand(&m_app, "info", "Show what a project holds, or all of a format", Options::Info);
+        addText(app, "PROJECT", "Project file, or key of a format",
+                [this](QString const& path) { m_options.project = path; })
+            ->required();
         addJson(app);
     }
 
@@ -204,6 +207,7 @@ private:
                  m_options.choices.views)
             ->type_name("ID");
         addTrackingOptions(app, "Host frame, from 0 and not as shown, from which relative data start");
+        addUnsafeNames(app);
         addObjects(app);
         addFormatOption(app);
     }
@@ -232,7 +236,10 @@ private:
     {
         CLI::Option* const layer = addLayerOptions(app);
         addEachLayer(app, layer);
-        addTrackingOptions(app, "Frame, as shown, from which relative data start");
+        addTrackingOptions(app, "Frame, as shown, from which relative data start; fields are halves");
+        addText(app, "--frames", "Frames, as shown, to export; default: those of the layer, or of the project",
+                [this](QString const& text) { m_options.choices.frames = frameRange(text); })
+            ->type_name("A-B");
         addObjects(app);
         addClip(app);
         addFormatOption(app);
@@ -281,7 +288,7 @@ private:
         app->add_flag("--invert", choices.invert, "Export the inverse motion");
         app->add_flag("--undistort", choices.undistort, "Take the lens distortion out");
         addText(app, "--reference-frame", referenceFrameHelp,
-                [&choices](QString const& text) { choices.referenceFrame = wholeNumber("--reference-frame", text); })
+                [&choices](QString const& text) { choices.referenceFrame = shownFrame("--reference-frame", text); })
             ->type_name("N");
     }
 
@@ -308,10 +315,18 @@ private:
             ->type_name("KEY=VALUE");
     }
 
+    void addUnsafeNames(CLI::App* app)
+    {
+        app->add_flag("--unsafe-names", m_options.writing.unsafeNames,
+                      "Write names that would leave their field in the text");
+    }
+
     void addWritingOptions(CLI::App* app)
     {
         WritingChoices& writing = m_options.writing;
         app->add_flag("--overwrite", writing.overwrite, "Replace existing files");
+        addUnsafeNames(app);
+        app->add_flag("--accept-gaps", writing.acceptGaps, "Frames that hold their neighbour's data are no failures");
         app->add_flag("--strict", writing.strict, "Write nothing when a frame fails");
         app->add_flag("--dry-run", writing.dryRun, "Do everything but write");
     }

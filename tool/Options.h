@@ -1,6 +1,7 @@
 #pragma once
 // What the command line says, before anything is looked up in a project.
 
+#include "FrameRange.h"
 #include "marlohost/ColmapModel.h"
 #include "marlohost/CornerTable.h"
 
@@ -27,7 +28,8 @@ struct ExportChoices
     bool undistort = false;
 
     /// A number as users see it.
-    std::optional<int> referenceFrame;
+    std::optional<double> referenceFrame;
+    std::optional<FrameRange> frames;
 
     /// Names; "all" means all. Empty means the current view.
     QStringList views;
@@ -50,6 +52,12 @@ struct WritingChoices
     bool overwrite = false;
     bool strict = false;
     bool dryRun = false;
+
+    /// Frames that stand in for others are no failures.
+    bool acceptGaps = false;
+
+    /// Write names that leave their field in the text.
+    bool unsafeNames = false;
 };
 
 /// Where the commands below `import` write.

@@ -82,6 +82,10 @@ QString obstacleOf(Session& session, FormatEntry const& format, Export::Exporter
     {
         return QStringLiteral("Layer \"") + layers.current->name() + QStringLiteral("\" has no tracking data");
     }
+    if (format.traits().needs.testFlag(Export::NeedsMesh) && layers.current && !session.hasMesh(*layers.current, views))
+    {
+        return QStringLiteral("Layer \"") + layers.current->name() + QStringLiteral("\" has no tracked mesh");
+    }
     QList<unsigned int> const ids{project.toolManager()->currentLayerID()};
     if (format.kind() == Kind::Shape &&
         Korvane::ShapeExportHelper::getContoursToExport(project, layers.selection.mode, ids).isEmpty())

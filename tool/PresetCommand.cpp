@@ -55,12 +55,13 @@ Anm::Context referenceFrameOf(ExportChoices const& choices)
     {
         return Anm::Context::invalid();
     }
-    if (*choices.referenceFrame < 0)
+    int const frame = static_cast<int>(*choices.referenceFrame);
+    if (frame < 0 || frame != *choices.referenceFrame)
     {
-        throw usageError(
-            QStringLiteral("--reference-frame: %1 isn't a host frame; these start at 0").arg(*choices.referenceFrame));
+        throw usageError(QStringLiteral("--reference-frame: %1 isn't a host frame; these are whole numbers from 0 on")
+                             .arg(*choices.referenceFrame));
     }
-    return Anm::Context(Anm::Time::fromInt(*choices.referenceFrame), Anm::View::defaultView());
+    return Anm::Context(Anm::Time::fromInt(frame), Anm::View::defaultView());
 }
 
 ExportInfo exportOf(FormatEntry const& format, Options const& options)
@@ -152,14 +153,19 @@ ExitStatus runPresetAdd(Options const& options, Console& console)
     {
         throw usageError(QStringLiteral("preset add: -o needs the path of a file"));
     }
+    if (options.choices.layer && !options.writing.unsafeNames)
+    {
+        refuseUnsafeName(format, QStringLiteral("layer \"") + *options.choices.layer + QLatin1Char('"'),
+                         *options.choices.layer);
+    }
     ExportInfo const info = exportOf(format, options);
     bool const isOld = QFileInfo::exists(options.presets.file);
     Presets presets = isOld ? readPresets(options.presets.file) : Presets();
     presets[options.presets.name].exports.push_back(info);
     writePresets(presets, options.presets.file);
-    for (QString const& warning : optionsWithoutEffect(format, options.choices.given))
+    for (Unheard const& choice : optionsWithoutEffect(format, options.choices.given))
     {
-        console.warning(warning);
+        console.warning(choice.text(format.key()));
     }
     return Success;
 }

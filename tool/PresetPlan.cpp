@@ -55,10 +55,11 @@ QString PlannedExport::label() const
     return QStringLiteral("preset \"") + preset + QStringLiteral("\", ") + record.format;
 }
 
-PresetPlanner::PresetPlanner(Session& session, QString const& presetsFile, std::optional<QString> const& folder)
+PresetPlanner::PresetPlanner(Session& session, QString const& presetsFile, WritingChoices const& writing)
     : m_session(session),
       m_presetsFolder(QFileInfo(presetsFile).path()),
-      m_folder(folder),
+      m_folder(writing.output),
+      m_unsafeNames(writing.unsafeNames),
       m_currentLayer(session.project().toolManager()->currentLayerID()),
       m_currentView(session.project().currentView()),
       m_taken(std::make_shared<TakenPaths>(QStringLiteral("exports")))
@@ -80,7 +81,7 @@ PlannedExport PresetPlanner::plan(QString const& preset, ExportInfo const& store
     {
         restorePlace();
         FormatEntry const format = formatOf(stored, m_session.project());
-        planned.plan = makePlan(format, stored, planned.record.warnings);
+        planned.plan = makePlan(format, stored, planned.record);
         planned.format = format;
     }
     catch (...)
@@ -91,16 +92,17 @@ PlannedExport PresetPlanner::plan(QString const& preset, ExportInfo const& store
     return planned;
 }
 
-ExportPlan PresetPlanner::makePlan(FormatEntry const& format, ExportInfo info, QStringList& warnings) const
+ExportPlan PresetPlanner::makePlan(FormatEntry const& format, ExportInfo info, ExportRecord& record) const
 {
     KORV_ProjectManager& project = m_session.project();
     LayerChoice layers;
     std::vector<Anm::View> views{m_currentView};
+    PartsCheck check{false, m_unsafeNames};
     auto const place = [&](auto& options)
     {
-        options.viewsToExport = viewsOf(format, options.viewsToExport, warnings);
+        options.viewsToExport = viewsOf(format, options.viewsToExport, record);
         views = options.viewsToExport;
-        layers = storedLayers(m_session, options.layerSelection, warnings);
+        layers = storedLayers(m_session, options.layerSelection, record.warnings);
         takePlace(project, layers.current, views.front());
     };
     if (auto* const shape = std::get_if<Export::UserShapeOptions>(&info.options))
@@ -111,6 +113,7 @@ ExportPlan PresetPlanner::makePlan(FormatEntry const& format, ExportInfo info, Q
     {
         place(*tracking);
         tracking->referenceFrame = referenceFrameOf(*tracking, views.front());
+        check.undistort = tracking->undistort;
     }
 
     // A layer that was renamed or mistyped is no reason to pass over what was asked for.
@@ -123,6 +126,13 @@ ExportPlan PresetPlanner::makePlan(FormatEntry const& format, ExportInfo info, Q
     plan.obstacle = obstacleOf(m_session, format, *exporter, layers, views);
     if (plan.obstacle.isEmpty())
     {
+        ExportedParts const parts = partsOf(m_session, format, layers, {views, views.front()});
+        checkParts(m_session, format, parts, check, record);
+        // A stored selection of the current layer looks like one of the selected layers.
+        if (layers.selection.mode == ZN::VisibleLayers || layers.selection.mode == ZN::AllLayers)
+        {
+            tellOfLayersLeftOut(m_session, layers.selection.mode, layers, parts, record);
+        }
         QString const path = pathOf(info.filePath, exporter->filenameSuggestion(project), format.format().extension());
         logExport(format, layers.current, path);
         plan.items.push_back({std::make_shared<PlacedExporter>(exporter, layers.current, views.front(), m_taken),
@@ -132,7 +142,7 @@ ExportPlan PresetPlanner::makePlan(FormatEntry const& format, ExportInfo info, Q
 }
 
 std::vector<Anm::View> PresetPlanner::viewsOf(FormatEntry const& format, std::vector<Anm::View> const& stored,
-                                              QStringList& warnings) const
+                                              ExportRecord& record) const
 {
     Anm::Views const& all = *m_session.project().views();
     for (Anm::View const& view : stored)
@@ -144,10 +154,9 @@ std::vector<Anm::View> PresetPlanner::viewsOf(FormatEntry const& format, std::ve
                                        .arg(all.viewCount() - 1));
         }
     }
-    if (stored.size() > 1 && !format.format().flags().testFlag(Export::HoldsSeveralViews))
+    if (stored.size() > 1 && !format.traits().honours.testFlag(Export::HonoursViews))
     {
-        warnings += format.key() + QStringLiteral(" holds one view; \"") + all.name(stored.front()) +
-                    QStringLiteral("\" is exported");
+        record.unheard.push_back(oneViewOfMany(m_session, stored.front()));
     }
     return stored.empty() ? std::vector<Anm::View>{m_currentView} : stored;
 }

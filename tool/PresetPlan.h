@@ -30,8 +30,8 @@ class PresetPlanner
 {
 public:
     /// @param presetsFile relative paths of exports start from its folder
-    /// @param folder takes the place of the folders that the exports say
-    PresetPlanner(Session& session, QString const& presetsFile, std::optional<QString> const& folder);
+    /// @param writing its output takes the place of the folders that the exports say
+    PresetPlanner(Session& session, QString const& presetsFile, WritingChoices const& writing);
 
     PlannedExport plan(QString const& preset, Export::Preset::ExportInfo const& stored) const;
 
@@ -39,15 +39,16 @@ public:
     void restorePlace() const;
 
 private:
-    ExportPlan makePlan(FormatEntry const& format, Export::Preset::ExportInfo info, QStringList& warnings) const;
+    ExportPlan makePlan(FormatEntry const& format, Export::Preset::ExportInfo info, ExportRecord& record) const;
     std::vector<Anm::View> viewsOf(FormatEntry const& format, std::vector<Anm::View> const& stored,
-                                   QStringList& warnings) const;
+                                   ExportRecord& record) const;
     Anm::Context referenceFrameOf(Export::UserTrackingOptions const& options, Anm::View const& view) const;
     QString pathOf(std::optional<QString> const& stored, QString const& suggestion, QString const& extension) const;
 
     Session& m_session;
     QString m_presetsFolder;
     std::optional<QString> m_folder;
+    bool m_unsafeNames;
     unsigned int m_currentLayer;
     Anm::View m_currentView;
     std::shared_ptr<TakenPaths> m_taken;

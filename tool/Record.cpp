@@ -1,5 +1,24 @@
 #include "Record.h"
 
+#include <QRegularExpression>
+
+#include <algorithm>
+
+namespace
+{
+
+/// Whether a message says nothing but that frames stand in for others. Exporters of shapes
+/// put all failures of a file into one message.
+bool isOfGaps(QString const& message)
+{
+    static QRegularExpression const gaps(
+        QStringLiteral("(^|: )Frame [-.\\d]+: [^:;]*, frame [-.\\d]+ stands in for it( \\(in [^;]*\\))?"
+                       "(; Frame [-.\\d]+: [^:;]*, frame [-.\\d]+ stands in for it( \\(in [^;]*\\))?)*$"));
+    return gaps.match(message).hasMatch();
+}
+
+}
+
 void ExportRecord::fail(Failure const& failure)
 {
     status = Failed;
@@ -9,7 +28,29 @@ void ExportRecord::fail(Failure const& failure)
 
 bool ExportRecord::hasFailedFrames() const
 {
-    return failedCount > 0 || (messagesAreFailures && !messages.isEmpty());
+    int const accepted = acceptedGaps();
+    bool const hasFailedMessage = messagesAreFailures && messages.size() > accepted;
+    return failedCount > (countsMessages ? accepted : 0) || hasFailedMessage;
+}
+
+int ExportRecord::acceptedGaps() const
+{
+    return acceptsGaps ? static_cast<int>(std::count_if(messages.begin(), messages.end(), isOfGaps)) : 0;
+}
+
+void ExportRecord::acceptGaps()
+{
+    failedCount -= countsMessages ? acceptedGaps() : 0;
+}
+
+QStringList ExportRecord::allWarnings() const
+{
+    QStringList all;
+    for (Unheard const& choice : unheard)
+    {
+        all += choice.text(format);
+    }
+    return all + warnings;
 }
 
 nlohmann::ordered_json ExportRecord::toJson() const
@@ -20,9 +61,14 @@ nlohmann::ordered_json ExportRecord::toJson() const
     {
         fileList.push_back({{"path", jsonText(file.path)}, {"bytes", file.bytes}});
     }
-    return {{"format", jsonText(format)},      {"status", statusWords[status]},   {"files", fileList},
-            {"messages", jsonTexts(messages)}, {"warnings", jsonTexts(warnings)}, {"notices", jsonTexts(notices)},
-            {"failedCount", failedCount},      {"reason", jsonText(reason)}};
+    return {{"format", jsonText(format)},
+            {"status", statusWords[status]},
+            {"files", fileList},
+            {"messages", jsonTexts(messages)},
+            {"warnings", jsonTexts(allWarnings())},
+            {"notices", jsonTexts(notices)},
+            {"failedCount", failedCount},
+            {"reason", jsonText(reason)}};
 }
 
 nlohmann::ordered_json toJson(std::vector<ExportRecord> const& records)

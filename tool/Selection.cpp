@@ -20,11 +20,22 @@ QStringList namesOf(std::vector<KORV_Layer const*> const& layers)
     return names;
 }
 
+[[noreturn]] void refuseMissed(QStringList const& names)
+{
+    throw Failure(Refused, QStringLiteral("--frames: there is no frame in that range of ") +
+                               (names.size() == 1 ? QStringLiteral("layer ") : QStringLiteral("layers ")) +
+                               quotedList(names));
+}
+
 LayerChoice layerByName(Session& session, QString const& name, QStringList& warnings)
 {
     std::vector<KORV_Layer const*> const all = session.layers();
     auto const isNamed = [&](KORV_Layer const* layer) { return layer->name() == name; };
     auto const found = std::find_if(all.begin(), all.end(), isNamed);
+    if (found == all.end() && session.missedLayers().contains(name))
+    {
+        refuseMissed({name});
+    }
     if (found == all.end())
     {
         throw usageError(QStringLiteral("--layer: there is no layer \"") + name + QStringLiteral("\"; found ") +
@@ -54,6 +65,10 @@ LayerChoice currentOrOnlyLayer(Session& session)
 {
     KORV_Layer const* current = session.project().currentLayer();
     std::vector<KORV_Layer const*> const all = session.layers();
+    if (session.missesCurrentLayer() || (all.empty() && !session.missedLayers().isEmpty()))
+    {
+        refuseMissed(session.missedLayers());
+    }
     if (!current && all.size() > 1)
     {
         throw usageError(QStringLiteral("no layer is current; choose one with --layer, or --layers: ") +
@@ -73,6 +88,15 @@ std::vector<LayerChoice> chooseLayers(Session& session, ExportChoices const& cho
     if (choices.layer)
     {
         return {layerByName(session, *choices.layer, warnings)};
+    }
+    if ((choices.layers || choices.eachLayer) && !session.missedLayers().isEmpty())
+    {
+        if (session.layers().empty())
+        {
+            refuseMissed(session.missedLayers());
+        }
+        warnings += QStringLiteral("--frames leaves layers out that have no frame in it: ") +
+                    quotedList(session.missedLayers());
     }
     if (!choices.eachLayer)
     {
@@ -105,7 +129,13 @@ LayerChoice storedLayers(Session& session, Export::LayerSelection const& selecti
     return choice;
 }
 
-ViewChoice chooseViews(Session& session, FormatEntry const& format, QStringList const& names, QStringList& warnings)
+Unheard oneViewOfMany(Session& session, Anm::View const& view)
+{
+    return {QString(), QStringLiteral(": holds one view; \"") + session.project().views()->name(view) +
+                           QStringLiteral("\" is exported, --view NAME exports another")};
+}
+
+ViewChoice chooseViews(Session& session, FormatEntry const& format, QStringList const& names, ExportRecord& record)
 {
     Anm::View const current = session.project().currentView();
     ViewChoice choice{session.views(names), current};
@@ -117,10 +147,9 @@ ViewChoice chooseViews(Session& session, FormatEntry const& format, QStringList 
     {
         choice.view = choice.views.front();
     }
-    if (choice.views.size() > 1 && !format.format().flags().testFlag(Export::HoldsSeveralViews))
+    if (choice.views.size() > 1 && !format.traits().honours.testFlag(Export::HonoursViews))
     {
-        warnings += format.key() + QStringLiteral(" holds one view; \"") +
-                    session.project().views()->name(choice.view) + QStringLiteral("\" is exported");
+        record.unheard.push_back(oneViewOfMany(session, choice.view));
     }
     return choice;
 }

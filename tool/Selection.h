@@ -4,6 +4,7 @@
 #include "Core/UserOptions.h"
 #include "FindFormat.h"
 #include "Options.h"
+#include "Record.h"
 
 #include <QStringList>
 
@@ -24,7 +25,7 @@ struct LayerChoice
 ///
 /// @param warnings gets a line where the choice could have meant something else
 /// @throws Failure as wrong usage for an unknown name, or when nothing says which of
-///         several layers is meant
+///         several layers is meant; as a refusal when --frames misses what was chosen
 std::vector<LayerChoice> chooseLayers(Session& session, ExportChoices const& choices, QStringList& warnings);
 
 /// The layers that a stored selection reaches; no current layer when it names one that
@@ -41,6 +42,9 @@ struct ViewChoice
 };
 
 /// @param names from the command line; empty means the current view
-/// @param warnings gets a line when a format with one view is given several
+/// @param record is told when a format with one view is given several
 /// @throws Failure as wrong usage for an unknown name
-ViewChoice chooseViews(Session& session, FormatEntry const& format, QStringList const& names, QStringList& warnings);
+ViewChoice chooseViews(Session& session, FormatEntry const& format, QStringList const& names, ExportRecord& record);
+
+/// That of several views one is exported.
+Unheard oneViewOfMany(Session& session, Anm::View const& view);

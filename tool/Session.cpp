@@ -7,7 +7,6 @@
 #include "Host/KORV_ProjectManager.h"
 #include "Host/MessageBox.h"
 #include "Host/ZN_ClipInfo.h"
-#include "marlohost/FrameNumbers.h"
 #include "marlohost/ProjectFile.h"
 
 #include <algorithm>
@@ -47,43 +46,64 @@ private:
     mutable QStringList m_texts;
 };
 
-Session::Session(QString const& projectPath) : m_warnings(std::make_shared<Warnings>())
+Session::Session(QString const& projectPath, std::optional<FrameRange> const& frames, FramesOf what)
+    : m_warnings(std::make_shared<Warnings>())
 {
-    MarloHost::ProjectModel const model = readModel(projectPath);
-    for (MarloHost::ClipModel const& clip : model.clips)
+    MarloHost::ProjectModel model = readModel(projectPath);
+    if (frames && what == FramesOf::Scene)
     {
-        m_clipNames += clip.name;
+        cutScene(model, *frames);
     }
-    m_frameCount = model.clips.front().frameCount;
+    else if (frames)
+    {
+        bool const hasCurrent = !model.currentLayer.isEmpty();
+        m_missed = cutLayers(model, *frames);
+        m_missesCurrent = hasCurrent && model.currentLayer.isEmpty();
+    }
+    m_facts = factsOf(model);
     MarloHost::HostServices services;
     services.callbacks = m_warnings;
     m_project = MarloHost::makeProject(model, projectPath, services);
-    noteTrackedViews(model);
+
+    // Both lists go from the top of the stack to the bottom.
+    for (KORV_Layer const* layer : layers())
+    {
+        m_placeById.insert(layer->numericID(), static_cast<std::size_t>(m_placeById.size()));
+    }
 }
 
 Session::~Session() = default;
 
-// Both lists go from the top of the stack to the bottom.
-void Session::noteTrackedViews(MarloHost::ProjectModel const& model)
+LayerFacts const& Session::facts(KORV_Layer const& layer) const
 {
-    std::vector<KORV_Layer const*> const stack = layers();
-    for (std::size_t i = 0; i < stack.size(); ++i)
-    {
-        for (MarloHost::TrackModel const& track : model.layers[i].tracks)
-        {
-            QString const name = track.view.isEmpty() ? model.views.front() : track.view;
-            if (!track.frames.empty())
-            {
-                m_trackedViews.insert(stack[i]->numericID(), m_project->views()->viewForName(name).id());
-            }
-        }
-    }
+    return m_facts.layers.at(m_placeById.value(layer.numericID()));
 }
 
 bool Session::isTracked(KORV_Layer const& layer, std::vector<Anm::View> const& views) const
 {
     return std::any_of(views.begin(), views.end(),
-                       [&](Anm::View const& view) { return m_trackedViews.contains(layer.numericID(), view.id()); });
+                       [&](Anm::View const& view) { return facts(layer).trackedViews.contains(view.id()); });
+}
+
+bool Session::hasMesh(KORV_Layer const& layer, std::vector<Anm::View> const& views) const
+{
+    return std::any_of(views.begin(), views.end(),
+                       [&](Anm::View const& view) { return facts(layer).meshViews.contains(view.id()); });
+}
+
+QStringList const& Session::sceneNames() const
+{
+    return m_facts.sceneNames;
+}
+
+QStringList const& Session::missedLayers() const
+{
+    return m_missed;
+}
+
+bool Session::missesCurrentLayer() const
+{
+    return m_missesCurrent;
 }
 
 KORV_ProjectManager& Session::project()
@@ -142,27 +162,30 @@ std::vector<Anm::View> Session::views(QStringList const& names) const
     return chosen;
 }
 
-int Session::hostFrame(int shownFrame) const
+int Session::hostFrame(double shownFrame) const
 {
     bool const isInterlaced = m_project->parameterManager()->getBaseClipInfo(1)->bIsInterlaced();
-    MarloHost::FrameNumbers const numbers(m_project->frameOffset(), isInterlaced);
-    int const last = m_frameCount - 1;
-    qint64 const frame = numbers.host(shownFrame);
-    if (frame < 0 || frame > last)
+    int const fields = isInterlaced ? 2 : 1;
+    auto const number = [](double frame) { return QString::number(frame, 'g', 12); };
+    double const frame = fields * shownFrame - m_project->frameOffset();
+    if (frame != std::floor(frame))
     {
-        // The first field of the project may be the second one of its frame.
-        int const lowest = numbers.host(numbers.shown(0)) < 0 ? numbers.shown(0) + 1 : numbers.shown(0);
+        throw usageError(QStringLiteral("--reference-frame: %1 lies between two %2")
+                             .arg(number(shownFrame))
+                             .arg(isInterlaced ? QStringLiteral("fields") : QStringLiteral("frames")));
+    }
+    if (frame < 0 || frame > lastFrame())
+    {
+        auto const shown = [&](int host) { return number((host + m_project->frameOffset()) / (1.0 * fields)); };
         throw usageError(QStringLiteral("--reference-frame: %1 isn't within the project, whose frames are %2 to %3")
-                             .arg(shownFrame)
-                             .arg(lowest)
-                             .arg(numbers.shown(last)));
+                             .arg(number(shownFrame), shown(0), shown(lastFrame())));
     }
     return static_cast<int>(frame);
 }
 
 int Session::lastFrame() const
 {
-    return m_frameCount - 1;
+    return m_facts.frameCount - 1;
 }
 
 unsigned int Session::clipId(std::optional<QString> const& name) const
@@ -175,7 +198,7 @@ unsigned int Session::clipId(std::optional<QString> const& name) const
     if (id == 0)
     {
         throw usageError(QStringLiteral("--clip: there is no clip \"") + *name + QStringLiteral("\"; found ") +
-                         quotedList(m_clipNames));
+                         quotedList(m_facts.clipNames));
     }
     return id;
 }

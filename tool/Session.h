@@ -1,11 +1,12 @@
 #pragma once
 // A project that was read, and what the commands ask about it.
 
+#include "FrameRange.h"
 #include "Host/Anm.h"
 #include "Host/ExportEnums.h"
-#include "marlohost/ProjectModel.h"
+#include "ProjectFacts.h"
 
-#include <QMultiMap>
+#include <QHash>
 #include <QString>
 #include <QStringList>
 #include <boost/shared_ptr.hpp>
@@ -21,11 +22,20 @@ class KORV_ProjectManager;
 /// @throws Failure as unreadable input
 MarloHost::ProjectModel readModel(QString const& path);
 
+/// What `--frames` restricts.
+enum class FramesOf
+{
+    Layers,
+    Scene
+};
+
 class Session
 {
 public:
-    /// @throws Failure as unreadable input
-    explicit Session(QString const& projectPath);
+    /// @throws Failure as unreadable input, and as wrong usage when the project has none of
+    ///         the frames
+    explicit Session(QString const& projectPath, std::optional<FrameRange> const& frames = std::nullopt,
+                     FramesOf what = FramesOf::Layers);
     ~Session();
     Session(Session const&) = delete;
     Session& operator=(Session const&) = delete;
@@ -42,13 +52,28 @@ public:
     /// Whether the layer has tracking data in any of the views.
     bool isTracked(KORV_Layer const& layer, std::vector<Anm::View> const& views) const;
 
+    /// Whether the layer has a mesh that was tracked in any of the views.
+    bool hasMesh(KORV_Layer const& layer, std::vector<Anm::View> const& views) const;
+
     /// The views of these names, in this order; "all" alone stands for all of them.
     /// @throws Failure as wrong usage that lists the views
     std::vector<Anm::View> views(QStringList const& names) const;
 
-    /// The host frame of a shown number.
+    LayerFacts const& facts(KORV_Layer const& layer) const;
+
+    /// Names in the solve and of what may carry its points.
+    QStringList const& sceneNames() const;
+
+    /// The names of the layers that have none of the frames that were asked for. The project
+    /// is without them.
+    QStringList const& missedLayers() const;
+
+    /// Whether the project's current layer is one of them.
+    bool missesCurrentLayer() const;
+
+    /// The host frame of a shown number; halves are the second fields of interlaced material.
     /// @throws Failure as wrong usage that says the range of the project
-    int hostFrame(int shownFrame) const;
+    int hostFrame(double shownFrame) const;
 
     /// The last host frame of the project; the first is 0.
     int lastFrame() const;
@@ -62,13 +87,13 @@ public:
 
 private:
     class Warnings;
-    void noteTrackedViews(MarloHost::ProjectModel const& model);
 
-    QStringList m_clipNames;
-    int m_frameCount = 0;
+    ProjectFacts m_facts;
 
-    /// The ids of the views that the layers are tracked in, by the ids of the layers.
-    QMultiMap<unsigned int, int> m_trackedViews;
+    /// Places in `m_facts.layers` by the ids of the layers.
+    QHash<unsigned int, std::size_t> m_placeById;
+    QStringList m_missed;
+    bool m_missesCurrent = false;
     std::shared_ptr<Warnings> m_warnings;
     boost::shared_ptr<KORV_ProjectManager> m_project;
 };

@@ -38,6 +38,25 @@ enum FormatNeed
 Q_DECLARE_FLAGS(FormatNeeds, FormatNeed)
 Q_DECLARE_OPERATORS_FOR_FLAGS(FormatNeeds)
 
+/// What a format of shapes holds of layers beside their outlines. A project that has what isn't
+/// held loses it in the export.
+enum FormatHold
+{
+    HoldsFeather = 1,
+
+    /// Whether a layer is hidden.
+    HoldsHidden = 2,
+    HoldsGroups = 4,
+
+    /// Layers of several clips, each in the size and the time of its own.
+    HoldsSecondClips = 8,
+
+    /// Lifetimes of layers of interlaced clips, in the time that their keys are in.
+    HoldsFieldLifetimes = 16
+};
+Q_DECLARE_FLAGS(FormatHolds, FormatHold)
+Q_DECLARE_OPERATORS_FOR_FLAGS(FormatHolds)
+
 /// How an export says that it left something out, as its value isn't finite.
 enum class LeftOut
 {
@@ -76,6 +95,9 @@ struct FormatTraits
 
     LeftOut leftOut = LeftOut::IsTold;
     Untracked untracked = Untracked::IsTold;
+
+    /// Of shape formats; the other kinds have no use for it.
+    FormatHolds holds{};
 };
 
 }

@@ -9,17 +9,17 @@ _marlo_export_formats()
 # The options of a command, as its --help lists them.
 _marlo_export_options()
 {
-    local writing="--overwrite --strict --dry-run --json --quiet --verbose"
+    local writing="--overwrite --strict --accept-gaps --unsafe-names --dry-run --json --quiet --verbose"
     local stored="--layer --layers --view --track --invert --undistort --reference-frame --objects --option"
     local common="-h --help --lang"
     case $1 in
         "") echo "$common --version" ;;
         formats) echo "$common --kind --json" ;;
         info | "preset list") echo "$common --json" ;;
-        export) echo "$common -o --output --each-layer --clip $stored $writing" ;;
-        all) echo "$common -o --output --kind --each-layer --clip $stored $writing" ;;
+        export) echo "$common -o --output --each-layer --clip --frames $stored $writing" ;;
+        all) echo "$common -o --output --kind --each-layer --clip --frames $stored $writing" ;;
         batch) echo "$common --preset -o --output $writing" ;;
-        "preset add") echo "$common -o --output $stored" ;;
+        "preset add") echo "$common -o --output --unsafe-names $stored" ;;
         "import corners")
             echo "$common -o --output --size --par --fps --start --name --y-up --pixel-centres --order --gaps" \
                 "--overwrite --json --quiet"
@@ -53,7 +53,7 @@ _marlo_export()
     for ((i = 1; i < COMP_CWORD; i++)); do
         word=${COMP_WORDS[i]}
         case $word in
-            -o | --output | --lang | --kind | --layer | --layers | --view | --track | --reference-frame | --objects | \
+            -o | --output | --lang | --kind | --layer | --layers | --view | --track | --reference-frame | --frames | --objects | \
                 --clip | --option | --preset | --size | --par | --fps | --start | --name | --order | --gaps | --origin | --scale | --min-track | \
                 --max-error) ((i++)) ;;
             -*) ;;
@@ -76,7 +76,7 @@ _marlo_export()
             mapfile -t COMPREPLY < <(compgen -f -- "$current")
             return
             ;;
-        --lang | --layer | --view | --reference-frame | --clip | --option | --preset | --size | --par | --fps | --start | --name | --order | \
+        --lang | --layer | --view | --reference-frame | --frames | --clip | --option | --preset | --size | --par | --fps | --start | --name | --order | \
             --origin | --scale | --min-track | --max-error)
             return
             ;;

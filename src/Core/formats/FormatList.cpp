@@ -44,7 +44,7 @@ FormatTraits usualTraits(FormatKind kind)
     case FormatKind::Tracking:
         return {HonoursMotion | HonoursInvert | HonoursUndistort, NeedsTrack};
     case FormatKind::Shape:
-        return {HonoursLayers, NeedsContours};
+        return {HonoursLayers, NeedsContours, "", "", "", LeftOut::IsTold, Untracked::IsTold, HoldsFeather};
     case FormatKind::Camera:
         return {HonoursObjects, NeedsSolve};
     case FormatKind::Lens:

@@ -16,6 +16,8 @@ namespace
 
 constexpr FormatHonours IN_VIEWS(QFlag(HonoursLayers | HonoursViews));
 
+constexpr FormatHolds ROTO(QFlag(HoldsFeather | HoldsHidden));
+
 // What ends a quoted name of the tree, and what means something to Tcl around it.
 constexpr char TREE[] = "{}[]\"\\;$";
 
@@ -28,7 +30,8 @@ constexpr char WITH_MATRIX[] =
 
 }
 
-// exporter, what it honours and needs, what breaks a field, the way in, limits
+// exporter, what it honours and needs, what breaks a field, the way in, limits, and at the
+// end what it holds of layers
 std::vector<ShapeRow> shapeRows()
 {
     using F = ShapeDataFormat;
@@ -39,29 +42,31 @@ std::vector<ShapeRow> shapeRows()
          {HonoursLayers, NeedsContours, "", "Copy the text and paste it with Paste Marlo Mask in the Edit menu.",
           "Six significant digits; one view; contours that leave 30000 px around the picture are baked; rows that "
           "aren't finite are left out without a word.",
-          LeftOut::IsSilent}},
+          LeftOut::IsSilent, Untracked::IsTold, HoldsFeather | HoldsFieldLifetimes}},
         {&F::NUKE_ROTO_PAINT_WITH_MATRIX,
          &Row::make<NukeRotoPaintExporter, true>,
-         {IN_VIEWS, NeedsContours, TREE, PASTE_NODE, WITH_MATRIX}},
+         {IN_VIEWS, NeedsContours, TREE, PASTE_NODE, WITH_MATRIX, LeftOut::IsTold, Untracked::IsTold, ROTO}},
         {&F::NUKE_ROTO_PAINT_NO_MATRIX,
          &Row::make<NukeRotoPaintExporter, false>,
-         {IN_VIEWS, NeedsContours, TREE, PASTE_NODE, BAKED}},
+         {IN_VIEWS, NeedsContours, TREE, PASTE_NODE, BAKED, LeftOut::IsTold, Untracked::IsTold, ROTO}},
         {&F::NUKE_ROTO_WITH_MATRIX,
          &Row::make<NukeRotoExporter, true>,
-         {IN_VIEWS, NeedsContours, TREE, PASTE_NODE, WITH_MATRIX}},
+         {IN_VIEWS, NeedsContours, TREE, PASTE_NODE, WITH_MATRIX, LeftOut::IsTold, Untracked::IsTold, ROTO}},
         {&F::NUKE_ROTO_NO_MATRIX,
          &Row::make<NukeRotoExporter, false>,
-         {IN_VIEWS, NeedsContours, TREE, PASTE_NODE, BAKED}},
+         {IN_VIEWS, NeedsContours, TREE, PASTE_NODE, BAKED, LeftOut::IsTold, Untracked::IsTold, ROTO}},
         {&F::NUKE_SPLINE_WARP,
          &Row::make<NukeSplineWarpExporter>,
-         {IN_VIEWS, NeedsContours, TREE, PASTE_NODE, WITH_MATRIX}},
+         {IN_VIEWS, NeedsContours, TREE, PASTE_NODE, WITH_MATRIX, LeftOut::IsTold, Untracked::IsTold, ROTO}},
         {&F::MARLO_BLEND,
          &Row::make<MarloBlendExporter, false>,
-         {IN_VIEWS, NeedsContours, TREE, "Load the file with the blending plug-in.", BAKED}},
+         {IN_VIEWS, NeedsContours, TREE, "Load the file with the blending plug-in.", BAKED, LeftOut::IsTold,
+          Untracked::IsTold, ROTO}},
         {&F::GLIMMERSET_FXS,
          &Row::make<Korvane::GlimmersetShapeExporter>,
          {IN_VIEWS, NeedsContours, "", "Open the file in Glimmerset.",
-          "No frames that stand in for others are marked; Veil ML contours are refused."}},
+          "No frames that stand in for others are marked; Veil ML contours are refused.", LeftOut::IsTold,
+          Untracked::IsTold, HoldsFeather | HoldsFieldLifetimes}},
     };
 }
 
