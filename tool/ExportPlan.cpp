@@ -117,13 +117,13 @@ void tellOfLayersLeftOut(Session& session, ZN::LayerExportMode mode, LayerChoice
 }
 
 void checkParts(Session& session, FormatEntry const& format, ExportedParts const& parts, PartsCheck const& check,
-                ExportRecord& record)
+                ExportPlan& plan, ExportRecord& record)
 {
     if (!check.unsafeNames)
     {
         refuseUnsafeNames(session, format, parts);
     }
-    record.warnings += lossesOf(session, format, parts);
+    plan.losses = lossesOf(session, format, parts);
     QStringList clips;
     for (KORV_Layer const* layer : parts.layers)
     {
@@ -175,7 +175,7 @@ ExportPlan planExports(Session& session, FormatEntry const& format, ExportChoice
                               Export::ExportFileInfo(), path});
     }
     checkPaths(plan.items);
-    checkParts(session, format, all, {choices.undistort, writing.unsafeNames}, record);
+    checkParts(session, format, all, {choices.undistort, writing.unsafeNames}, plan, record);
     // Of many layers some may have nothing.
     plan.obstacle = plan.items.empty() ? plan.obstacle : QString();
     return plan;

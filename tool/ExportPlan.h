@@ -24,6 +24,9 @@ struct ExportPlan
 
     /// Why the project has nothing for the format; empty when it has.
     QString obstacle;
+
+    /// What the format can't hold of the project.
+    QStringList losses;
 };
 
 /// What is checked in the parts of an export beside what the format holds.
@@ -33,10 +36,10 @@ struct PartsCheck
     bool unsafeNames = false;
 };
 
-/// Warns of what a format can't hold of the parts, and of lenses that aren't there.
+/// Notes what a format can't hold of the parts, and warns of lenses that aren't there.
 /// @throws Failure as a refusal of names that would leave their field
 void checkParts(Session& session, FormatEntry const& format, ExportedParts const& parts, PartsCheck const& check,
-                ExportRecord& record);
+                ExportPlan& plan, ExportRecord& record);
 
 /// Warns where a mode reaches layers that aren't in the parts.
 void tellOfLayersLeftOut(Session& session, ZN::LayerExportMode mode, LayerChoice const& layers,

@@ -118,6 +118,7 @@ void runPlan(Session& session, FormatEntry const& format, ExportPlan const& plan
         if (plan.obstacle.isEmpty())
         {
             run(session, format, plan, writing, record, console);
+            record.warnings += plan.losses;
         }
         else
         {

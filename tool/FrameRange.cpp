@@ -46,9 +46,6 @@ bool cut(LayerModel& layer, int lastOfClip, HostRange const& range)
 {
     int const first = layer.inPoint.value_or(0);
     int const last = layer.outPoint.value_or(lastOfClip);
-    // What is relative to the layer's own range must not move with it.
-    layer.stabilize.rangeStart = layer.stabilize.rangeStart.value_or(first);
-    layer.stabilize.rangeEnd = layer.stabilize.rangeEnd.value_or(last);
     layer.inPoint = static_cast<int>(std::max<qint64>(first, range.first));
     layer.outPoint = static_cast<int>(std::min<qint64>(last, range.last));
     return *layer.inPoint <= *layer.outPoint;

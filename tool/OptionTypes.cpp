@@ -3,7 +3,6 @@
 #include <QRegularExpression>
 
 #include <cmath>
-#include <map>
 
 QString fromArgument(std::string const& argument)
 {

@@ -127,7 +127,7 @@ ExportPlan PresetPlanner::makePlan(FormatEntry const& format, ExportInfo info, E
     if (plan.obstacle.isEmpty())
     {
         ExportedParts const parts = partsOf(m_session, format, layers, {views, views.front()});
-        checkParts(m_session, format, parts, check, record);
+        checkParts(m_session, format, parts, check, plan, record);
         // A stored selection of the current layer looks like one of the selected layers.
         if (layers.selection.mode == ZN::VisibleLayers || layers.selection.mode == ZN::AllLayers)
         {

@@ -166,6 +166,16 @@ QString sectionOf(FormatEntry const& entry, Evidence const& evidence)
             ".\n";
     text += *traits.breaksField ? QString("- Names must not hold any of `") + traits.breaksField + "`.\n" : QString();
     text += QString("- Limits: ") + traits.limits + "\n";
+    if (entry.kind() == FormatKind::Shape)
+    {
+        text += "- Holds of layers: " +
+                words(traits.holds, {{HoldsFeather, "feather"},
+                                     {HoldsHidden, "hidden state"},
+                                     {HoldsGroups, "groups"},
+                                     {HoldsSecondClips, "clips of several sizes and times"},
+                                     {HoldsFieldLifetimes, "lifetimes in fields"}}) +
+                "; the export says what it leaves out of these.\n";
+    }
     text += "- Verified: golden `" + evidence.golden + "`";
     for (auto it = evidence.bounds.begin(); it != evidence.bounds.end(); ++it)
     {

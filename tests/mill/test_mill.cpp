@@ -18,6 +18,7 @@
 
 #include <QDir>
 #include <QDirIterator>
+#include <QDomDocument>
 #include <QFile>
 #include <QProcess>
 #include <QRegularExpression>
@@ -324,7 +325,8 @@ TEST_P(Mill, NamesNeverBecomePlaceholdersOrFolders)
         builder.model.currentLayer = builder.layer().name;
         builder.model.solve->features.back().layer = builder.layer().name;
         QString const folder = path("names");
-        ToolRun const run = runTool({"export", writeProjectFile(builder), GetParam().key(), "-o", folder + "/"});
+        ToolRun const run =
+            runTool({"export", writeProjectFile(builder), GetParam().key(), "-o", folder + "/", "--unsafe-names"});
         EXPECT_EQ(run.status, 0) << name << ": " << run.errors.toStdString();
         QStringList const files = filesBelow(folder).keys();
         EXPECT_FALSE(files.isEmpty()) << name;
@@ -449,6 +451,119 @@ TEST_P(Mill, TextEqualsItsGolden)
 INSTANTIATE_TEST_SUITE_P(Formats, Mill, testing::ValuesIn(offeredFormats()),
                          [](testing::TestParamInfo<FormatEntry> const& format)
                          { return format.param.key().toStdString(); });
+
+/// Where names stand that reach the text of an export.
+struct NamePlace
+{
+    char const* name;
+    void (*set)(MarloHost::ProjectModel& model, QString const& name);
+};
+
+NamePlace const NAME_PLACES[] = {
+    {"layer",
+     [](MarloHost::ProjectModel& model, QString const& name)
+     {
+         model.layers[0].name = name;
+         model.currentLayer = name;
+         model.solve->features.back().layer = name;
+     }},
+    {"contour", [](MarloHost::ProjectModel& model, QString const& name) { model.layers[0].contours[0].name = name; }},
+    {"view",
+     [](MarloHost::ProjectModel& model, QString const& name) {
+         model.views = QStringList{name, "other"};
+     }},
+};
+
+/// The texts and attribute values of a document, one a line, in order.
+QByteArray valuesOf(QDomNode const& node)
+{
+    QMap<QString, QString> attributes;
+    for (int i = 0; i < node.attributes().size(); ++i)
+    {
+        attributes.insert(node.attributes().item(i).nodeName(), node.attributes().item(i).nodeValue());
+    }
+    QString text = node.nodeName() + '=' + node.nodeValue() + '\n' + attributes.keys().join(',') + '\n' +
+                   QStringList(attributes.values()).join('\n');
+    QByteArray values = text.toUtf8() + '\n';
+    for (QDomNode child = node.firstChild(); !child.isNull(); child = child.nextSibling())
+    {
+        values += valuesOf(child);
+    }
+    return values;
+}
+
+/// Whether a text with a name in it is that of a harmless name but for the name, as the
+/// language reads it that the text is in: values of XML, words in quotes, words in braces (in
+/// which none of Tcl's characters may be), or fields of tabs and lines.
+testing::AssertionResult holdsOneField(QByteArray const& text, QString const& name, QByteArray const& harmless,
+                                       QByteArray const& harmlessName)
+{
+    QByteArray const raw = name.toUtf8();
+    if (text.startsWith("<?xml"))
+    {
+        QDomDocument document;
+        QDomDocument plain;
+        if (!document.setContent(text) || !plain.setContent(harmless))
+        {
+            return testing::AssertionFailure() << "isn't XML";
+        }
+        return sameBytes(valuesOf(plain), valuesOf(document).replace(raw, harmlessName));
+    }
+    static QRegularExpression const tcl("[{}\\[\\]\"\\\\;$]");
+    static QRegularExpression const quotes("[\"\\\\]");
+    QRegularExpression const quoted("\"[^\"\n]*" + harmlessName + "[^\"\n]*\"");
+    bool const inBraces = harmless.contains(" {\n") && name.contains(tcl);
+    bool const inQuotes = quoted.match(QString::fromUtf8(harmless)).hasMatch() && name.contains(quotes);
+    if (text.contains(raw) && (inBraces || inQuotes))
+    {
+        return testing::AssertionFailure() << "a word in braces or quotes holds " << raw.toStdString();
+    }
+    return sameBytes(harmless, QByteArray(text).replace(raw, harmlessName));
+}
+
+TEST(Names, StayInTheirFieldInEveryFormatOrAreRefused)
+{
+    QTemporaryDir folder;
+    auto const exportAll = [&](NamePlace const& place, QString const& name)
+    {
+        ProjectBuilder builder = smallProject();
+        place.set(builder.model, name);
+        QFile out(folder.filePath("mill.json"));
+        EXPECT_TRUE(out.open(QIODevice::WriteOnly));
+        out.write(MarloHost::writeProject(builder.model));
+        out.close();
+        QDir(folder.filePath("out")).removeRecursively();
+        return runTool(
+            {"all", folder.filePath("mill.json"), "-o", folder.filePath("out"), "--view", "all", "--accept-gaps"});
+    };
+    QByteArray const harmlessName = "Harmless7";
+    for (NamePlace const& place : NAME_PLACES)
+    {
+        exportAll(place, harmlessName);
+        QMap<QString, QMap<QString, QByteArray>> harmless;
+        for (FormatEntry const& format : offeredFormats())
+        {
+            harmless[format.key()] = filesBelow(folder.filePath("out/" + format.key()));
+        }
+        for (char const* odd : {"{", "}", "[", "]", "\"", "\\", ";", "$", "#", "\u00a0", "%1"})
+        {
+            QString const name = "Odd" + QString::fromUtf8(odd) + "7";
+            ToolRun const run = exportAll(place, name);
+            for (FormatEntry const& format : offeredFormats())
+            {
+                SCOPED_TRACE((QString(place.name) + " " + name + " " + format.key()).toStdString());
+                QList<QByteArray> const texts = filesBelow(folder.filePath("out/" + format.key())).values();
+                bool const isRefused = run.errors.contains(format.key().toUtf8() + ": the name of " + place.name);
+                QList<QByteArray> const plain = harmless[format.key()].values();
+                EXPECT_EQ(texts.size(), isRefused ? 0 : plain.size()) << run.errors.toStdString();
+                for (int i = 0; i < qMin(texts.size(), plain.size()); ++i)
+                {
+                    EXPECT_TRUE(holdsOneField(texts[i], name, plain[i], harmlessName));
+                }
+            }
+        }
+    }
+}
 
 // The two documents that the format's description prints, byte for byte.
 TEST(Printed, TransformAndCornerPinDocuments)

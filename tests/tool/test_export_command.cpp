@@ -105,7 +105,7 @@ INSTANTIATE_TEST_SUITE_P(
                     Case{{"shot.json", PIN, "--reference-frame", "1004"}, 2, "whose frames are 1001 to 1003", {}},
                     Case{{"shot.json", PIN, "--reference-frame", "2147483647"}, 2, "whose frames are 1001 to 1003", {}},
                     Case{{"shot.json", PIN, "--reference-frame", "first"}, 2, "\"first\" isn't a whole number", {}},
-                    Case{{"shot.json", PIN, "--clip", "x"}, 0, "--clip has no effect on tracking", {"Wall.txt"}},
+                    Case{{"shot.json", PIN, "--clip", "x"}, 0, "--clip has no effect on after_effects_corner_pin; a layer", {"Wall.txt"}},
                     Case{{"shot.json", PIN, "--lang", "xx"}, 2, "--lang: there are no texts in \"xx\"; found en", {}},
                     Case{{"shot.json", PIN, "--frobnicate"}, 2, "--frobnicate", {}},
                     Case{{"shot.json"}, 2, "FORMAT is required", {}},
@@ -118,7 +118,7 @@ INSTANTIATE_TEST_SUITE_P(
         Case{{"crowd.json", PIN}, 2, "\"A/b\", \"Floor\", \"Untracked\"", {}},
         Case{{"crowd.json", PIN, "--layer", "A/b"}, 0, "", {"A_b.txt"}},
         Case{{"crowd.json", PIN, "--layer", "Untracked"}, 1, "Layer \"Untracked\" has no tracking data", {}},
-        Case{{"crowd.json", PIN, "--layers", "all"}, 0, "", {"crowd.txt"}},
+        Case{{"crowd.json", PIN, "--layers", "all"}, 0, "only \"A/b\" is in that of", {"crowd.txt"}},
         Case{{"crowd.json", PIN, "--layers", "selected"}, 0, "", {"A_b.txt"}},
         Case{{"crowd.json", PIN, "--layer", "Floor", "--layers", "all"}, 2, "excludes", {}},
         Case{{"crowd.json", PIN, "--each-layer"}, 0, "\"Untracked\" has no tracking data", {"A_b.txt", "Floor.txt"}},
@@ -256,7 +256,7 @@ TEST_F(ExportCommand, NamesOfLayersMakeSafeFileNames)
         QString file;
     } const cases[] = {
         {"../up", "___up.txt"},        {".hidden", "_hidden.txt"},
-        {"a\\b\nc\x7f", "a_b_c_.txt"}, {"Tür 門 %1 \"x\" 'y' *", "Tür 門 %1 \"x\" 'y' *.txt"},
+        {"a\\b/c", "a_b_c.txt"}, {"Tür 門 %1 \"x\" 'y' *", "Tür 門 %1 \"x\" 'y' *.txt"},
         {"done.txt", "done.txt"},      {QString(400, QChar(0x9580)), QString(66, QChar(0x9580)) + ".txt"}};
     for (auto const& [layer, file] : cases)
     {
@@ -286,15 +286,15 @@ TEST_F(ExportCommand, ReferenceFrameOfInterlacedMaterialIsHalved)
     project.clip().frameOffset = 21;
     folder.write("shot.json", project);
     // Fields 21 to 26 are shown as frames 10.5 to 13.
-    for (char const* frame : {"11", "13"})
+    for (char const* frame : {"10.5", "11", "12.5", "13"})
     {
         EXPECT_EQ(folder.run({"export", "shot.json", PIN, "-o", "-", "--reference-frame", frame}).status, 0);
     }
-    for (char const* frame : {"10", "14"})
+    for (char const* frame : {"10", "13.5"})
     {
         ToolResult const refused = folder.run({"export", "shot.json", PIN, "-o", "-", "--reference-frame", frame});
         EXPECT_EQ(refused.status, 2);
-        EXPECT_TRUE(refused.err.contains("whose frames are 11 to 13")) << refused.err.toStdString();
+        EXPECT_TRUE(refused.err.contains("whose frames are 10.5 to 13")) << refused.err.toStdString();
     }
 }
 

@@ -35,7 +35,7 @@ def two_layers() -> Dict[str, Any]:
     vertices = [500.1, 60, -3, 4, 5, 6.5, 640, 75, 0, 0, 0, 0, 622, 198, 0.1, 0.2, 0.3, 1 / 3]
     moved = [value + 0.1 * i for i, value in enumerate(vertices)]
     layer.update({
-        "name": ' Poster <"&\'> \t\u00fc ', "blend": "subtract", "invert": True, "colour": [1, 20, 255, 128],
+        "name": ' Poster <"&\'> \u00a0\u00fc ', "blend": "subtract", "invert": True, "colour": [1, 20, 255, 128],
         "contours": [
             {"name": "  edge  ", "closed": False,
              "keys": [{"frame": 3, "points": vertices, "feather": moved}, {"frame": 40, "points": moved}]},
