@@ -136,16 +136,17 @@ INSTANTIATE_TEST_SUITE_P(
         Case{{MOTION, "--each-layer", "--clip", "clip"}, {"--objects chooses", "--clip has no effect"}},
         Case{{PIN, "--objects", "all"}, {"--objects has no effect"}}));
 
-INSTANTIATE_TEST_SUITE_P(
-    Losses, Warns,
-    testing::Values(Case{{FXS, "--layers", "all"},
-                         {"doesn't hold that layers are hidden: \"Wall\"", "holds no groups: layers \"Wall\"",
-                          "holds one clip: layers \"Floor\""},
-                         withMoreThanFxsHolds},
-                    Case{{ROTO, "--layers", "all"}, {"holds no groups", "holds one clip"}, withMoreThanFxsHolds},
-                    Case{{PIN}, {}, withMoreThanFxsHolds},
-                    Case{{ROTO}, {"set the lifetimes of \"Wall\""}, withShortInterlacedLayer},
-                    Case{{FXS}, {}, withShortInterlacedLayer}));
+INSTANTIATE_TEST_SUITE_P(Losses, Warns,
+                         testing::Values(Case{{FXS, "--layers", "all"},
+                                              {"doesn't hold that layers are hidden: \"Wall\"",
+                                               "holds no groups: layers \"Wall\""},
+                                              withMoreThanFxsHolds},
+                                         Case{{ROTO, "--layers", "all"},
+                                              {"holds no groups", "holds one clip: layers \"Floor\""},
+                                              withMoreThanFxsHolds},
+                                         Case{{PIN}, {}, withMoreThanFxsHolds},
+                                         Case{{ROTO}, {"set the lifetimes of \"Wall\""}, withShortInterlacedLayer},
+                                         Case{{FXS}, {}, withShortInterlacedLayer}));
 
 class Loud : public testing::Test
 {

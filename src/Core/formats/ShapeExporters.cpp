@@ -66,7 +66,7 @@ std::vector<ShapeRow> shapeRows()
          &Row::make<Korvane::GlimmersetShapeExporter>,
          {IN_VIEWS, NeedsContours, "", "Open the file in Glimmerset.",
           "No frames that stand in for others are marked; Veil ML contours are refused.", LeftOut::IsTold,
-          Untracked::IsTold, HoldsFeather | HoldsFieldLifetimes}},
+          Untracked::IsTold, HoldsFeather | HoldsSecondClips | HoldsFieldLifetimes}},
     };
 }
 
