@@ -35,7 +35,7 @@ Korvane::ExportedFiles NukeTrackingExporterBase::exportTracking(KORV_ProjectMana
         Options viewOptions = options;
         viewOptions.views = {view};
         setUpHelper(project, layerId, referenceFrame, viewOptions);
-        QString const viewName = project.projProps().views()->name(view);
+        QString const viewName = isMultiView ? project.projProps().views()->name(view) : QString();
         QString name = project.sm()->layerFromNumericID(layerId, false)->name();
         if (isMultiView)
         {

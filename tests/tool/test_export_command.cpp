@@ -105,7 +105,10 @@ INSTANTIATE_TEST_SUITE_P(
                     Case{{"shot.json", PIN, "--reference-frame", "1004"}, 2, "whose frames are 1001 to 1003", {}},
                     Case{{"shot.json", PIN, "--reference-frame", "2147483647"}, 2, "whose frames are 1001 to 1003", {}},
                     Case{{"shot.json", PIN, "--reference-frame", "first"}, 2, "\"first\" isn't a whole number", {}},
-                    Case{{"shot.json", PIN, "--clip", "x"}, 0, "--clip has no effect on after_effects_corner_pin; a layer", {"Wall.txt"}},
+                    Case{{"shot.json", PIN, "--clip", "x"},
+                         0,
+                         "--clip has no effect on after_effects_corner_pin; a layer",
+                         {"Wall.txt"}},
                     Case{{"shot.json", PIN, "--lang", "xx"}, 2, "--lang: there are no texts in \"xx\"; found en", {}},
                     Case{{"shot.json", PIN, "--frobnicate"}, 2, "--frobnicate", {}},
                     Case{{"shot.json"}, 2, "FORMAT is required", {}},
@@ -254,10 +257,9 @@ TEST_F(ExportCommand, NamesOfLayersMakeSafeFileNames)
     {
         QString layer;
         QString file;
-    } const cases[] = {
-        {"../up", "___up.txt"},        {".hidden", "_hidden.txt"},
-        {"a\\b/c", "a_b_c.txt"}, {"Tür 門 %1 \"x\" 'y' *", "Tür 門 %1 \"x\" 'y' *.txt"},
-        {"done.txt", "done.txt"},      {QString(400, QChar(0x9580)), QString(66, QChar(0x9580)) + ".txt"}};
+    } const cases[] = {{"../up", "___up.txt"},   {".hidden", "_hidden.txt"},
+                       {"a\\b/c", "a_b_c.txt"},  {"Tür 門 %1 \"x\" 'y' *", "Tür 門 %1 \"x\" 'y' *.txt"},
+                       {"done.txt", "done.txt"}, {QString(400, QChar(0x9580)), QString(66, QChar(0x9580)) + ".txt"}};
     for (auto const& [layer, file] : cases)
     {
         ToolFolder fresh;

@@ -168,5 +168,6 @@ TEST_F(PresetCommand, OptionsThatTheFormatHasNoUseForAreTold)
 {
     ToolResult const result = add({"p.json", "x", PIN, "--objects", "visible"});
     EXPECT_EQ(result.status, 0);
-    EXPECT_TRUE(result.err.contains("--objects has no effect on after_effects_corner_pin; --layer")) << result.err.toStdString();
+    EXPECT_TRUE(result.err.contains("--objects has no effect on after_effects_corner_pin; --layer"))
+        << result.err.toStdString();
 }

@@ -128,7 +128,7 @@ def judge(findings: Findings, data: bytes, scene: Scene) -> None:
         return
     expected = {"width": clip["width"], "height": clip["height"], "pixelAspect": clip.get("pixelAspect", 1),
                 "frameRate": scene.project["frameRate"], "frameOffset": clip.get("frameOffset", 0),
-                "fieldsPerFrame": layers[0].line_height}
+                "fieldsPerFrame": 2 if clip.get("interlaced") else 1}
     findings.same("project", {name: float(value) for name, value in root[0].attrib.items()},
                   {name: float(value) for name, value in expected.items()})
     for found, layer in zip(root[1:], layers):
