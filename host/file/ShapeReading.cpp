@@ -1,6 +1,7 @@
 // Contours and meshes in a project file.
 
 #include "ProjectReading.h"
+#include "shapes/ImageContours.h"
 
 #include <algorithm>
 #include <cmath>
@@ -48,8 +49,11 @@ QString readBlend(JsonCursor const& cursor)
 class ContourReader
 {
 public:
-    ContourReader(JsonCursor const& cursor, ClipModel const& clip, QStringList const& views)
-        : m_object(cursor, {"name", "type", "closed", "active", "veilML", "keys"}), m_clip(clip), m_views(views)
+    ContourReader(JsonCursor const& cursor, LayerModel const& layer, ClipModel const& clip, QStringList const& views)
+        : m_object(cursor, {"name", "type", "space", "closed", "active", "veilML", "keys"}),
+          m_layer(layer),
+          m_clip(clip),
+          m_views(views)
     {
     }
 
@@ -74,6 +78,7 @@ public:
         {
             keys.fail(QStringLiteral("a contour needs at least one key"));
         }
+        checkOnSurface(keys);
         return std::move(m_contour);
     }
 
@@ -86,6 +91,33 @@ private:
         if (!m_contour.xspline && word != QLatin1String("bezier"))
         {
             type->fail(QStringLiteral("expected \"bezier\" or \"xspline\", found \"%1\"").arg(word));
+        }
+        std::optional<JsonCursor> const space = m_object.optional("space");
+        QString const spaceWord = space ? space->string() : QStringLiteral("plane");
+        m_contour.inImage = spaceWord == QLatin1String("image");
+        if (!m_contour.inImage && spaceWord != QLatin1String("plane"))
+        {
+            space->fail(QStringLiteral("expected \"plane\" or \"image\", found \"%1\"").arg(spaceWord));
+        }
+    }
+
+    void checkOnSurface(JsonCursor const& keys) const
+    {
+        if (!m_contour.inImage)
+        {
+            return;
+        }
+        SurfaceMotion const motion = motionOfImageContours(m_layer, m_views);
+        std::size_t index = 0;
+        for (JsonCursor const& cursor : keys.elements())
+        {
+            ContourKeyModel key = m_contour.keys[index++];
+            if (!carryIntoPlane(key, m_contour.xspline, motion))
+            {
+                cursor.fail(QStringLiteral("a point lies beyond the horizon of the layer's surface at frame %1; "
+                                           "leave the key out")
+                                .arg(key.frame));
+            }
         }
     }
 
@@ -163,6 +195,7 @@ private:
     }
 
     JsonObject m_object;
+    LayerModel const& m_layer;
     ClipModel const& m_clip;
     QStringList const& m_views;
     ContourModel m_contour;
@@ -239,7 +272,7 @@ void readLayerShapes(JsonObject const& object, LayerModel& layer, ClipModel cons
     }
     for (JsonCursor const& contour : object.elements("contours"))
     {
-        layer.contours.push_back(ContourReader(contour, clip, views).read());
+        layer.contours.push_back(ContourReader(contour, layer, clip, views).read());
     }
     if (std::optional<JsonCursor> const mesh = object.optional("mesh"))
     {

@@ -16,6 +16,10 @@ void writeContour(JsonText& json, ContourModel const& contour)
     {
         json.string("type", QStringLiteral("xspline"));
     }
+    if (contour.inImage)
+    {
+        json.string("space", QStringLiteral("image"));
+    }
     if (!contour.closed)
     {
         json.boolean("closed", false);

@@ -213,7 +213,7 @@ struct SolveModel
 };
 
 /// A contour at one frame. Numbers are pixels of the clip's raster as the contour lies in
-/// the surface's reference frame: for each vertex of a Bezier curve x, y, the handle that
+/// the surface's reference frame, or as it is seen: for each vertex of a Bezier curve x, y, the handle that
 /// arrives there and the handle that leaves (both relative to the vertex); for each point
 /// of an X-spline x, y, weight.
 struct ContourKeyModel
@@ -237,6 +237,10 @@ struct ContourModel
 
     /// At least one, ascending, with as many vertices each; linear between them.
     std::vector<ContourKeyModel> keys;
+
+    /// Whether the keys are as they are seen at their frames, in the first view. A project
+    /// that is made of the records has them in the plane.
+    bool inImage = false;
 
     /// Numbers that a vertex has in `points`.
     std::size_t stride() const

@@ -309,6 +309,7 @@ boost::shared_ptr<KORV_ProjectManager> makeProject(ProjectModel const& model, QS
     {
         data->services.callbacks = std::make_shared<StderrCallbacks>();
     }
+    carryContoursIntoPlane(data->model);
     Builder(*data).build();
     return boost::make_shared<KORV_ProjectManager>(std::move(data));
 }

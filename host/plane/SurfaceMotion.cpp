@@ -31,16 +31,20 @@ Homography facing(Homography h, TXI::Pos2 const& seen)
 }
 
 SurfaceMotion::SurfaceMotion(KORV_Layer::Data const& layer, int viewIndex)
+    : SurfaceMotion(*layer.model, viewIndex < 0 ? nullptr : layer.tracks[static_cast<std::size_t>(viewIndex)])
 {
-    TrackModel const* const track = viewIndex < 0 ? nullptr : layer.tracks[static_cast<std::size_t>(viewIndex)];
+}
+
+SurfaceMotion::SurfaceMotion(LayerModel const& layer, TrackModel const* track)
+{
     if (!track || track->frames.empty())
     {
         return;
     }
-    bool const isAdjusted = !layer.model->adjust.empty();
+    bool const isAdjusted = !layer.adjust.empty();
     MotionChoice choice;
     choice.option = ZN_TRACKING_OPTION_ADJUSTED;
-    LayerMotion const motion(*layer.model, *track, choice);
+    LayerMotion const motion(layer, *track, choice);
     m_frames.reserve(track->frames.size());
     m_maps.reserve(track->frames.size());
     for (std::size_t index = 0; index < track->frames.size(); ++index)
@@ -48,7 +52,7 @@ SurfaceMotion::SurfaceMotion(KORV_Layer::Data const& layer, int viewIndex)
         if (std::optional<Homography> const map = motion.map(index))
         {
             m_frames.push_back(track->frames[index]);
-            m_maps.push_back(facing(*map, firstCorner(*layer.model)));
+            m_maps.push_back(facing(*map, firstCorner(layer)));
             if (isAdjusted)
             {
                 Homography const tracked = motion.tracked(index);

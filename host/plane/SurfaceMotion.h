@@ -12,6 +12,9 @@ namespace MarloHost
 class SurfaceMotion
 {
 public:
+    /// @param track null where there is none
+    SurfaceMotion(LayerModel const& layer, TrackModel const* track);
+
     /// @param viewIndex position of the view in the project; -1 for none
     SurfaceMotion(KORV_Layer::Data const& layer, int viewIndex);
 

@@ -5,6 +5,10 @@
 namespace MarloHost
 {
 
+/// Carries contours that are given as they are seen into the plane of their surfaces.
+/// @throws KORV_BadArgument where a point isn't on that plane
+void carryContoursIntoPlane(ProjectModel& project);
+
 /// Gives a layer the contours and the mesh of its model. The layer, its record and the
 /// views must outlive them.
 void addShapes(KORV_Layer const& layer, KORV_Layer::Data& data, Anm::Views const& views);

@@ -26,7 +26,7 @@ QByteArray shapeProject()
           { "frame": 3, "points": [1, 2, 0, 0, 0.5, -0.25, 101, 2, 0, 0, 0, 0],
             "feather": [0, 1, 0, 0, 1, 1, 103, 4, 0, 0, 0, 0] },
           { "frame": 9, "points": [11, 12, 0, 0, 0, 0, 111, 12, 0, 0, 0, 0] } ] },
-        { "name": "spline", "type": "xspline", "closed": false, "active": false, "veilML": ["right"],
+        { "name": "spline", "type": "xspline", "space": "image", "closed": false, "active": false, "veilML": ["right"],
           "keys": [ { "frame": 0, "points": [1, 2, -1, 51, 2, 0.5, 51, 42, 1] } ] } ],
       "mesh": { "vertexCount": 4, "faceCounts": [3, 3], "faceIndices": [0, 1, 2, 2, 1, 3],
         "tracks": [
@@ -77,13 +77,14 @@ TEST(ShapeFile, WritingLosesNothingAndLeavesDefaultsOut)
     EXPECT_EQ(layer.contours[0].keys[0].feather, model.layers[0].contours[0].keys[0].feather);
     EXPECT_EQ(layer.contours[0].keys[1].points, model.layers[0].contours[0].keys[1].points);
     EXPECT_FALSE(layer.contours[1].closed || layer.contours[1].active);
-    EXPECT_TRUE(layer.contours[1].xspline);
+    EXPECT_TRUE(layer.contours[1].xspline && layer.contours[1].inImage);
+    EXPECT_FALSE(layer.contours[0].inImage);
     EXPECT_EQ(layer.contours[1].veilML, QStringList("right"));
     EXPECT_EQ(layer.mesh->tracks[1].frames, (std::vector<int>{5, 7}));
     EXPECT_EQ(layer.mesh->tracks[0].positions, model.layers[0].mesh->tracks[0].positions);
     EXPECT_EQ(layer.mesh->faceIndices, model.layers[0].mesh->faceIndices);
     for (char const* key :
-         {"\"closed\"", "\"active\"", "\"type\"", "\"invert\"", "\"blend\"", "\"colour\"", "\"mesh\""})
+         {"\"closed\"", "\"active\"", "\"type\"", "\"space\"", "\"invert\"", "\"blend\"", "\"colour\"", "\"mesh\""})
     {
         EXPECT_EQ(once.count(key), 1) << key;
     }
@@ -106,6 +107,11 @@ INSTANTIATE_TEST_SUITE_P(
                     Refusal{"[255, 0, 7, 255]", "[0.5, 0, 7, 255]", "overlayColour", "whole numbers"},
                     Refusal{"\"edge %1\"", "\"\"", "contours[0].name", "empty"},
                     Refusal{"\"type\": \"xspline\"", "\"type\": \"nurbs\"", "contours[1].type", "found \"nurbs\""},
+                    Refusal{"\"image\"", "\"screen\"", "contours[1].space", "\"plane\" or \"image\""},
+                    // The surface is seen from so near that half of the picture is behind its horizon.
+                    Refusal{"\"invert\": true,",
+                            "\"invert\": true, \"tracking\": [{ \"homographies\": [1,0,0, 0,1,0, 0.02,0,1] }],",
+                            "contours[1].keys[0]", "beyond the horizon of the layer's surface at frame 0"},
                     Refusal{"\"closed\": false", "\"opened\": true", "contours[1].opened", "unknown key"},
                     Refusal{"[\"right\"]", "[\"top\"]", "contours[1].veilML[0]", "no view \"top\""},
                     Refusal{"[\"right\"]", "[\"left\", \"left\"]", "contours[1].veilML[1]", "already"},
