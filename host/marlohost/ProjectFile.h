@@ -59,7 +59,8 @@ struct HostServices
 /// aren't checked here (readProject does), so that tests can plant bad ones.
 ///
 /// @param projectFilePath empty for a project that was never saved
-/// @throws KORV_BadArgument for a dangling name, or a model without a clip
+/// @throws KORV_BadArgument for a dangling name, a model without a clip, or a contour in
+///         pixels of its frames with a point beyond the horizon of its surface
 MARLO_HOST_API boost::shared_ptr<KORV_ProjectManager> makeProject(ProjectModel const& model,
                                                                   QString const& projectFilePath = QString(),
                                                                   HostServices const& services = HostServices());

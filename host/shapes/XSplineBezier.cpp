@@ -251,6 +251,7 @@ std::vector<ContourKeyModel> bezierOfXSpline(std::vector<ContourKeyModel> const&
         return Converter(keys, closed, view, tolerance).convert();
     }
     std::vector<int> wanted;
+    wanted.reserve(keys.size());
     for (ContourKeyModel const& key : keys)
     {
         wanted.push_back(key.frame);
