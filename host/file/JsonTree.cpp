@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cctype>
+#include <cstring>
 
 namespace MarloHost
 {
@@ -13,15 +14,24 @@ namespace MarloHost
 namespace
 {
 
-/// The longest piece of a file's own text that an error repeats.
-constexpr int MAX_QUOTED = 60;
+/// Arrays that are longer have their numbers to themselves: big enough that memory which
+/// a growing list holds in reserve isn't touched.
+constexpr std::size_t LONG_ARRAY = 1 << 16;
 
-QString quoted(std::string const& text)
+QString toText(std::string_view text)
 {
-    QString shown = QString::fromStdString(text);
-    if (shown.size() > MAX_QUOTED)
+    return QString::fromUtf8(text.data(), static_cast<int>(text.size()));
+}
+
+/// The longest piece of a file's own text that an error repeats.
+constexpr std::size_t MAX_QUOTED = 60;
+
+QString quoted(std::string_view text)
+{
+    QString shown = toText(text);
+    if (shown.size() > static_cast<int>(MAX_QUOTED))
     {
-        shown = shown.left(MAX_QUOTED) + QStringLiteral("...");
+        shown = shown.left(static_cast<int>(MAX_QUOTED)) + QStringLiteral("...");
     }
     for (QChar& c : shown)
     {
@@ -33,31 +43,24 @@ QString quoted(std::string const& text)
     return QLatin1Char('"') + shown + QLatin1Char('"');
 }
 
-/// Fills the tree; nlohmann's parser calls it without recursion, so that the
-/// depth of a hostile text never reaches the stack.
+/// Fills a tree; nlohmann's parser calls it without recursion, so that the depth of a
+/// hostile text never reaches the stack.
 class TreeFiller
 {
 public:
-    explicit TreeFiller(QString const& fileName) : m_fileName(fileName)
+    TreeFiller(JsonTree const& tree, JsonTree::Content& content) : m_tree(tree), m_content(content)
     {
-    }
-
-    JsonValue takeRoot()
-    {
-        return std::move(m_root);
     }
 
     bool null()
     {
-        place();
+        place({JsonNode::Null, 0, {0}});
         return true;
     }
 
     bool boolean(bool value)
     {
-        JsonValue& here = place();
-        here.kind = JsonValue::Bool;
-        here.boolean = value;
+        place({JsonNode::Bool, value ? 1U : 0U, {0}});
         return true;
     }
 
@@ -78,9 +81,7 @@ public:
 
     bool string(std::string& value)
     {
-        JsonValue& here = place();
-        here.kind = JsonValue::String;
-        here.string = std::move(value);
+        place(kept(value));
         return true;
     }
 
@@ -91,49 +92,70 @@ public:
 
     bool start_object(std::size_t)
     {
-        open(JsonValue::Object);
+        open(JsonNode::Object);
         return true;
     }
 
     bool key(std::string& name)
     {
-        JsonValue& object = *m_open.back();
-        if (std::find(object.keys.begin(), object.keys.end(), name) != object.keys.end())
+        OpenNode const& object = m_open.back();
+        auto const firstKey = m_keys.begin() + static_cast<std::ptrdiff_t>(object.firstKey);
+        if (std::find(firstKey, m_keys.end(), name) != m_keys.end())
         {
-            fail(jsonPathKey(path(false), name), QStringLiteral("the key stands here twice; remove one"));
+            m_tree.fail(jsonPathKey(path(false), name), QStringLiteral("the key stands here twice; remove one"));
         }
-        if (object.keys.size() == MAX_JSON_KEYS)
+        if (object.node.count == MAX_JSON_KEYS)
         {
-            fail(path(false), QStringLiteral("an object has more than %1 keys").arg(MAX_JSON_KEYS));
+            m_tree.fail(path(false), QStringLiteral("an object has more than %1 keys").arg(MAX_JSON_KEYS));
         }
-        object.keys.push_back(std::move(name));
+        ++m_open.back().node.count;
+        JsonNode const node = kept(name);
+        append(node);
+        m_keys.emplace_back(node.payload.characters, node.count);
         return true;
     }
 
     bool end_object()
     {
-        m_open.pop_back();
-        return true;
+        m_keys.resize(m_open.back().firstKey);
+        return close();
     }
 
     bool start_array(std::size_t)
     {
-        open(JsonValue::Numbers);
+        open(JsonNode::Numbers);
         return true;
     }
 
     bool end_array()
     {
-        m_open.pop_back();
-        return true;
+        JsonNode& array = m_open.back().node;
+        if (array.kind == JsonNode::Array)
+        {
+            return close();
+        }
+        array.count = static_cast<std::uint32_t>(m_numbers.size());
+        if (m_numbers.size() > LONG_ARRAY)
+        {
+            array.payload.firstNumber = m_content.longArrays.size();
+            m_content.longArrays.push_back(std::move(m_numbers));
+            m_numbers = std::vector<double>();
+        }
+        else
+        {
+            array.payload.firstNumber = m_content.numbers.size();
+            m_content.numbers.insert(m_content.numbers.end(), m_numbers.begin(), m_numbers.end());
+            m_numbers.clear();
+        }
+        return settle();
     }
 
     bool parse_error(std::size_t position, std::string const&, nlohmann::json::exception const& error)
     {
         m_errorPosition = position;
-        std::string const what = error.what();
+        std::string_view const what = error.what();
         std::size_t const words = what.find("] ");
-        m_error = words == std::string::npos ? what : what.substr(words + 2);
+        m_error = what.substr(words == std::string_view::npos ? 0 : words + 2, LONGEST_ERROR);
         return false;
     }
 
@@ -142,41 +164,51 @@ public:
     {
         // The parser's text starts with its own "parse error at line.., column..: ".
         std::size_t const colon = m_error.find(": ");
-        std::string cause = colon == std::string::npos ? m_error : m_error.substr(colon + 2);
-        QByteArray const before = text.left(static_cast<int>(std::max<std::size_t>(m_errorPosition, 1)) - 1);
+        std::string const cause = colon == std::string::npos ? m_error : m_error.substr(colon + 2);
+        auto const size = static_cast<int>(std::max<std::size_t>(m_errorPosition, 1)) - 1;
+        QByteArray const before = QByteArray::fromRawData(text.constData(), std::min(size, text.size()));
         int const line = before.count('\n') + 1;
         int const column = before.size() - before.lastIndexOf('\n');
         QString shown = QString::fromStdString(cause);
         shown = shown.size() > 200 ? shown.left(200) + QStringLiteral("...") : shown;
-        fail(path(true),
-             QStringLiteral("line %1, column %2: %3").arg(QString::number(line), QString::number(column), shown));
+        m_tree.fail(
+            path(true),
+            QStringLiteral("line %1, column %2: %3").arg(QString::number(line), QString::number(column), shown));
     }
 
 private:
-    [[noreturn]] void fail(QString const& where, QString const& cause) const
+    static constexpr std::size_t LONGEST_ERROR = 1000;
+
+    struct OpenNode
     {
-        throw KORV_BadFile(__FILE__, __LINE__, QStringLiteral("%1: %2: %3").arg(m_fileName, where, cause), where);
-    }
+        JsonNode node;
+        std::size_t index;
+
+        /// Where the keys of an object start in `m_keys`.
+        std::size_t firstKey;
+    };
 
     /// Where the text is: of the innermost open value, or (`insideIt`) of what is
     /// read in it.
     QString path(bool insideIt) const
     {
         QString text = QStringLiteral("$");
-        for (JsonValue const* const value : m_open)
+        for (std::size_t i = 0; i < m_open.size(); ++i)
         {
-            bool const innermost = value == m_open.back();
+            bool const innermost = i + 1 == m_open.size();
             if (innermost && !insideIt)
             {
                 break;
             }
-            if (value->kind == JsonValue::Object)
+            JsonNode const& node = m_open[i].node;
+            if (node.kind == JsonNode::Object)
             {
-                text = value->keys.empty() ? text : jsonPathKey(text, value->keys.back());
+                std::size_t const keysEnd = innermost ? m_keys.size() : m_open[i + 1].firstKey;
+                text = keysEnd == m_open[i].firstKey ? text : jsonPathKey(text, m_keys[keysEnd - 1]);
             }
             else
             {
-                std::size_t const next = value->children.size() + value->numbers.size();
+                std::size_t const next = node.kind == JsonNode::Array ? node.count : m_numbers.size();
                 text = jsonPathIndex(text, innermost ? next : next - 1);
             }
         }
@@ -185,61 +217,125 @@ private:
 
     bool number(double value)
     {
-        if (!m_open.empty() && m_open.back()->kind == JsonValue::Numbers)
+        if (!m_open.empty() && m_open.back().node.kind == JsonNode::Numbers)
         {
-            m_open.back()->numbers.push_back(value);
+            m_numbers.push_back(value);
             return true;
         }
-        JsonValue& here = place();
-        here.kind = JsonValue::Number;
-        here.number = value;
+        place({JsonNode::Number, 0, {value}});
         return true;
     }
 
-    void open(JsonValue::Kind kind)
+    void open(JsonNode::Kind kind)
     {
         if (m_open.size() == static_cast<std::size_t>(MAX_JSON_DEPTH))
         {
-            fail(path(true), QStringLiteral("nested deeper than %1 levels").arg(MAX_JSON_DEPTH));
+            m_tree.fail(path(true), QStringLiteral("nested deeper than %1 levels").arg(MAX_JSON_DEPTH));
         }
-        JsonValue& here = place();
-        here.kind = kind;
-        m_open.push_back(&here);
+        JsonNode const node{kind, 0, {0}};
+        m_open.push_back({node, place(node), m_keys.size()});
     }
 
-    // A new value at the place where the text is. Open values are the last children
-    // of their parents, which don't grow while a child is open, so the pointers stay.
-    JsonValue& place()
+    bool close()
     {
-        if (m_open.empty())
-        {
-            return m_root;
-        }
-        JsonValue& parent = *m_open.back();
-        if (parent.kind == JsonValue::Numbers)
-        {
-            parent.kind = JsonValue::Array;
-            for (double const number : parent.numbers)
-            {
-                parent.children.emplace_back();
-                parent.children.back().kind = JsonValue::Number;
-                parent.children.back().number = number;
-            }
-            std::vector<double>().swap(parent.numbers);
-        }
-        return parent.children.emplace_back();
+        m_open.back().node.payload.end = m_content.nodeCount;
+        return settle();
     }
 
-    QString m_fileName;
-    JsonValue m_root;
-    std::vector<JsonValue*> m_open;
+    /// The innermost open node is as it will stay.
+    bool settle()
+    {
+        if (m_open.size() == m_mixedDepth)
+        {
+            m_tree.fail(m_mixedPath, m_mixedCause);
+        }
+        OpenNode const& open = m_open.back();
+        JsonTree::Block& block = *m_content.blocks[open.index / JsonTree::Block::SIZE];
+        std::size_t const inBlock = open.index % JsonTree::Block::SIZE;
+        block.payloads[inBlock] = open.node.payload;
+        block.counts[inBlock] = open.node.count;
+        block.kinds[inBlock] = open.node.kind;
+        m_open.pop_back();
+        return true;
+    }
+
+    /// Puts a new value where the text is.
+    /// @return its index
+    std::size_t place(JsonNode const& node)
+    {
+        if (!m_open.empty() && m_open.back().node.kind != JsonNode::Object)
+        {
+            addToArray(m_open.back().node, node);
+        }
+        return append(node);
+    }
+
+    // That numbers stand among other values is told once the array ends: before that it
+    // may turn out that only its bracket is missing.
+    void addToArray(JsonNode& array, JsonNode const& element)
+    {
+        bool const holdsNumbers = array.kind == JsonNode::Numbers && !m_numbers.empty();
+        bool const holdsOthers = array.kind == JsonNode::Array;
+        if (m_mixedDepth == 0 && (holdsNumbers || (holdsOthers && element.kind == JsonNode::Number)))
+        {
+            m_mixedDepth = m_open.size();
+            m_mixedPath = path(true);
+            m_mixedCause =
+                QStringLiteral("expected %1, found %2, as all values of an array are of one kind")
+                    .arg(QLatin1String(holdsNumbers ? "a number" : m_tree.node(m_open.back().index + 1).kindName()),
+                         QLatin1String(element.kindName()));
+        }
+        array.count += static_cast<std::uint32_t>(m_numbers.size()) + 1;
+        array.kind = JsonNode::Array;
+        m_numbers.clear();
+    }
+
+    std::size_t append(JsonNode const& node)
+    {
+        std::size_t const inBlock = m_content.nodeCount % JsonTree::Block::SIZE;
+        if (inBlock == 0)
+        {
+            m_content.blocks.push_back(std::make_unique<JsonTree::Block>());
+        }
+        JsonTree::Block& block = *m_content.blocks.back();
+        block.payloads[inBlock] = node.payload;
+        block.counts[inBlock] = node.count;
+        block.kinds[inBlock] = node.kind;
+        return m_content.nodeCount++;
+    }
+
+    /// A String that holds the text.
+    JsonNode kept(std::string const& text)
+    {
+        auto* const characters =
+            static_cast<char*>(m_content.characters.allocate(std::max<std::size_t>(1, text.size()), 1));
+        std::memcpy(characters, text.data(), text.size());
+        JsonNode node{JsonNode::String, static_cast<std::uint32_t>(text.size()), {0}};
+        node.payload.characters = characters;
+        return node;
+    }
+
+    JsonTree const& m_tree;
+    JsonTree::Content& m_content;
+    std::vector<OpenNode> m_open;
+
+    /// Of all open objects.
+    std::vector<std::string_view> m_keys;
+
+    /// Of the array that is open.
+    std::vector<double> m_numbers;
+
+    /// Of the first array that holds numbers and other values, from 1; 0 for none.
+    std::size_t m_mixedDepth = 0;
+    QString m_mixedPath;
+    QString m_mixedCause;
     std::size_t m_errorPosition = 0;
     std::string m_error;
 };
 
 }
 
-char const* JsonValue::kindName() const
+char const* JsonNode::kindName() const
 {
     switch (kind)
     {
@@ -260,22 +356,88 @@ char const* JsonValue::kindName() const
     return "nothing";
 }
 
-JsonValue parseJson(QByteArray const& text, QString const& fileName)
+JsonTree::JsonTree(QByteArray const& text, QString const& fileName) : m_fileName(fileName)
 {
-    TreeFiller filler(fileName);
+    TreeFiller filler(*this, m_content);
     if (!nlohmann::json::sax_parse(text.cbegin(), text.cend(), &filler))
     {
         filler.failAtError(text);
     }
-    return filler.takeRoot();
 }
 
-QString jsonPathKey(QString const& path, std::string const& key)
+QString const& JsonTree::fileName() const
 {
-    bool const plain = !key.empty() &&
+    return m_fileName;
+}
+
+JsonNode JsonTree::node(std::size_t index) const
+{
+    Block const& block = *m_content.blocks[index / Block::SIZE];
+    std::size_t const inBlock = index % Block::SIZE;
+    return {block.kinds[inBlock], block.counts[inBlock], block.payloads[inBlock]};
+}
+
+std::size_t JsonTree::behind(std::size_t index) const
+{
+    JsonNode const node = this->node(index);
+    return node.kind == JsonNode::Array || node.kind == JsonNode::Object ? node.payload.end : index + 1;
+}
+
+std::string_view JsonTree::text(std::size_t stringIndex) const
+{
+    JsonNode const node = this->node(stringIndex);
+    return {node.payload.characters, node.count};
+}
+
+std::vector<double> JsonTree::numbers(std::size_t numbersIndex) const
+{
+    JsonNode const node = this->node(numbersIndex);
+    if (node.count > LONG_ARRAY)
+    {
+        return m_content.longArrays[node.payload.firstNumber];
+    }
+    auto const first = m_content.numbers.begin() + static_cast<std::ptrdiff_t>(node.payload.firstNumber);
+    return std::vector<double>(first, first + node.count);
+}
+
+std::vector<double> JsonTree::takeNumbers(std::size_t numbersIndex)
+{
+    JsonNode const node = this->node(numbersIndex);
+    return node.count > LONG_ARRAY ? std::move(m_content.longArrays[node.payload.firstNumber]) : numbers(numbersIndex);
+}
+
+QString JsonTree::path(std::size_t index) const
+{
+    QString text = QStringLiteral("$");
+    for (std::size_t at = 0; at != index;)
+    {
+        bool const isObject = node(at).kind == JsonNode::Object;
+        std::size_t child = at + 1;
+        for (std::size_t i = 0;; ++i, child = behind(child))
+        {
+            std::size_t const key = child;
+            child += isObject ? 1 : 0;
+            if (index < behind(child))
+            {
+                text = isObject ? jsonPathKey(text, this->text(key)) : jsonPathIndex(text, i);
+                break;
+            }
+        }
+        at = child;
+    }
+    return text;
+}
+
+void JsonTree::fail(QString const& path, QString const& cause) const
+{
+    throw KORV_BadFile(__FILE__, __LINE__, QStringLiteral("%1: %2: %3").arg(m_fileName, path, cause), path);
+}
+
+QString jsonPathKey(QString const& path, std::string_view key)
+{
+    bool const plain = !key.empty() && key.size() <= MAX_QUOTED &&
                        std::all_of(key.begin(), key.end(), [](unsigned char c) { return std::isalnum(c) || c == '_'; });
-    return plain ? path + QLatin1Char('.') + QString::fromStdString(key)
-                 : path + QLatin1Char('[') + quoted(key) + QLatin1Char(']');
+    return plain ? path + QLatin1Char('.') + toText(key) : path + QLatin1Char('[') + quoted(key) + QLatin1Char(']');
 }
 
 QString jsonPathIndex(QString const& path, std::size_t index)
