@@ -122,7 +122,13 @@ std::size_t JsonCursor::numberCount() const
 {
     if (kind() == JsonNode::Array)
     {
-        JsonCursor(*m_tree, m_index + 1).wrongType("a number");
+        for (JsonCursor const& element : elements())
+        {
+            if (element.kind() != JsonNode::Number)
+            {
+                element.wrongType("a number");
+            }
+        }
     }
     if (kind() != JsonNode::Numbers)
     {

@@ -265,28 +265,36 @@ private:
     {
         if (!m_open.empty() && m_open.back().node.kind != JsonNode::Object)
         {
-            addToArray(m_open.back().node, node);
+            JsonNode& array = m_open.back().node;
+            if (array.kind == JsonNode::Numbers && !m_numbers.empty())
+            {
+                endNumbers(array, node);
+            }
+            array.kind = JsonNode::Array;
+            ++array.count;
         }
         return append(node);
     }
 
-    // That numbers stand among other values is told once the array ends: before that it
-    // may turn out that only its bracket is missing.
-    void addToArray(JsonNode& array, JsonNode const& element)
+    // An array of numbers that turns out to hold others too is wrong wherever it stands;
+    // the reader says which of its values is, unless it is long. That is told once the
+    // array ends: before, it may turn out that only its bracket is missing.
+    [[gnu::cold]] void endNumbers(JsonNode& array, JsonNode const& element)
     {
-        bool const holdsNumbers = array.kind == JsonNode::Numbers && !m_numbers.empty();
-        bool const holdsOthers = array.kind == JsonNode::Array;
-        if (m_mixedDepth == 0 && (holdsNumbers || (holdsOthers && element.kind == JsonNode::Number)))
+        if (m_mixedDepth == 0 && m_numbers.size() > LONG_ARRAY)
         {
             m_mixedDepth = m_open.size();
             m_mixedPath = path(true);
-            m_mixedCause =
-                QStringLiteral("expected %1, found %2, as all values of an array are of one kind")
-                    .arg(QLatin1String(holdsNumbers ? "a number" : m_tree.node(m_open.back().index + 1).kindName()),
-                         QLatin1String(element.kindName()));
+            m_mixedCause = QStringLiteral("expected a number, found %1").arg(QLatin1String(element.kindName()));
         }
-        array.count += static_cast<std::uint32_t>(m_numbers.size()) + 1;
-        array.kind = JsonNode::Array;
+        else if (m_mixedDepth == 0)
+        {
+            for (double const number : m_numbers)
+            {
+                append({JsonNode::Number, 0, {number}});
+            }
+        }
+        array.count = static_cast<std::uint32_t>(m_numbers.size());
         m_numbers.clear();
     }
 
@@ -325,7 +333,7 @@ private:
     /// Of the array that is open.
     std::vector<double> m_numbers;
 
-    /// Of the first array that holds numbers and other values, from 1; 0 for none.
+    /// Of the first long array that holds numbers and other values, from 1; 0 for none.
     std::size_t m_mixedDepth = 0;
     QString m_mixedPath;
     QString m_mixedCause;

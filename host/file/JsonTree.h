@@ -1,7 +1,7 @@
 #pragma once
 // JSON text as a tree that is small and fast to fill: one list of small nodes in the
 // order of the text, and arrays of numbers as they are. Everything that would make a
-// tree dangerous to build (depth, repeated keys, mixed arrays) is refused while the
+// tree dangerous to build (depth, repeated keys) is refused while the
 // text is read. Whatever stands in it, a tree takes less than nine times the bytes of
 // its text.
 
@@ -34,7 +34,7 @@ struct JsonNode
         String,
         /// An array of numbers, or an empty one.
         Numbers,
-        /// An array without numbers; its elements follow it.
+        /// Any other array; its elements follow it.
         Array,
         /// A String and a value for each key follow it.
         Object

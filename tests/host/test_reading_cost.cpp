@@ -135,7 +135,8 @@ TEST(ReadingLimits, AreStated)
         {projectWith("views", 100, view), ""},
         {projectWith("views", 101, view), "p.json: $.views: 101 elements; at most 100 are read"},
         {projectWith("views", 2, [](int i) { return QByteArray(i == 0 ? "0" : "\"a\""); }),
-         "p.json: $.views[1]: expected a number, found a string, as all values of an array are of one kind"},
+         "p.json: $.views[0]: expected a string, found a number"},
+        {"[" + repeated("0,", "[1, \"\"]]"), "p.json: $[2000000]: expected a number, found an array"},
     };
     for (auto const& [text, refusal] : cases)
     {
