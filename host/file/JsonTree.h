@@ -104,6 +104,10 @@ public:
 
     struct Content
     {
+        /// Arrays that are longer have their numbers to themselves: long enough that memory
+        /// which a growing list holds in reserve isn't touched.
+        static constexpr std::size_t LONG_ARRAY = 1 << 16;
+
         std::vector<std::unique_ptr<Block>> blocks;
         std::size_t nodeCount = 0;
 

@@ -40,54 +40,23 @@ public:
     int asked = 0;
 };
 
-class OneFile : public ExporterWrapper
-{
-public:
-    std::pair<bool, std::optional<char const*>> isExportPossible(KORV_ProjectManager&) const override
-    {
-        return {true, std::nullopt};
-    }
-
-    Korvane::ExportedFiles getExportResult(KORV_ProjectManager&, QString const& path) const override
-    {
-        Korvane::ExportedFiles result;
-        result.files.insert(path, "ours");
-        return result;
-    }
-
-    void setClipboardText(Fnd::IClipboard&, QString const&) const override
-    {
-    }
-
-    QString const& formatDisplayName() const override
-    {
-        return m_name;
-    }
-
-    QString filenameSuggestion(KORV_ProjectManager const&) const override
-    {
-        return m_name;
-    }
-
-private:
-    QString m_name = "ours.txt";
-};
-
 TEST(SafeWriting, AFileThatAppearsMeanwhileIsAskedFor)
 {
-    auto const project = MarloHost::makeProject(projectOf({}));
+    auto const project = MarloHost::makeProject(projectOf({layer("plane")}, "plane"));
+    UserTrackingOptions options;
+    options.layerSelection = {ZN::AllLayers, QString()};
+    auto const wrapper = std::make_shared<TrackingExporterWrapper>(std::make_shared<FakeTrackingExporter>(), options,
+                                                                   false, "Fake Tracks");
     for (bool const replaces : {false, true})
     {
         QTemporaryDir const folder;
         LateProvider provider;
         provider.replaces = replaces;
-        bool const isWritten =
-            exportToDisk(std::make_shared<OneFile>(), ExportFileInfo(), folder.path(), *project, provider).first;
-        EXPECT_EQ(isWritten, replaces);
+        EXPECT_EQ(exportToDisk(wrapper, ExportFileInfo(), folder.path(), *project, provider).first, replaces);
         EXPECT_EQ(provider.asked, 2);
-        QFile file(folder.filePath("ours.txt"));
+        QFile file(folder.filePath("plane"));
         ASSERT_TRUE(file.open(QIODevice::ReadOnly));
-        EXPECT_EQ(file.readAll(), replaces ? "ours" : "theirs");
+        EXPECT_EQ(file.readAll(), replaces ? "tracks" : "theirs");
     }
 }
 
