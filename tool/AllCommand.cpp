@@ -7,6 +7,7 @@
 #include "ListReport.h"
 #include "Selection.h"
 #include "Session.h"
+#include "WriteProvider.h"
 
 #include <algorithm>
 #include <memory>
@@ -95,6 +96,7 @@ std::vector<ExportRecord> exportAll(Options const& options, Console& console)
     {
         throw usageError(QStringLiteral("all: -o - isn't a folder"));
     }
+    checkWorkingFolder(*options.writing.output);
     std::vector<FormatEntry> const formats = formatsOfKind(options.kind);
     checkFormatOptions(formats, options.choices.formatOptions);
     int const total = static_cast<int>(formats.size());

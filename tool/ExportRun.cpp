@@ -96,7 +96,7 @@ void run(Session& session, FormatEntry const& format, ExportPlan const& plan, Wr
     {
         if (pathsAreKnown)
         {
-            refuseExisting(item.path, writing.overwrite, console);
+            checkTarget(item.path, writing, console);
         }
     }
     WriteProvider provider(writing, record, console);

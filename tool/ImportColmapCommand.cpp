@@ -223,7 +223,11 @@ struct ColmapReport
 void importColmap(Options const& options, Console& console)
 {
     ColmapImportChoices const& colmap = options.colmap;
-    checkImportTarget(colmap.target, console);
+    QDir const folder(colmap.folder);
+    checkImportTarget(colmap.target,
+                      {folder.filePath(QStringLiteral("cameras.txt")), folder.filePath(QStringLiteral("images.txt")),
+                       folder.filePath(QStringLiteral("points3D.txt"))},
+                      console);
     MarloHost::ColmapImport import = colmap.import;
     QString const baseName = QFileInfo(colmap.target.project).completeBaseName();
     import.clipName = baseName.isEmpty() ? QStringLiteral("clip") : baseName;

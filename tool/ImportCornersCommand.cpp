@@ -118,7 +118,8 @@ struct ImportReport
 void importCorners(Options const& options, Console& console)
 {
     CornerImportChoices const& corners = options.corners;
-    checkImportTarget(corners.target, console);
+    bool const isPiped = corners.table == QLatin1String("-");
+    checkImportTarget(corners.target, isPiped ? QStringList() : QStringList(corners.table), console);
     CornerTable table = MarloHost::readCornerTableFile(corners.table);
     if (corners.start)
     {
@@ -126,7 +127,7 @@ void importCorners(Options const& options, Console& console)
     }
     CornerImport import = corners.import;
     QString const baseName = QFileInfo(corners.table).completeBaseName();
-    import.clipName = baseName.isEmpty() || corners.table == QLatin1String("-") ? QStringLiteral("clip") : baseName;
+    import.clipName = baseName.isEmpty() || isPiped ? QStringLiteral("clip") : baseName;
     QByteArray const project = MarloHost::writeProject(MarloHost::projectFromCorners(table, import));
     writeImportedProject(corners.target, project, console);
 

@@ -8,6 +8,8 @@
 #include <QDir>
 #include <QFileInfo>
 
+#include <cerrno>
+
 QString rangesText(FrameRanges const& ranges)
 {
     QStringList texts;
@@ -35,27 +37,34 @@ QString shortList(QStringList const& list)
     return list.size() <= MOST ? shown : shown + QStringLiteral(" and %1 more").arg(list.size() - MOST);
 }
 
-void checkImportTarget(ImportTarget const& target, Console const& console)
+void checkImportTarget(ImportTarget const& target, QStringList const& inputs, Console const& console)
 {
     if (target.project == QLatin1String("-"))
     {
         throw usageError(QStringLiteral("import: -o needs the path of a project file"));
     }
-    refuseExisting(target.project, target.overwrite, console);
+    WritingChoices writing;
+    writing.overwrite = target.overwrite;
+    writing.inputs = inputs;
+    checkTarget(target.project, writing, console);
 }
 
 void writeImportedProject(ImportTarget const& target, QByteArray const& bytes, Console& console)
 {
     QFileInfo const file(target.project);
-    bool const mustAsk = file.exists() && !file.isDir() && !target.overwrite;
-    if (mustAsk && !console.ask(target.project + QStringLiteral(" exists. Replace it?")))
+    bool const isOld = file.exists() && !file.isDir();
+    if (isOld && !target.overwrite && !console.ask(target.project + QStringLiteral(" exists. Replace it?")))
     {
         throw Failure(Refused, QStringLiteral("nothing written; the old file stays"));
     }
     QDir().mkpath(file.absolutePath());
-    if (!Text::writeWholeFile(target.project, bytes))
+    Text::sweepPartFiles({target.project});
+    bool const mayReplace = isOld || target.overwrite;
+    if (!Text::writeWholeFile(target.project, bytes, mayReplace ? Text::Existing::Replace : Text::Existing::Keep))
     {
-        throw Failure(Refused, QStringLiteral("Could not write to file ") + target.project);
+        QString const reason = qt_error_string(errno);
+        throw Failure(Refused,
+                      QStringLiteral("Could not write to file ") + target.project + QStringLiteral(": ") + reason);
     }
 }
 

@@ -23,8 +23,9 @@ nlohmann::ordered_json jsonRanges(FrameRanges const& ranges);
 QString shortList(QStringList const& list);
 
 /// Refuses a target that no project can be written to, before anything is read.
+/// @param inputs files that the command reads
 /// @throws Failure
-void checkImportTarget(ImportTarget const& target, Console const& console);
+void checkImportTarget(ImportTarget const& target, QStringList const& inputs, Console const& console);
 
 /// @param bytes of the project file
 /// @throws Failure when the user keeps an old file, or writing fails

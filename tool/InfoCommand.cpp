@@ -117,6 +117,10 @@ private:
     /// Of several layers of that name the topmost is current.
     bool isCurrent(LayerModel const& layer) const
     {
+        if (layer.name != m_model.currentLayer)
+        {
+            return false;
+        }
         for (LayerModel const& candidate : m_model.layers)
         {
             if (candidate.name == m_model.currentLayer)

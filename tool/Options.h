@@ -58,6 +58,9 @@ struct WritingChoices
 
     /// Write names that leave their field in the text.
     bool unsafeNames = false;
+
+    /// The files that the command reads, onto which nothing is written.
+    QStringList inputs;
 };
 
 /// Where the commands below `import` write.

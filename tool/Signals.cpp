@@ -23,8 +23,15 @@ void installSignalHandlers()
     struct sigaction end = {};
     end.sa_handler = endOnSignal;
     sigfillset(&end.sa_mask);
-    ::sigaction(SIGINT, &end, nullptr);
-    ::sigaction(SIGTERM, &end, nullptr);
+    for (int const signal : {SIGINT, SIGTERM, SIGHUP, SIGQUIT})
+    {
+        // What nohup, or a shell with a job in the background, made deaf stays so.
+        struct sigaction inherited = {};
+        if (::sigaction(signal, nullptr, &inherited) == 0 && inherited.sa_handler != SIG_IGN)
+        {
+            ::sigaction(signal, &end, nullptr);
+        }
+    }
 
     struct sigaction ignore = {};
     ignore.sa_handler = SIG_IGN;

@@ -1,6 +1,7 @@
 #pragma once
 
-/// An interrupt or a request to end removes a half-written part file and ends the
-/// program with status 130. A full disk and a reader that went away become ordinary
+/// An interrupt, a request to end and the end of the terminal (SIGINT, SIGQUIT,
+/// SIGTERM, SIGHUP) remove a half-written part file and end the program with status
+/// 130; those that were ignored when it started stay ignored. A full disk and a reader that went away become ordinary
 /// write errors.
 void installSignalHandlers();

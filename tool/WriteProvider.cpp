@@ -7,6 +7,9 @@
 #include <QFileInfo>
 #include <QRegularExpression>
 
+#include <cerrno>
+#include <sys/stat.h>
+
 namespace
 {
 
@@ -17,10 +20,11 @@ void rehearse(QString const& path)
     QFileInfo const target(path);
     if (target.exists() && !(target.isFile() && target.isWritable()))
     {
-        throw Failure(Refused, QStringLiteral("Could not write to file ") + path);
+        QString const reason = qt_error_string(target.isDir() ? EISDIR : target.isFile() ? EACCES : EOPNOTSUPP);
+        throw Failure(Refused, QStringLiteral("Could not write to file ") + path + QStringLiteral(": ") + reason);
     }
     QString folder = target.absolutePath();
-    while (!QFileInfo::exists(folder) && folder != QDir::rootPath())
+    while (!QFileInfo::exists(folder) && QDir::isAbsolutePath(folder) && folder != QDir::rootPath())
     {
         folder = QFileInfo(folder).absolutePath();
     }
@@ -28,6 +32,16 @@ void rehearse(QString const& path)
     {
         throw Failure(Refused, QStringLiteral("Cannot write to ") + folder);
     }
+}
+
+/// Also through links of either kind.
+bool isSameFile(QString const& left, QString const& right)
+{
+    struct stat one;
+    struct stat other;
+    return ::stat(QFile::encodeName(left).constData(), &one) == 0 &&
+           ::stat(QFile::encodeName(right).constData(), &other) == 0 && one.st_dev == other.st_dev &&
+           one.st_ino == other.st_ino;
 }
 
 // Notices are written for a dialog, with a few tags in them.
@@ -40,11 +54,29 @@ QString withoutMarkup(QString text)
 
 }
 
-void refuseExisting(QString const& path, bool overwrite, Console const& console)
+void checkWorkingFolder(QString const& path)
 {
+    if (QDir::isRelativePath(path) && QDir::currentPath().isEmpty())
+    {
+        throw Failure(Refused, QStringLiteral("Could not write to ") + path +
+                                   QStringLiteral(": the working folder was removed; change to another one"));
+    }
+}
+
+void checkTarget(QString const& path, WritingChoices const& writing, Console const& console)
+{
+    checkWorkingFolder(path);
+    for (QString const& input : writing.inputs)
+    {
+        if (isSameFile(path, input))
+        {
+            throw Failure(Refused, path + QStringLiteral(" is ") + input +
+                                       QStringLiteral(" itself, which this command reads; choose another -o"));
+        }
+    }
     QFileInfo const target(path);
     // Nothing replaces a folder; writing says so.
-    if (target.exists() && !target.isDir() && !overwrite && !console.isInteractive())
+    if (target.exists() && !target.isDir() && !writing.overwrite && !console.isInteractive())
     {
         throw Failure(Refused, path + QStringLiteral(" exists; use --overwrite to replace it"));
     }
@@ -68,7 +100,7 @@ bool WriteProvider::confirmFailures(Korvane::ExportedFiles const& result)
     }
     for (QString const& path : m_files.keys())
     {
-        refuseExisting(path, m_writing.overwrite, m_console);
+        checkTarget(path, m_writing, m_console);
         if (m_writing.dryRun)
         {
             rehearse(path);
@@ -94,7 +126,10 @@ QString WriteProvider::askSavePath(Export::ExportFileInfo const&, QString const&
 
 bool WriteProvider::confirmWrite(QString const& path)
 {
+    // Asked again, as another program was faster to make the file.
+    m_pending = m_pending == path ? QString() : m_pending;
     finish();
+    checkTarget(path, m_writing, m_console);
     bool const isOld = QFileInfo::exists(path) && !QFileInfo(path).isDir();
     if (isOld && !m_writing.overwrite && !m_console.ask(path + QStringLiteral(" exists. Replace it?")))
     {

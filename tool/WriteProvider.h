@@ -44,6 +44,12 @@ private:
     bool m_hasAbandoned = false;
 };
 
-/// Refuses a target that exists, unless it may be replaced or there is somebody to ask.
+/// Refuses a path that starts from a working folder that was removed.
 /// @throws Failure
-void refuseExisting(QString const& path, bool overwrite, Console const& console);
+void checkWorkingFolder(QString const& path);
+
+/// Refuses a target that is one of the files that the command reads, by whatever path, and
+/// one that exists, unless it may be replaced or there is somebody to ask; and what
+/// checkWorkingFolder() refuses.
+/// @throws Failure
+void checkTarget(QString const& path, WritingChoices const& writing, Console const& console);

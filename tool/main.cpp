@@ -92,12 +92,38 @@ ExitStatus tell(Failure const& failure, Options const& options, Console& console
     return failure.status();
 }
 
+/// @throws Failure as wrong usage for bytes that are no text; all else would take them
+/// for another text
+void checkEncoding(int argc, char** argv)
+{
+    for (int i = 1; i < argc; ++i)
+    {
+        QTextCodec::ConverterState state(QTextCodec::IgnoreHeader);
+        QByteArray const argument(argv[i]);
+        QTextCodec::codecForName("UTF-8")->toUnicode(argument.constData(), argument.size(), &state);
+        if (state.invalidChars > 0 || state.remainingChars > 0)
+        {
+            throw usageError(QStringLiteral("argument %1 isn't UTF-8: ").arg(i) +
+                             QString::fromLatin1(argument.toPercentEncoding(" /=,;:{}[]()+@!*'\"")));
+        }
+    }
+}
+
+/// The files onto which the command mustn't write.
+QStringList inputsOf(Options const& options)
+{
+    QStringList inputs{options.project, options.presets.file};
+    inputs.removeAll(QString());
+    return inputs;
+}
+
 ExitStatus run(int argc, char** argv)
 {
     Options options;
     Console errors(false);
     try
     {
+        checkEncoding(argc, argv);
         QString text;
         std::optional<Options> const parsed = parseOptions(argc, argv, text);
         if (!parsed)
@@ -106,6 +132,7 @@ ExitStatus run(int argc, char** argv)
             return Success;
         }
         options = *parsed;
+        options.writing.inputs = inputsOf(options);
         Console console(options.quiet);
         return runCommand(options, console);
     }

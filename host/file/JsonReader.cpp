@@ -1,7 +1,5 @@
 #include "JsonReader.h"
 
-#include "Host/KORV_Exception.h"
-
 #include <QStringList>
 
 #include <algorithm>
@@ -21,45 +19,47 @@ bool isControl(QChar c)
 
 }
 
-JsonCursor::JsonCursor(JsonValue const& value, QString const& fileName)
-    : m_value(&value), m_fileName(fileName), m_path(QStringLiteral("$"))
+JsonCursor::JsonCursor(JsonTree& tree) : JsonCursor(tree, 0)
 {
 }
 
-JsonCursor::JsonCursor(JsonValue const& value, JsonCursor const& parent, std::string const* key, std::size_t index)
-    : m_value(&value),
-      m_fileName(parent.m_fileName),
-      m_path(key ? jsonPathKey(parent.m_path, *key) : jsonPathIndex(parent.m_path, index))
+JsonCursor::JsonCursor(JsonTree& tree, std::size_t index) : m_tree(&tree), m_index(index)
 {
 }
 
-JsonValue const& JsonCursor::value() const
+JsonNode JsonCursor::node() const
 {
-    return *m_value;
+    return m_tree->node(m_index);
+}
+
+JsonNode::Kind JsonCursor::kind() const
+{
+    return node().kind;
 }
 
 QString JsonCursor::path() const
 {
-    return m_path;
+    return m_tree->path(m_index);
 }
 
 void JsonCursor::fail(QString const& cause) const
 {
-    throw KORV_BadFile(__FILE__, __LINE__, QStringLiteral("%1: %2: %3").arg(m_fileName, m_path, cause), m_path);
+    m_tree->fail(path(), cause);
 }
 
 void JsonCursor::wrongType(char const* expected) const
 {
-    fail(QStringLiteral("expected %1, found %2").arg(QLatin1String(expected), QLatin1String(m_value->kindName())));
+    fail(QStringLiteral("expected %1, found %2").arg(QLatin1String(expected), QLatin1String(node().kindName())));
 }
 
 QString JsonCursor::string() const
 {
-    if (m_value->kind != JsonValue::String)
+    if (kind() != JsonNode::String)
     {
         wrongType("a string");
     }
-    QString const text = QString::fromStdString(m_value->string);
+    std::string_view const bytes = m_tree->text(m_index);
+    QString const text = QString::fromUtf8(bytes.data(), static_cast<int>(bytes.size()));
     // Every text here is a name, a path or a word. Those that end a line would make records of
     // their own in what is exported, and a terminal would obey the others.
     auto const control = std::find_if(text.begin(), text.end(), isControl);
@@ -73,20 +73,20 @@ QString JsonCursor::string() const
 
 bool JsonCursor::boolean() const
 {
-    if (m_value->kind != JsonValue::Bool)
+    if (kind() != JsonNode::Bool)
     {
         wrongType("true or false");
     }
-    return m_value->boolean;
+    return node().count == 1;
 }
 
 double JsonCursor::number(double least, double most) const
 {
-    if (m_value->kind != JsonValue::Number)
+    if (kind() != JsonNode::Number)
     {
         wrongType("a number");
     }
-    double const number = m_value->number;
+    double const number = node().payload.number;
     if (!(number >= least && number <= most))
     {
         fail(QStringLiteral("%1 is out of range; expected %2 to %3")
@@ -105,49 +105,56 @@ int JsonCursor::integer(int least, int most) const
     return static_cast<int>(value);
 }
 
-std::vector<JsonCursor> JsonCursor::elements() const
+JsonElements JsonCursor::elements() const
 {
-    if (m_value->kind != JsonValue::Array && m_value->kind != JsonValue::Numbers)
+    if (kind() != JsonNode::Array && kind() != JsonNode::Numbers)
     {
         wrongType("an array");
     }
-    if (!m_value->numbers.empty())
+    if (kind() == JsonNode::Numbers && node().count > 0)
     {
         fail(QStringLiteral("expected an array of objects or strings, found numbers"));
     }
-    std::vector<JsonCursor> cursors;
-    cursors.reserve(m_value->children.size());
-    for (std::size_t i = 0; i < m_value->children.size(); ++i)
-    {
-        cursors.push_back(JsonCursor(m_value->children[i], *this, nullptr, i));
-    }
-    return cursors;
+    return kind() == JsonNode::Array ? JsonElements(*m_tree, m_index) : JsonElements(*m_tree);
 }
 
-std::vector<double> const& JsonCursor::numbers() const
+std::size_t JsonCursor::numberCount() const
 {
-    if (m_value->kind == JsonValue::Array)
+    if (kind() == JsonNode::Array)
     {
-        auto const odd = std::find_if(m_value->children.begin(), m_value->children.end(),
-                                      [](JsonValue const& child) { return child.kind != JsonValue::Number; });
-        auto const index = static_cast<std::size_t>(odd - m_value->children.begin());
-        JsonCursor(*odd, *this, nullptr, index).wrongType("a number");
+        for (JsonCursor const& element : elements())
+        {
+            if (element.kind() != JsonNode::Number)
+            {
+                element.wrongType("a number");
+            }
+        }
     }
-    if (m_value->kind != JsonValue::Numbers)
+    if (kind() != JsonNode::Numbers)
     {
         wrongType("an array of numbers");
     }
-    return m_value->numbers;
+    return node().count;
 }
 
-std::vector<double> const& JsonCursor::numbers(std::size_t count) const
+std::vector<double> JsonCursor::takeNumbers() const
 {
-    std::vector<double> const& found = numbers();
-    if (found.size() != count)
+    numberCount();
+    return m_tree->takeNumbers(m_index);
+}
+
+void JsonCursor::expectNumbers(std::size_t count) const
+{
+    if (numberCount() != count)
     {
-        fail(QStringLiteral("expected %1 numbers, found %2").arg(count).arg(found.size()));
+        fail(QStringLiteral("expected %1 numbers, found %2").arg(count).arg(numberCount()));
     }
-    return found;
+}
+
+std::vector<double> JsonCursor::takeNumbers(std::size_t count) const
+{
+    expectNumbers(count);
+    return takeNumbers();
 }
 
 std::vector<int> JsonCursor::integers(int least, int most) const
@@ -163,7 +170,7 @@ std::vector<int> JsonCursor::ascendingIntegers(int least, int most) const
 std::vector<int> JsonCursor::wholeNumbers(int least, int most, bool ascending) const
 {
     std::vector<int> whole;
-    std::vector<double> const& found = numbers();
+    std::vector<double> const found = takeNumbers();
     whole.reserve(found.size());
     for (std::size_t i = 0; i < found.size(); ++i)
     {
@@ -179,26 +186,48 @@ std::vector<int> JsonCursor::wholeNumbers(int least, int most, bool ascending) c
     return whole;
 }
 
+JsonElements::JsonElements(JsonTree& tree) : m_begin(tree), m_end(tree), m_size(0)
+{
+}
+
+JsonElements::JsonElements(JsonTree& tree, std::size_t array)
+    : m_begin(tree, array + 1), m_end(tree, tree.behind(array)), m_size(tree.node(array).count)
+{
+}
+
+JsonElements::Iterator JsonElements::begin() const
+{
+    return Iterator(m_begin);
+}
+
+JsonElements::Iterator JsonElements::end() const
+{
+    return Iterator(m_end);
+}
+
+std::size_t JsonElements::size() const
+{
+    return m_size;
+}
+
 JsonObject::JsonObject(JsonCursor const& cursor, std::initializer_list<char const*> keys) : m_cursor(cursor)
 {
-    if (cursor.value().kind != JsonValue::Object)
+    if (cursor.kind() != JsonNode::Object)
     {
         cursor.wrongType("an object");
     }
-    for (std::string const& key : cursor.value().keys)
+    JsonTree const& tree = *cursor.m_tree;
+    for (std::size_t key = cursor.m_index + 1; key < tree.behind(cursor.m_index); key = tree.behind(key + 1))
     {
-        if (std::find(keys.begin(), keys.end(), key) == keys.end())
+        if (std::find(keys.begin(), keys.end(), tree.text(key)) == keys.end())
         {
             QStringList known;
             for (char const* name : keys)
             {
                 known.append(QLatin1String(name));
             }
-            QString const path = jsonPathKey(cursor.path(), key);
-            throw KORV_BadFile(__FILE__, __LINE__,
-                               QStringLiteral("%1: %2: unknown key; the keys here are %3")
-                                   .arg(cursor.m_fileName, path, known.join(QStringLiteral(", "))),
-                               path);
+            tree.fail(jsonPathKey(cursor.path(), tree.text(key)),
+                      QStringLiteral("unknown key; the keys here are %1").arg(known.join(QStringLiteral(", "))));
         }
     }
 }
@@ -210,14 +239,16 @@ JsonCursor const& JsonObject::cursor() const
 
 std::optional<JsonCursor> JsonObject::optional(char const* key) const
 {
-    std::vector<std::string> const& keys = m_cursor.value().keys;
-    auto const found = std::find(keys.begin(), keys.end(), key);
-    if (found == keys.end())
+    JsonTree& tree = *m_cursor.m_tree;
+    std::size_t const end = tree.behind(m_cursor.m_index);
+    for (std::size_t at = m_cursor.m_index + 1; at < end; at = tree.behind(at + 1))
     {
-        return std::nullopt;
+        if (tree.text(at) == key)
+        {
+            return JsonCursor(tree, at + 1);
+        }
     }
-    auto const index = static_cast<std::size_t>(found - keys.begin());
-    return JsonCursor(m_cursor.value().children[index], m_cursor, &*found, index);
+    return std::nullopt;
 }
 
 JsonCursor JsonObject::required(char const* key) const
@@ -260,10 +291,10 @@ std::optional<int> JsonObject::optionalInteger(char const* key, int least, int m
     return found ? std::optional<int>(found->integer(least, most)) : std::nullopt;
 }
 
-std::vector<JsonCursor> JsonObject::elements(char const* key) const
+JsonElements JsonObject::elements(char const* key) const
 {
     std::optional<JsonCursor> const found = optional(key);
-    return found ? found->elements() : std::vector<JsonCursor>();
+    return found ? found->elements() : JsonElements(*m_cursor.m_tree);
 }
 
 }

@@ -10,13 +10,16 @@
 namespace MarloHost
 {
 
-/// A value with its place in the file.
+class JsonElements;
+
+/// A value in a tree that outlives it.
 class JsonCursor
 {
 public:
-    JsonCursor(JsonValue const& value, QString const& fileName);
+    /// The root.
+    explicit JsonCursor(JsonTree& tree);
 
-    JsonValue const& value() const;
+    JsonNode::Kind kind() const;
     QString path() const;
 
     /// @throws KORV_BadFile "file: path: cause"
@@ -29,13 +32,17 @@ public:
     int integer(int least, int most) const;
 
     /// The elements of an array of objects or strings.
-    std::vector<JsonCursor> elements() const;
+    JsonElements elements() const;
 
-    /// The numbers of a flat array.
-    std::vector<double> const& numbers() const;
+    /// How many numbers a flat array holds.
+    std::size_t numberCount() const;
+    void expectNumbers(std::size_t count) const;
 
-    /// A flat array of exactly `count` numbers.
-    std::vector<double> const& numbers(std::size_t count) const;
+    /// The numbers of a flat array; may be called once for a value.
+    std::vector<double> takeNumbers() const;
+
+    /// A flat array of exactly `count` numbers; may be called once for a value.
+    std::vector<double> takeNumbers(std::size_t count) const;
 
     /// A flat array of whole numbers.
     std::vector<int> integers(int least, int most) const;
@@ -44,14 +51,61 @@ public:
     std::vector<int> ascendingIntegers(int least, int most) const;
 
 private:
+    friend class JsonElements;
     friend class JsonObject;
-    JsonCursor(JsonValue const& value, JsonCursor const& parent, std::string const* key, std::size_t index);
+    JsonCursor(JsonTree& tree, std::size_t index);
+    JsonNode node() const;
     std::vector<int> wholeNumbers(int least, int most, bool ascending) const;
     [[noreturn]] void wrongType(char const* expected) const;
 
-    JsonValue const* m_value;
-    QString m_fileName;
-    QString m_path;
+    JsonTree* m_tree;
+    std::size_t m_index;
+};
+
+/// The elements of an array, one after the other.
+class JsonElements
+{
+public:
+    class Iterator
+    {
+    public:
+        explicit Iterator(JsonCursor const& at) : m_at(at)
+        {
+        }
+
+        JsonCursor const& operator*() const
+        {
+            return m_at;
+        }
+
+        Iterator& operator++()
+        {
+            m_at.m_index = m_at.m_tree->behind(m_at.m_index);
+            return *this;
+        }
+
+        bool operator!=(Iterator const& other) const
+        {
+            return m_at.m_index != other.m_at.m_index;
+        }
+
+    private:
+        JsonCursor m_at;
+    };
+
+    /// None.
+    explicit JsonElements(JsonTree& tree);
+    Iterator begin() const;
+    Iterator end() const;
+    std::size_t size() const;
+
+private:
+    friend class JsonCursor;
+    JsonElements(JsonTree& tree, std::size_t array);
+
+    JsonCursor m_begin;
+    JsonCursor m_end;
+    std::size_t m_size;
 };
 
 /// An object that may hold only the given keys.
@@ -74,7 +128,7 @@ public:
     std::optional<int> optionalInteger(char const* key, int least, int most) const;
 
     /// The elements of an array; none when the key is absent.
-    std::vector<JsonCursor> elements(char const* key) const;
+    JsonElements elements(char const* key) const;
 
 private:
     JsonCursor m_cursor;

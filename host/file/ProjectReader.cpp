@@ -24,6 +24,11 @@ constexpr int VERSION = 1;
 constexpr qint64 MAX_FILE_BYTES = 1LL << 30;
 constexpr int MAX_FRAME = 10'000'000;
 constexpr int MAX_RASTER = 65'536;
+constexpr std::size_t MAX_VIEWS = 100;
+
+/// Groups that lie in one another; whoever asks a layer whether it is seen goes through
+/// all that hold it.
+constexpr int MAX_GROUP_DEPTH = 64;
 
 LensModel readLens(JsonCursor const& cursor, int frameCount)
 {
@@ -154,7 +159,7 @@ GroupModel readGroup(JsonCursor const& cursor, QSet<QString>& names, ClipModel c
 
 std::array<double, 8> readCorners(JsonCursor const& cursor)
 {
-    std::vector<double> const& numbers = cursor.numbers(8);
+    std::vector<double> const numbers = cursor.takeNumbers(8);
     std::array<double, 8> corners;
     std::copy(numbers.begin(), numbers.end(), corners.begin());
     return corners;
@@ -182,7 +187,7 @@ TrackModel readTrack(JsonCursor const& cursor, LayerModel const& layer, ClipMode
     TrackModel track;
     track.view = object.string("view", QString());
     JsonCursor const homographies = object.required("homographies");
-    track.homographies = homographies.numbers();
+    track.homographies = homographies.takeNumbers();
     if (track.homographies.size() % 9 != 0)
     {
         homographies.fail(
@@ -259,10 +264,12 @@ public:
             version.fail(QStringLiteral("this program reads version %1 of the project file").arg(VERSION));
         }
         m_project.frameRate = object.number("frameRate", m_project.frameRate, 0.001, 100'000);
-        readClips(object.required("clips"));
+        readClips(object);
         readViews(object);
         readGroups(object);
-        for (JsonCursor const& layer : object.elements("layers"))
+        JsonElements const layers = limitedElements(object, "layers", MAX_RECORDS);
+        m_project.layers.reserve(layers.size());
+        for (JsonCursor const& layer : layers)
         {
             m_project.layers.push_back(readLayer(layer));
         }
@@ -275,11 +282,15 @@ public:
     }
 
 private:
-    void readClips(JsonCursor const& cursor)
+    void readClips(JsonObject const& object)
     {
-        for (JsonCursor const& clip : cursor.elements())
+        JsonCursor const cursor = object.required("clips");
+        JsonElements const clips = limitedElements(object, "clips", MAX_RECORDS);
+        m_project.clips.reserve(clips.size());
+        for (JsonCursor const& clip : clips)
         {
             m_project.clips.push_back(readClip(clip, m_clipNames));
+            m_clipIndices.insert(m_project.clips.back().name, m_project.clips.size() - 1);
         }
         if (m_project.clips.empty())
         {
@@ -295,7 +306,7 @@ private:
             return;
         }
         m_project.views.clear();
-        for (JsonCursor const& view : cursor->elements())
+        for (JsonCursor const& view : limitedElements(object, "views", MAX_VIEWS))
         {
             QString const name = view.string();
             if (name.isEmpty() || m_project.views.contains(name))
@@ -312,50 +323,60 @@ private:
 
     void readGroups(JsonObject const& object)
     {
-        std::vector<JsonCursor> const cursors = object.elements("groups");
-        for (JsonCursor const& group : cursors)
+        JsonElements const elements = limitedElements(object, "groups", MAX_RECORDS);
+        m_project.groups.reserve(elements.size());
+        QHash<QString, int> indices;
+        for (JsonCursor const& group : elements)
         {
             m_project.groups.push_back(readGroup(group, m_groupNames, m_project.clips.front()));
+            indices.insert(m_project.groups.back().name, indices.size());
         }
-        QHash<QString, QString> parents;
+        std::vector<int> parents;
         for (GroupModel const& group : m_project.groups)
         {
-            parents.insert(group.name, group.parent);
+            parents.push_back(indices.value(group.parent, -1));
         }
-        for (std::size_t i = 0; i < cursors.size(); ++i)
+        int index = 0;
+        for (JsonCursor const& group : elements)
         {
-            checkParents(cursors[i], m_project.groups[i], parents);
+            checkParents(group, index, parents);
+            ++index;
         }
     }
 
-    // Follows the parents up; more steps than there are groups is a ring.
-    void checkParents(JsonCursor const& cursor, GroupModel const& group, QHash<QString, QString> const& parents) const
+    // Follows the parents up. Only where that goes too deep, whether it ends at all.
+    void checkParents(JsonCursor const& cursor, int group, std::vector<int> const& parents) const
     {
-        if (!group.parent.isEmpty() && !m_groupNames.contains(group.parent))
+        QString const& parent = m_project.groups[static_cast<std::size_t>(group)].parent;
+        if (!parent.isEmpty() && parents[static_cast<std::size_t>(group)] < 0)
         {
-            cursor.fail(QStringLiteral("there is no group \"%1\" to be the parent").arg(group.parent));
+            cursor.fail(QStringLiteral("there is no group \"%1\" to be the parent").arg(parent));
         }
-        QString above = group.parent;
-        for (int steps = 0; !above.isEmpty(); ++steps)
+        auto const endsWithin = [&](std::size_t most)
         {
-            if (steps > parents.size())
+            int above = group;
+            for (std::size_t depth = 0; depth < most && above >= 0; ++depth)
             {
-                cursor.fail(QStringLiteral("the group lies inside itself"));
+                above = parents[static_cast<std::size_t>(above)];
             }
-            above = parents.value(above);
+            return above < 0;
+        };
+        if (!endsWithin(MAX_GROUP_DEPTH))
+        {
+            cursor.fail(endsWithin(parents.size())
+                            ? QStringLiteral("groups lie in one another deeper than %1 levels").arg(MAX_GROUP_DEPTH)
+                            : QStringLiteral("the group lies inside itself"));
         }
     }
 
     ClipModel const& clipOf(JsonObject const& object, QString const& name) const
     {
-        for (ClipModel const& clip : m_project.clips)
+        auto const found = m_clipIndices.constFind(name);
+        if (found == m_clipIndices.constEnd() && !name.isEmpty())
         {
-            if (name.isEmpty() || clip.name == name)
-            {
-                return clip;
-            }
+            object.required("clip").fail(QStringLiteral("there is no clip \"%1\"").arg(name));
         }
-        object.required("clip").fail(QStringLiteral("there is no clip \"%1\"").arg(name));
+        return m_project.clips[name.isEmpty() ? 0 : *found];
     }
 
     LayerModel readLayer(JsonCursor const& cursor)
@@ -390,7 +411,9 @@ private:
         layer.moving = object.boolean("moving", false);
         readSurface(object.required("surface"), layer, clip);
         readTracks(object, layer, clip);
-        for (JsonCursor const& key : object.elements("adjust"))
+        JsonElements const adjust = object.elements("adjust");
+        layer.adjust.reserve(adjust.size());
+        for (JsonCursor const& key : adjust)
         {
             layer.adjust.push_back(readAdjustKey(key, layer, clip));
         }
@@ -481,7 +504,7 @@ private:
         {
             return;
         }
-        std::vector<double> const& numbers = cursor->numbers(2);
+        std::vector<double> const numbers = cursor->takeNumbers(2);
         for (double const number : numbers)
         {
             if (number < 0 || number > lastFrame || number != static_cast<int>(number))
@@ -500,6 +523,7 @@ private:
 
     ProjectModel m_project;
     QSet<QString> m_clipNames;
+    QHash<QString, std::size_t> m_clipIndices;
     QSet<QString> m_groupNames;
 };
 
@@ -507,8 +531,8 @@ private:
 
 ProjectModel readProject(QByteArray const& json, QString const& fileName)
 {
-    JsonValue const tree = parseJson(json, fileName);
-    return ProjectReader().read(JsonCursor(tree, fileName));
+    JsonTree tree(json, fileName);
+    return ProjectReader().read(JsonCursor(tree));
 }
 
 ProjectModel readProjectFile(QString const& path)
@@ -525,13 +549,15 @@ ProjectModel readProjectFile(QString const& path)
     {
         throw refuse(QStringLiteral("larger than %1 bytes").arg(MAX_FILE_BYTES));
     }
-    QByteArray const bytes = file.readAll();
+    QByteArray bytes = file.readAll();
     // An error behind the first bytes shows as missing ones only.
     if (file.error() != QFileDevice::NoError || bytes.size() < file.size())
     {
         throw refuse(QStringLiteral("can't be read (%1)").arg(file.errorString()));
     }
-    return readProject(bytes, path);
+    JsonTree tree(bytes, path);
+    bytes.clear();
+    return ProjectReader().read(JsonCursor(tree));
 }
 
 }

@@ -6,6 +6,16 @@
 namespace MarloHost
 {
 
+JsonElements limitedElements(JsonObject const& object, char const* key, std::size_t most)
+{
+    JsonElements const elements = object.elements(key);
+    if (elements.size() > most)
+    {
+        object.required(key).fail(QStringLiteral("%1 elements; at most %2 are read").arg(elements.size()).arg(most));
+    }
+    return elements;
+}
+
 QString uniqueName(JsonObject const& object, QSet<QString>& taken)
 {
     JsonCursor const name = object.required("name");
@@ -31,7 +41,7 @@ void readKeyed(JsonObject const& object, char const* key, int frameCount, double
     {
         return;
     }
-    if (cursor->value().kind != JsonValue::Object)
+    if (cursor->kind() != JsonNode::Object)
     {
         number.value = cursor->number(least, most);
         return;
@@ -39,7 +49,7 @@ void readKeyed(JsonObject const& object, char const* key, int frameCount, double
     JsonObject const keys(*cursor, {"frames", "values"});
     number.frames = keys.required("frames").ascendingIntegers(0, frameCount - 1);
     JsonCursor const values = keys.required("values");
-    number.values = values.numbers(number.frames.size());
+    number.values = values.takeNumbers(number.frames.size());
     if (number.values.empty())
     {
         cursor->fail(QStringLiteral("keys without an entry; give a number instead"));

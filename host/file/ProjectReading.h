@@ -10,6 +10,13 @@
 namespace MarloHost
 {
 
+/// Most clips, groups, layers, feature sets and assets, each: what a program keeps of one
+/// is more than the few bytes that it takes to write it.
+constexpr std::size_t MAX_RECORDS = 20'000;
+
+/// The elements of an array with no more than `most`; none when the key is absent.
+JsonElements limitedElements(JsonObject const& object, char const* key, std::size_t most);
+
 /// The required "name", not empty and not in `taken`, to which it is added.
 QString uniqueName(JsonObject const& object, QSet<QString>& taken);
 

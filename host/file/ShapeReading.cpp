@@ -17,7 +17,7 @@ constexpr int MAX_VERTICES = 10'000'000;
 
 std::array<int, 4> readColour(JsonCursor const& cursor)
 {
-    cursor.numbers(4);
+    cursor.expectNumbers(4);
     std::vector<int> const numbers = cursor.integers(0, 255);
     return {numbers[0], numbers[1], numbers[2], numbers[3]};
 }
@@ -70,6 +70,7 @@ public:
         m_contour.active = m_object.boolean("active", true);
         readVeilML();
         JsonCursor const keys = m_object.required("keys");
+        m_contour.keys.reserve(keys.elements().size());
         for (JsonCursor const& key : keys.elements())
         {
             readKey(key);
@@ -163,7 +164,7 @@ private:
 
     std::vector<double> readEdge(JsonCursor const& cursor) const
     {
-        std::vector<double> const& numbers = cursor.numbers();
+        std::vector<double> numbers = cursor.takeNumbers();
         std::size_t const stride = m_contour.stride();
         std::size_t const least = m_contour.xspline ? 3 : 2;
         if (numbers.size() % stride != 0 || numbers.size() < least * stride)
@@ -207,7 +208,7 @@ MeshTrackModel readMeshTrack(JsonCursor const& cursor, int vertexCount, LayerMod
     MeshTrackModel track;
     track.view = object.string("view", QString());
     JsonCursor const positions = object.required("positions");
-    track.positions = positions.numbers();
+    track.positions = positions.takeNumbers();
     std::size_t const numbersPerFrame = static_cast<std::size_t>(vertexCount) * 2;
     if (track.positions.empty() || track.positions.size() % numbersPerFrame != 0)
     {
@@ -270,7 +271,9 @@ void readLayerShapes(JsonObject const& object, LayerModel& layer, ClipModel cons
     {
         layer.overlayColour = readColour(*colour);
     }
-    for (JsonCursor const& contour : object.elements("contours"))
+    JsonElements const contours = object.elements("contours");
+    layer.contours.reserve(contours.size());
+    for (JsonCursor const& contour : contours)
     {
         layer.contours.push_back(ContourReader(contour, layer, clip, views).read());
     }

@@ -15,7 +15,7 @@ constexpr double MOST_SCALE = 1e9;
 
 std::vector<double> numbersInRange(JsonCursor const& cursor, std::size_t count, double least, double most)
 {
-    std::vector<double> const& numbers = cursor.numbers(count);
+    std::vector<double> numbers = cursor.takeNumbers(count);
     for (double const number : numbers)
     {
         if (number < least || number > most)
@@ -34,19 +34,19 @@ PoseModel readPoseKeys(JsonObject const& object, int frameCount)
     std::size_t samples = 1;
     if (object.optional("frames") || object.optional("firstFrame"))
     {
-        std::vector<double> const& numbers = positions.numbers();
-        if (numbers.empty() || numbers.size() % 3 != 0)
+        std::size_t const count = positions.numberCount();
+        if (count == 0 || count % 3 != 0)
         {
             positions.fail(
-                QStringLiteral("%1 numbers; expected three for each frame, and one frame or more").arg(numbers.size()));
+                QStringLiteral("%1 numbers; expected three for each frame, and one frame or more").arg(count));
         }
-        samples = numbers.size() / 3;
+        samples = count / 3;
         pose.frames = readFrames(object, 0, frameCount, samples, "positions");
     }
-    pose.positions = positions.numbers(samples * 3);
+    pose.positions = positions.takeNumbers(samples * 3);
     if (std::optional<JsonCursor> const rotations = object.optional("rotations"))
     {
-        pose.rotations = rotations->numbers(samples * 3);
+        pose.rotations = rotations->takeNumbers(samples * 3);
     }
     if (std::optional<JsonCursor> const scales = object.optional("scales"))
     {
@@ -80,18 +80,20 @@ PoseModel readObjectPose(JsonObject const& holder, bool isMoving, int frameCount
 
 QStringList readNames(JsonCursor const& cursor, int count)
 {
+    JsonElements const elements = cursor.elements();
+    if (elements.size() != static_cast<std::size_t>(count))
+    {
+        cursor.fail(QStringLiteral("%1 names for %2 points").arg(elements.size()).arg(count));
+    }
     QStringList names;
-    for (JsonCursor const& element : cursor.elements())
+    names.reserve(count);
+    for (JsonCursor const& element : elements)
     {
         names.append(element.string());
         if (names.back().isEmpty())
         {
             element.fail(QStringLiteral("a name must not be empty"));
         }
-    }
-    if (names.size() != count)
-    {
-        cursor.fail(QStringLiteral("%1 names for %2 points").arg(names.size()).arg(count));
     }
     return names;
 }
@@ -101,7 +103,7 @@ PointCloudModel readPointKeys(JsonObject const& object, int frameCount)
 {
     PointCloudModel points;
     JsonCursor const positions = object.required("positions");
-    points.positions = positions.numbers();
+    points.positions = positions.takeNumbers();
     if (std::optional<JsonCursor> const frames = object.optional("frames"))
     {
         points.frames = frames->ascendingIntegers(0, frameCount - 1);
@@ -132,7 +134,7 @@ PointCloudModel readPointKeys(JsonObject const& object, int frameCount)
     }
     if (std::optional<JsonCursor> const uvs = object.optional("uvs"))
     {
-        points.uvs = uvs->numbers(2 * static_cast<std::size_t>(count));
+        points.uvs = uvs->takeNumbers(2 * static_cast<std::size_t>(count));
     }
     return points;
 }
@@ -179,7 +181,9 @@ public:
         solve.referenceFrame = object.integer("referenceFrame", 0, 0, m_frameCount - 1);
         solve.legacy = object.boolean("legacy", false);
         QSet<QString> names;
-        for (JsonCursor const& features : object.elements("features"))
+        JsonElements const sets = limitedElements(object, "features", MAX_RECORDS);
+        solve.features.reserve(sets.size());
+        for (JsonCursor const& features : sets)
         {
             solve.features.push_back(readFeatures(features, names));
         }
@@ -187,7 +191,9 @@ public:
         {
             readRoot(*root, solve);
         }
-        for (JsonCursor const& asset : object.elements("assets"))
+        JsonElements const assets = limitedElements(object, "assets", MAX_RECORDS);
+        solve.assets.reserve(assets.size());
+        for (JsonCursor const& asset : assets)
         {
             solve.assets.push_back(readAsset(asset));
         }

@@ -123,13 +123,12 @@ private:
         {
             return nullptr;
         }
-        auto const found = std::find_if(m_groups.begin(), m_groups.end(),
-                                        [&](auto const& candidate) { return candidate->name() == name; });
-        if (found == m_groups.end())
+        Korvane::LayerGroup* const found = m_groupByName.value(name, nullptr);
+        if (!found)
         {
             dangling("group", name);
         }
-        return found->get();
+        return found;
     }
 
     // A parent may stand behind its child in the file, so the records are made
@@ -144,6 +143,10 @@ private:
             data->textId = QStringLiteral("group-%1").arg(m_groups.size() + 1);
             records.push_back(data.get());
             m_groups.push_back(boost::make_shared<Korvane::LayerGroup>(std::move(data)));
+            if (!m_groupByName.contains(model.name))
+            {
+                m_groupByName.insert(model.name, m_groups.back().get());
+            }
         }
         for (Korvane::LayerGroup::Data* record : records)
         {
@@ -266,6 +269,7 @@ private:
     KORV_ProjectManager::Data& m_project;
     ProjectModel const& m_model;
     std::vector<boost::shared_ptr<Korvane::LayerGroup>> m_groups;
+    QHash<QString, Korvane::LayerGroup*> m_groupByName;
 };
 
 class StderrCallbacks : public Korvane::Callbacks

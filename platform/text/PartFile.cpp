@@ -1,7 +1,8 @@
 #include "text/PartFile.h"
 
-#include <QFile>
+#include "text/PartFileTarget.h"
 
+#include <algorithm>
 #include <atomic>
 #include <cerrno>
 #include <climits>
@@ -10,8 +11,10 @@
 #include <cstring>
 #include <fcntl.h>
 #include <optional>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
+#include <utility>
 
 namespace Text
 {
@@ -95,97 +98,45 @@ private:
     bool m_isOurs = false;
 };
 
-/// Where a write goes once links are followed.
-struct Target
+/// A part file that is being written.
+struct PartFile
 {
     QByteArray path;
+    Descriptor file;
 
-    /// Of the file that stands there; unset for a new one.
-    std::optional<struct stat> old;
-
-    /// Up to and with the last slash; empty for the current folder.
-    QByteArray folder() const
-    {
-        return path.left(path.lastIndexOf('/') + 1);
-    }
-
-    QByteArray name() const
-    {
-        return path.mid(path.lastIndexOf('/') + 1);
-    }
+    /// The same file once more: its lock stays until the part file has found its place.
+    Descriptor lock;
 };
 
-/// The path that a chain of links ends at, whether something stands there or not.
-/// Unset for a chain without an end.
-std::optional<QByteArray> followLinks(QByteArray path)
+/// Holds the part file against sweepPartFiles(). False when that was faster, and has
+/// removed the file or is at it.
+bool lockPart(int file)
 {
-    constexpr int mostLinks = 40;
-    for (int i = 0; i < mostLinks; ++i)
-    {
-        char text[PATH_MAX];
-        ssize_t const size = ::readlink(path.constData(), text, sizeof text);
-        if (size < 0)
-            return path;
-        QByteArray const link(text, static_cast<int>(size));
-        // The kernel, not a rewriting of the text, resolves "..": a folder on the way may be a link too.
-        path = link.startsWith('/') ? link : path.left(path.lastIndexOf('/') + 1) + link;
-    }
-    return std::nullopt;
+    if (::flock(file, LOCK_EX | LOCK_NB) != 0)
+        return errno != EWOULDBLOCK; // a file system without locks isn't swept either
+    struct stat created;
+    return ::fstat(file, &created) == 0 && created.st_nlink > 0;
 }
 
-/// Unset when nothing can be written there.
-std::optional<Target> findTarget(QString const& path)
-{
-    if (path.contains(QChar::Null))
-        return std::nullopt;
-    auto const resolved = followLinks(QFile::encodeName(path));
-    // A link may hold bytes that are no text in this locale: then QFile can't reach its folder.
-    if (!resolved || QFile::encodeName(QFile::decodeName(*resolved)) != *resolved)
-        return std::nullopt;
-    Target target{*resolved, std::nullopt};
-    if (target.name().isEmpty())
-        return std::nullopt;
-    struct stat old;
-    if (::stat(target.path.constData(), &old) != 0)
-        return errno == ENOENT ? std::make_optional(target) : std::nullopt;
-    if (!S_ISREG(old.st_mode) || ::faccessat(AT_FDCWD, target.path.constData(), W_OK, AT_EACCESS) != 0)
-        return std::nullopt;
-    target.old = old;
-    return target;
-}
-
-/// ".NAME.PID.part", NAME cut so that the whole is a legal file name. Attempts
-/// after the first add their number.
-QString partName(Target const& target, int attempt)
-{
-    QByteArray const folder = target.folder();
-    long const limit = ::pathconf(folder.isEmpty() ? "." : folder.constData(), _PC_NAME_MAX);
-    long const longest = limit > 0 ? limit : NAME_MAX;
-    QString tail = QStringLiteral(".%1").arg(::getpid());
-    if (attempt > 0)
-        tail += QStringLiteral("-%1").arg(attempt);
-    tail += QLatin1String(".part");
-    QString name = QFile::decodeName(target.name());
-    while (!name.isEmpty() && 1 + QFile::encodeName(name).size() + tail.size() > longest)
-        name.chop(name.size() > 1 && name.at(name.size() - 1).isLowSurrogate() ? 2 : 1);
-    return QLatin1Char('.') + name + tail;
-}
-
-/// Creates the part file, and never opens one that was there before: it may have
-/// been left by a process that was killed, or belong to one on another machine.
-bool createPart(QFile& part, Target const& target)
+/// Creates the part file, and never opens one that was there before: it may belong to
+/// a process on another machine.
+std::optional<PartFile> createPart(PartFileTarget const& target)
 {
     constexpr int mostAttempts = 100;
+    constexpr mode_t anyNewFile = S_IRUSR | S_IWUSR | S_IRGRP | S_IWGRP | S_IROTH | S_IWOTH;
     for (int attempt = 0; attempt < mostAttempts; ++attempt)
     {
-        part.setFileName(QFile::decodeName(target.folder()) + partName(target, attempt));
-        if (part.open(QIODevice::WriteOnly | QIODevice::NewOnly))
-            return true;
-        struct stat other;
-        if (::lstat(QFile::encodeName(part.fileName()).constData(), &other) != 0)
-            return false;
+        QByteArray const path = target.folder() + target.partName(attempt);
+        Descriptor file(::open(path.constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, anyNewFile));
+        if (file && lockPart(file.number()))
+        {
+            Descriptor lock(::fcntl(file.number(), F_DUPFD_CLOEXEC, 0));
+            return PartFile{path, std::move(file), std::move(lock)};
+        }
+        if (!file && errno != EEXIST)
+            return std::nullopt;
     }
-    return false;
+    return std::nullopt;
 }
 
 /// Gives the part file what the old file had, before it holds anything that others
@@ -205,32 +156,76 @@ bool takeOver(struct stat const& old, int part)
     return isSame || ::fchmod(part, old.st_mode & permissions) == 0;
 }
 
-bool writeAndClose(QFile& part, QByteArray const& bytes)
+bool writeAll(int file, QByteArray const& bytes)
 {
-    bool const isWritten = part.write(bytes) == bytes.size() && part.flush();
-    part.close();
-    return isWritten && part.error() == QFileDevice::NoError;
+    char const* at = bytes.constData();
+    char const* const end = at + bytes.size();
+    while (at < end)
+    {
+        ssize_t const count = ::write(file, at, static_cast<std::size_t>(end - at));
+        if (count < 0 && errno != EINTR)
+            return false;
+        at += std::max<ssize_t>(count, 0);
+    }
+    return true;
+}
+
+/// Gives the part file a name that nothing has, or fails with EEXIST.
+bool renameToNew(char const* part, char const* target)
+{
+    if (::renameat2(AT_FDCWD, part, AT_FDCWD, target, RENAME_NOREPLACE) == 0)
+        return true;
+    if (errno != EINVAL && errno != ENOSYS)
+        return false;
+    // Network file systems lack this way of renaming, some others hard links as well.
+    if (::link(part, target) == 0)
+        return ::unlink(part) == 0;
+    if (errno == EEXIST)
+        return false;
+    SignalsHeld const signalsHeld;
+    Descriptor const claim(::open(target, O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, S_IRUSR | S_IWUSR));
+    if (!claim || std::rename(part, target) == 0)
+        return static_cast<bool>(claim);
+    int const error = errno;
+    ::unlink(target);
+    errno = error;
+    return false;
+}
+
+bool fillAndPlace(PartFile& part, PartFileTarget const& target, QByteArray const& bytes, Existing existing)
+{
+    if ((target.old && !takeOver(*target.old, part.file.number())) || !writeAll(part.file.number(), bytes) ||
+        !part.file.close())
+        return false;
+    return existing == Existing::Keep ? renameToNew(part.path.constData(), target.path.constData())
+                                      : std::rename(part.path.constData(), target.path.constData()) == 0;
 }
 
 }
 
-bool writeWholeFile(QString const& path, QByteArray const& bytes)
+bool writeWholeFile(QString const& path, QByteArray const& bytes, Existing existing)
 {
-    auto const target = findTarget(path);
+    auto const target = findPartFileTarget(path);
     if (!target)
         return false;
-    QFile part;
-    std::optional<SignalsHeld> signalsHeld(std::in_place);
-    if (!createPart(part, *target))
+    if (target->old && existing == Existing::Keep)
+    {
+        errno = EEXIST;
         return false;
-    QByteArray const partPath = QFile::encodeName(part.fileName());
-    KnownPartFile const known(partPath);
+    }
+    std::optional<SignalsHeld> signalsHeld(std::in_place);
+    auto part = createPart(*target);
+    if (!part)
+        return false;
+    KnownPartFile const known(part->path);
     signalsHeld.reset();
 
-    bool const isPrepared = !target->old || takeOver(*target->old, part.handle());
-    if (isPrepared && writeAndClose(part, bytes) && std::rename(partPath.constData(), target->path.constData()) == 0)
+    if (fillAndPlace(*part, *target, bytes, existing))
         return true;
-    ::unlink(partPath.constData());
+    int const error = errno;
+    ::unlink(part->path.constData());
+    part.reset();
+    errno = error;
     return false;
 }
 

@@ -3,9 +3,19 @@
 
 #include <QByteArray>
 #include <QString>
+#include <QStringList>
 
 namespace Text
 {
+
+/// What a write does about a file that stands at its target.
+enum class Existing
+{
+    Replace,
+
+    /// Leaves it and fails, also when it appears while the write is under way.
+    Keep
+};
 
 /// Makes `bytes` the content of the file at `path`.
 ///
@@ -16,10 +26,18 @@ namespace Text
 /// one keeps its permissions, and its owner and group as far as this process may
 /// set them. Other hard links to a replaced file keep the old content.
 ///
-/// @return false, with no part file left and an old target as it was, when the
-///         target exists but isn't a regular file that may be written, when its
-///         folder is missing or read-only, or when anything fails on the way
-bool writeWholeFile(QString const& path, QByteArray const& bytes);
+/// @return false, with no part file left, an old target as it was and the reason in
+///         errno, when the target exists but isn't a regular file that may be written,
+///         when its folder is missing or read-only, or when anything fails on the way;
+///         EEXIST says that a file was kept
+bool writeWholeFile(QString const& path, QByteArray const& bytes, Existing existing = Existing::Replace);
+
+/// Removes the part files for these targets that processes left which were killed.
+///
+/// Those of a process that lives, on this machine, are locked, and stay; so does what
+/// belongs to somebody else. On network file systems, whose locks may end at the
+/// machine, nothing is removed. A folder is read once for all targets in it.
+void sweepPartFiles(QStringList const& targets);
 
 /// Removes the part file that writeWholeFile is writing in this process at this
 /// moment, if any. A write that goes on afterwards fails and returns false.

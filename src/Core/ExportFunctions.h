@@ -58,7 +58,8 @@ public:
     virtual QString askSavePath(ExportFileInfo const& fileInfo, QString const& directory,
                                 QString const& suggestedPath) = 0;
 
-    /// Whether to write this file, which may exist.
+    /// Whether to write this file, which may exist. Asked once more when it didn't, and
+    /// was made by somebody else before it could be written.
     virtual bool confirmWrite(QString const& path) = 0;
 
     virtual ~ExportMessageBoxProvider();

@@ -66,6 +66,11 @@ MARLO_EXPORT_API std::string serialisePresets(QHash<QString, Preset> const& pres
 /// @throws std::ios_base::failure when the stream can't be read
 MARLO_EXPORT_API QHash<QString, Preset> deserialisePresets(std::istream& stream);
 
+/// The same, and says where it fails.
+/// @param place takes the JSON path of what can't be read, such as
+///        "$.presets[0].exports[1].options.invert"; "$" for the text as a whole
+MARLO_EXPORT_API QHash<QString, Preset> deserialisePresets(std::istream& stream, std::string& place);
+
 /// @throws KORV_BadFile when the file can't be read or has another version than 1
 /// @throws KORV_ExternalException with the parser's words for all else that
 ///         deserialisePresets refuses

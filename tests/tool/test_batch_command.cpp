@@ -292,7 +292,7 @@ TEST_F(Batch, WhatEndsItBeforeItBegins)
         int status;
         char const* words;
     } const cases[] = {
-        {{"shot.json", "none.json"}, 3, "Failed to open preset file: none.json"},
+        {{"shot.json", "none.json"}, 3, "none.json: can't be opened (No such file or directory)"},
         {{"shot.json", "bad.json"}, 3, "bad.json: "},
         {{"shot.json", "shot.json"}, 3, "shot.json: "},
         {{"none.json", "show/p.json"}, 3, "none.json: can't be opened"},

@@ -212,7 +212,7 @@ TEST_F(ExportCommand, ExistingFilesStayUnlessToldOtherwise)
     ToolResult const onFolder =
         folder.run({"export", "crowd.json", PIN, "--layer", "Floor", "-o", "pin", "--overwrite"});
     EXPECT_EQ(onFolder.status, 1);
-    EXPECT_EQ(onFolder.err, "marlo-export: Could not write to file pin.txt\n");
+    EXPECT_EQ(onFolder.err, "marlo-export: Could not write to file pin.txt: Is a directory\n");
 }
 
 TEST_F(ExportCommand, FailedFramesAreWrittenAndToldOrStopIt)

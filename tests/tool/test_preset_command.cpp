@@ -118,14 +118,14 @@ TEST_F(PresetCommand, RefusalsLeaveTheFileAsItWas)
         {{"add", "p.json", "x", PIN, "--clip", "c"}, 2, "--clip"},
         {{"add", "p.json", "x"}, 2, "FORMAT is required"},
         {{"remove", "p.json", "x"}, 2, "there is no preset \"x\"; found \"old\""},
-        {{"remove", "none.json", "x"}, 3, "Failed to open preset file: none.json"},
-        {{"list", "none.json"}, 3, "Failed to open preset file: none.json"},
-        {{"list", "."}, 3, "Failed to open preset file: ."},
+        {{"remove", "none.json", "x"}, 3, "none.json: can't be opened (No such file or directory)"},
+        {{"list", "none.json"}, 3, "none.json: can't be opened (No such file or directory)"},
+        {{"list", "."}, 3, ".: can't be read (Is a directory)"},
         {{"list", "bad.json"}, 3, "bad.json: "},
         {{"add", "bad.json", "x", PIN}, 3, "bad.json: "},
         {{"remove", "bad.json", "x"}, 3, "bad.json: "},
-        {{"add", "later.json", "x", PIN}, 3, "later.json: Bad preset file version."},
-        {{"add", "p.json/p.json", "x", PIN}, 1, "p.json/p.json: Failed to open preset file"},
+        {{"add", "later.json", "x", PIN}, 3, "later.json: $.version: this program reads version 1"},
+        {{"add", "p.json/p.json", "x", PIN}, 1, "Could not write to file p.json/p.json: Not a directory"},
         {{"rename", "p.json"}, 2, "no command \"rename\"; there are list, add, remove"},
     };
     for (auto const& [arguments, status, words] : cases)
@@ -158,7 +158,7 @@ TEST_F(PresetCommand, AFailingWriteLeavesTheOldFile)
     {
         ToolResult const result = folder.run(QStringList("preset") + arguments, allowNoBytes);
         EXPECT_EQ(result.status, 1);
-        EXPECT_EQ(result.err, "marlo-export: p.json: Failed to open preset file\n");
+        EXPECT_EQ(result.err, "marlo-export: Could not write to file p.json: File too large\n");
         EXPECT_EQ(folder.read("p.json"), OLD);
         EXPECT_EQ(folder.files(), QStringList("p.json")) << "no part file stays";
     }

@@ -12,6 +12,7 @@
 #include <QFileInfo>
 
 #include <algorithm>
+#include <cerrno>
 #include <cmath>
 #include <set>
 #include <stdexcept>
@@ -64,11 +65,12 @@ void recordUse(ExporterWrapper const& wrapper, KORV_ProjectManager const& projec
 }
 
 /// Whether a folder that doesn't exist could be made: its nearest existing ancestor
-/// must be a folder that files can be made in.
+/// must be a folder that files can be made in. There is none when the working folder
+/// was removed, and paths that start from it stay relative.
 bool canBeCreated(QString const& directory)
 {
     QString ancestor = QFileInfo(directory).absolutePath();
-    while (!QFileInfo::exists(ancestor) && ancestor != QDir::rootPath())
+    while (!QFileInfo::exists(ancestor) && QDir::isAbsolutePath(ancestor) && ancestor != QDir::rootPath())
     {
         ancestor = QFileInfo(ancestor).dir().absolutePath();
     }
@@ -118,24 +120,40 @@ void prepareDirectories(QMap<QString, QByteArray> const& files)
     }
 }
 
+/// Writes the file if the user agrees. What was agreed to as a new file never replaces
+/// one that has appeared in the meantime: the user is asked again, and sees it then.
+/// @return whether it was written
+bool writeFile(QString const& path, QByteArray const& bytes, ExportMessageBoxProvider& provider)
+{
+    Text::Existing existing = QFileInfo::exists(path) ? Text::Existing::Replace : Text::Existing::Keep;
+    while (provider.confirmWrite(path))
+    {
+        if (Text::writeWholeFile(path, bytes, existing))
+        {
+            return true;
+        }
+        if (errno != EEXIST || existing == Text::Existing::Replace)
+        {
+            QString const reason = qt_error_string(errno);
+            throwOperationFailed(SOURCE, __LINE__, QStringLiteral("writeFileMap"),
+                                 ExportFunctions::tr("Could not write to file %1").arg(path) + QStringLiteral(": ") +
+                                     reason);
+        }
+        existing = Text::Existing::Replace;
+    }
+    return false;
+}
+
 /// Writes the files that the user agrees to.
 /// @return how many
 int writeFileMap(Korvane::ExportedFiles const& result, ExportMessageBoxProvider& provider)
 {
     prepareDirectories(result.files);
+    Text::sweepPartFiles(result.files.keys());
     int count = 0;
     for (auto file = result.files.constBegin(); file != result.files.constEnd(); ++file)
     {
-        if (!provider.confirmWrite(file.key()))
-        {
-            continue;
-        }
-        if (!Text::writeWholeFile(file.key(), file.value()))
-        {
-            throwOperationFailed(SOURCE, __LINE__, QStringLiteral("writeFileMap"),
-                                 ExportFunctions::tr("Could not write to file %1").arg(file.key()));
-        }
-        ++count;
+        count += writeFile(file.key(), file.value(), provider) ? 1 : 0;
     }
     return count;
 }

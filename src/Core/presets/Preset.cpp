@@ -31,19 +31,6 @@ constexpr int VERSION = 1;
 constexpr std::size_t MOST_BYTES = 16 * 1024 * 1024;
 constexpr int MOST_LEVELS = 32;
 
-/// An element of "presets".
-struct NamedPreset
-{
-    QString name;
-    std::vector<Preset::ExportInfo> exports;
-};
-
-void from_json(json const& source, NamedPreset& preset)
-{
-    preset.exports = source.at("exports").get<std::vector<Preset::ExportInfo>>();
-    preset.name = QString::fromStdString(source.at("name").get<std::string>());
-}
-
 json toJson(QString const& name, Preset const& preset)
 {
     json exports = json::array();
@@ -117,7 +104,19 @@ void checkLevels(std::string const& text)
     }
 }
 
-QHash<QString, Preset> parsePresets(std::string const& text)
+void checkVersion(json const& root, std::string& place)
+{
+    // As a double: asked for an int, the library would take true and 1.5 for 1.
+    if (!root.contains("version") || readKey<double>(root, "version", place) == VERSION)
+    {
+        return;
+    }
+    place = ".version";
+    throwBadFile(SOURCE, __LINE__, QStringLiteral("Bad preset file version."), QString());
+}
+
+/// @param place as readAt() wants it
+QHash<QString, Preset> parsePresets(std::string const& text, std::string& place)
 {
     if (text.size() > MOST_BYTES)
     {
@@ -125,16 +124,19 @@ QHash<QString, Preset> parsePresets(std::string const& text)
     }
     checkLevels(text);
     json const root = json::parse(text);
-    // As a double: asked for an int, the library would take true and 1.5 for 1.
-    if (root.contains("version") && root.at("version").get<double>() != VERSION)
-    {
-        throwBadFile(SOURCE, __LINE__, QStringLiteral("Bad preset file version."), QString());
-    }
+    checkVersion(root, place);
     QHash<QString, Preset> presets;
-    for (NamedPreset& preset : root.at("presets").get<std::vector<NamedPreset>>())
+    auto const addPreset = [&](json const& source)
     {
-        presets.insert(preset.name, Preset(std::move(preset.exports)));
-    }
+        std::vector<Preset::ExportInfo> exports;
+        json const& stored = source.at("exports");
+        auto const addExport = [&](json const& element) { exports.push_back(readExport(element, place)); };
+        readAt(place, ".exports", [&] { readEach(stored, place, addExport); });
+        QString const name = QString::fromStdString(readKey<std::string>(source, "name", place));
+        presets.insert(name, Preset(std::move(exports)));
+    };
+    json const& stored = root.at("presets");
+    readAt(place, ".presets", [&] { readEach(stored, place, addPreset); });
     return presets;
 }
 
@@ -150,7 +152,12 @@ bool writeText(std::string const& text, QString const& path)
     // Qt names files in the encoding of the locale, which may lack letters of this name.
     QByteArray const name = QByteArray::fromStdString(Fnd::toFsPath(path).native());
     QString const qtName = QFile::decodeName(name);
-    return QFile::encodeName(qtName) == name && Text::writeWholeFile(qtName, QByteArray::fromStdString(text));
+    if (QFile::encodeName(qtName) != name)
+    {
+        return false;
+    }
+    Text::sweepPartFiles({qtName});
+    return Text::writeWholeFile(qtName, QByteArray::fromStdString(text));
 }
 
 }
@@ -176,7 +183,14 @@ std::string serialisePresets(QHash<QString, Preset> const& presets, bool pretty)
 
 QHash<QString, Preset> deserialisePresets(std::istream& stream)
 {
-    return parsePresets(readText(stream));
+    std::string place;
+    return deserialisePresets(stream, place);
+}
+
+QHash<QString, Preset> deserialisePresets(std::istream& stream, std::string& place)
+{
+    place.clear();
+    return readAt(place, "$", [&] { return parsePresets(readText(stream), place); });
 }
 
 QHash<QString, Preset> loadPresetsFromFile(QString const& path)
@@ -206,7 +220,8 @@ void writePresetsToFile(QHash<QString, Preset> const& presets, QString const& pa
     try
     {
         std::string const text = serialisePresets(presets, true);
-        parsePresets(text);
+        std::string place;
+        parsePresets(text, place);
         if (!writeText(text, path))
         {
             throw std::runtime_error("Failed to open preset file");
