@@ -198,19 +198,21 @@ Korvane::ContourPieces piecesOf(MaskLayer const& masks, Korvane::Contour const& 
                                   Anm::Context(masks.helper.outPoint(), masks.view), clip.width(), clip.height());
 }
 
-/// The motion that is left for the importer.
+/// The motion that is left for the importer, from the first exported frame on.
 Components motionComponents(MaskLayer const& masks, bool sparse)
 {
-    auto motion = masks.motion;
-    if (!sparse)
+    // The list counts frames from 0; on long clips those before the layer would fill memory.
+    auto motion = boost::shared_ptr<HomographyMap>(new HomographyMap);
+    for (int frame = masks.first; frame <= masks.last; ++frame)
     {
-        motion = boost::shared_ptr<HomographyMap>(new HomographyMap(*masks.motion));
-        for (Korvane::Contour::HomographyWithCamera& atFrame : *motion)
+        Korvane::Contour::HomographyWithCamera atFrame = masks.motion->value(contextAt(frame, masks.view));
+        if (!sparse)
         {
             atFrame.homography = Sabrel::Matrix33();
         }
+        motion->insert(motion->constEnd(), contextAt(frame - masks.first, masks.view), atFrame);
     }
-    return Korvane::ShapeExportHelper::buildComponentsList(motion, static_cast<unsigned int>(masks.last + 1));
+    return Korvane::ShapeExportHelper::buildComponentsList(motion, static_cast<unsigned int>(motion->size()));
 }
 
 /// A contour as it is written.
@@ -257,7 +259,7 @@ void writeMotion(AEExportBuilder& builder, MaskLayer const& masks, Components co
     {
         builder.addParamHeader(QString::fromLatin1(block.name), {});
         forEachFrame(masks.helper, [&](int, int frame)
-                     { builder.addValue(masks.exported(frame), components[frame].*block.component); });
+                     { builder.addValue(masks.exported(frame), components[frame - masks.first].*block.component); });
     }
 }
 
