@@ -82,7 +82,13 @@ TextBuffer& operator<<(TextBuffer& out, General number)
 TextBuffer& operator<<(TextBuffer& out, Fixed number)
 {
     out.require(LONGEST_NUMBER);
+    int const start = out.m_bytes.size();
     Text::appendFixed(out.m_bytes, number.value, number.decimals);
+    int const blanks = number.width - (out.m_bytes.size() - start);
+    if (blanks > 0)
+    {
+        out.m_bytes.insert(start, blanks, ' ');
+    }
     return out;
 }
 

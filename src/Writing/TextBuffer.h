@@ -101,11 +101,15 @@ struct General
     double value;
 };
 
-/// The number as `QString::number(value, 'f', decimals)` prints it.
+/// The number as `QString::number(value, 'f', decimals)` prints it, behind as many blanks as
+/// fill a column.
 struct Fixed
 {
     double value;
     int decimals;
+
+    /// Of the column, in characters; a longer number is written as it is.
+    int width = 0;
 };
 
 struct Integer
