@@ -124,6 +124,12 @@ QStringList lossesOf(Session& session, FormatEntry const& format, ExportedParts 
         {Export::HoldsFieldLifetimes, parts.layers, [](LayerFacts const& f) { return f.hasFieldLifetime; },
          "counts the lifetimes of interlaced layers in fields and their keys in frames: set the lifetimes of ",
          " in the target"},
+        {Export::HoldsOpen, parts.layers, [](LayerFacts const& f) { return f.hasOpenContour; },
+         "holds no open contours: those of layers ", " come closed"},
+        {Export::HoldsInvert, parts.layers, [](LayerFacts const& f) { return f.isInverted; },
+         "doesn't hold that layers are inverted: ", " come as they were before"},
+        {Export::HoldsSubtract, parts.layers, [](LayerFacts const& f) { return f.subtracts; },
+         "doesn't hold that layers subtract: ", " will add"},
     };
     QStringList lines;
     for (auto const& loss : losses)

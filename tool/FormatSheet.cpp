@@ -51,7 +51,10 @@ QStringList heldBy(FormatEntry const& entry)
                                           {HoldsHidden, "hidden"},
                                           {HoldsGroups, "groups"},
                                           {HoldsSecondClips, "secondClips"},
-                                          {HoldsFieldLifetimes, "fieldLifetimes"}});
+                                          {HoldsFieldLifetimes, "fieldLifetimes"},
+                                          {HoldsOpen, "open"},
+                                          {HoldsInvert, "invert"},
+                                          {HoldsSubtract, "subtract"}});
 }
 
 Json valueToJson(QVariant const& value)

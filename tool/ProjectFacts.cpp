@@ -53,6 +53,8 @@ LayerFacts factsOf(ProjectModel const& project, LayerModel const& layer)
 {
     ClipModel const& clip = clipOf(project, layer);
     LayerFacts facts;
+    facts.isInverted = layer.invert;
+    facts.subtracts = layer.subtract;
     facts.isInGroup = !layer.group.isEmpty();
     facts.clip = clip.name;
     facts.hasLens = clip.lens && distorts(*clip.lens);
@@ -66,6 +68,7 @@ LayerFacts factsOf(ProjectModel const& project, LayerModel const& layer)
         if (contour.active)
         {
             facts.contourNames += contour.name;
+            facts.hasOpenContour = facts.hasOpenContour || !contour.closed;
             facts.hasFeather =
                 facts.hasFeather || std::any_of(contour.keys.begin(), contour.keys.end(),
                                                 [](ContourKeyModel const& key) { return !key.feather.empty(); });

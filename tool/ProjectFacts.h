@@ -15,6 +15,9 @@ struct LayerFacts
     /// Of the contours that are switched on.
     QStringList contourNames;
     bool hasFeather = false;
+    bool hasOpenContour = false;
+    bool isInverted = false;
+    bool subtracts = false;
     bool isInGroup = false;
 
     /// Name of the clip that the layer was tracked on, and whether its lens distorts.

@@ -106,6 +106,35 @@ constexpr char FOOTER[] = "ChannelEnd\n"
 // Of a key with its six lines.
 constexpr qint64 KEY_LENGTH = 130;
 
+/// The sample nearest to the wanted one whose corners can all be written; the wanted one when
+/// there is none.
+int usableReference(TrackerSamples const& samples, int wanted)
+{
+    auto const isUsable = [&samples](int sample)
+    {
+        for (int corner = 0; corner < 4; ++corner)
+        {
+            TXI::Pos2 const at = samples.at(sample, corner);
+            if (!isWritable(at.x) || !isWritable(at.y))
+            {
+                return false;
+            }
+        }
+        return true;
+    };
+    for (int distance = 0; distance < samples.count(); ++distance)
+    {
+        for (int const sample : {wanted - distance, wanted + distance})
+        {
+            if (sample >= 0 && sample < samples.count() && isUsable(sample))
+            {
+                return sample;
+            }
+        }
+    }
+    return wanted;
+}
+
 struct Key
 {
     double frame;
@@ -219,7 +248,7 @@ Korvane::ExportedFiles KORV_IFFFSEStabilizerExporter::exportTracking(KORV_Projec
     m_helper.updateSurfacePoints(project, layerId, Anm::Context::Explicit(referenceFrame), options, nullptr);
 
     TrackerSamples const samples(m_helper);
-    int const referenceSample = samples.nearest(referenceFrame.frameValue());
+    int const referenceSample = usableReference(samples, samples.nearest(referenceFrame.frameValue()));
     TextBuffer text(QStringLiteral("Export a layer with a shorter range."));
     appendHeader(text, samples.frame(referenceSample));
     int const failedCount = appendPoints(text, samples, referenceSample);

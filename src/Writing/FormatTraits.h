@@ -52,7 +52,16 @@ enum FormatHold
     HoldsSecondClips = 8,
 
     /// Lifetimes of layers of interlaced clips, in the time that their keys are in.
-    HoldsFieldLifetimes = 16
+    HoldsFieldLifetimes = 16,
+
+    /// That a contour is open.
+    HoldsOpen = 32,
+
+    /// That a layer is what lies outside of its contours.
+    HoldsInvert = 64,
+
+    /// That a layer takes away from those below it.
+    HoldsSubtract = 128
 };
 Q_DECLARE_FLAGS(FormatHolds, FormatHold)
 Q_DECLARE_OPERATORS_FOR_FLAGS(FormatHolds)

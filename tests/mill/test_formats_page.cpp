@@ -173,7 +173,10 @@ QString sectionOf(FormatEntry const& entry, Evidence const& evidence)
                                      {HoldsHidden, "hidden state"},
                                      {HoldsGroups, "groups"},
                                      {HoldsSecondClips, "clips of several sizes and times"},
-                                     {HoldsFieldLifetimes, "lifetimes in fields"}}) +
+                                     {HoldsFieldLifetimes, "lifetimes in fields"},
+                                     {HoldsOpen, "open contours"},
+                                     {HoldsInvert, "inverted layers"},
+                                     {HoldsSubtract, "layers that subtract"}}) +
                 "; the export says what it leaves out of these.\n";
     }
     text += "- Verified: golden `" + evidence.golden + "`";

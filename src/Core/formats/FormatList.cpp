@@ -47,7 +47,15 @@ FormatTraits usualTraits(FormatKind kind)
     case FormatKind::Tracking:
         return {HonoursMotion | HonoursInvert | HonoursUndistort, NeedsTrack, "", "", "", UNKNOWN};
     case FormatKind::Shape:
-        return {HonoursLayers, NeedsContours, "", "", "", UNKNOWN, LeftOut::IsTold, Untracked::IsTold, HoldsFeather};
+        return {HonoursLayers,
+                NeedsContours,
+                "",
+                "",
+                "",
+                UNKNOWN,
+                LeftOut::IsTold,
+                Untracked::IsTold,
+                HoldsFeather | HoldsOpen | HoldsInvert | HoldsSubtract};
     case FormatKind::Camera:
         return {HonoursObjects, NeedsSolve, "", "", "", UNKNOWN};
     case FormatKind::Lens:

@@ -16,7 +16,8 @@ namespace
 
 constexpr FormatHonours IN_VIEWS(QFlag(HonoursLayers | HonoursViews));
 
-constexpr FormatHolds ROTO(QFlag(HoldsFeather | HoldsHidden));
+constexpr FormatHolds MODES(QFlag(HoldsOpen | HoldsInvert | HoldsSubtract));
+constexpr FormatHolds ROTO(QFlag(HoldsFeather | HoldsHidden | MODES));
 
 // What ends a quoted name of the tree, and what means something to Tcl around it.
 constexpr char TREE[] = "{}[]\"\\;$";
@@ -52,7 +53,7 @@ std::vector<ShapeRow> shapeRows()
          {HonoursLayers, NeedsContours, "", "Copy the text and paste it with Paste Marlo Mask in the Edit menu.",
           "Six significant digits; one view; contours that leave 30000 px around the picture are baked; rows that "
           "aren't finite are left out without a word.",
-          MASK, LeftOut::IsSilent, Untracked::IsTold, HoldsFeather | HoldsFieldLifetimes}},
+          MASK, LeftOut::IsSilent, Untracked::IsTold, HoldsFeather | HoldsFieldLifetimes | MODES}},
         {&F::NUKE_ROTO_PAINT_WITH_MATRIX,
          &Row::make<NukeRotoPaintExporter, true>,
          {IN_VIEWS, NeedsContours, TREE, PASTE_NODE, WITH_MATRIX, KEYED_ROTO, LeftOut::IsTold, Untracked::IsTold,
@@ -79,7 +80,7 @@ std::vector<ShapeRow> shapeRows()
          &Row::make<Korvane::GlimmersetShapeExporter>,
          {IN_VIEWS, NeedsContours, "", "Open the file in Glimmerset.",
           "No frames that stand in for others are marked; Veil ML contours are refused.", FXS, LeftOut::IsTold,
-          Untracked::IsTold, HoldsFeather | HoldsSecondClips | HoldsFieldLifetimes}},
+          Untracked::IsTold, HoldsFeather | HoldsSecondClips | HoldsFieldLifetimes | MODES}},
     };
 }
 

@@ -5,6 +5,8 @@
 
 #include "AfterEffects/AECornerPinExporters.h"
 #include "AfterEffects/AETransformExporter.h"
+#include "Autodesk/KORV_IFFFSEPointsExporter.h"
+#include "Autodesk/KORV_IFFFSEStabilizerExporter.h"
 #include "Host/TrackingExporter.h"
 #include "Nuke/MarloBlendTrackingExporter.h"
 #include "Nuke/NukeAsciiExporter.h"
@@ -28,6 +30,12 @@ constexpr char PASTE_KEYFRAMES[] =
     "Copy the text and paste it onto a layer, with the current time at the start of the clip.";
 constexpr char PASTE_NODE[] = "Paste the text into the node graph, or open the file as a script.";
 
+constexpr char LOAD_TRACKERS[] = "Load each file into the tracker of its number.";
+constexpr char LOAD_STABILIZER[] = "Load the setup in the stabilizer's menu.";
+
+constexpr char TRACKER_LIMITS[] = "Two decimals; one view; fields are half frames.";
+constexpr char STABILIZER_LIMITS[] =
+    "Six significant digits; one view; the centre has no tracker; fields are half frames.";
 constexpr char SIX_DIGITS[] = "Six significant digits.";
 constexpr char PIN_LIMITS[] = "Six significant digits; pins of interlaced material land one field height low.";
 constexpr char CURVE_LIMITS[] =
@@ -38,6 +46,8 @@ constexpr char CURVE_LIMITS[] =
 constexpr double KEYFRAME_ROW = 36;
 constexpr double CURVE_KEY = 20;
 constexpr FormatBytes PIN_ROWS(4 * KEYFRAME_ROW, 0, 0);
+constexpr FormatBytes TRACKER_LINES(5 * 30, 0, 0);
+constexpr FormatBytes STABILIZER_KEYS(4 * 2 * 130, 0, 0);
 constexpr FormatBytes TRANSFORM_ROWS(5 * KEYFRAME_ROW, 0, 0);
 constexpr FormatBytes PIN_CURVES(4 * 2 * CURVE_KEY, 0, 0);
 constexpr FormatBytes MESH_CURVES(0, 512, 2 * CURVE_KEY);
@@ -56,6 +66,12 @@ std::vector<TrackingRow> trackingRows()
         {&F::AE_TRANSFORM,
          &Row::make<AETransformExporter>,
          {MOTION, NeedsTrack, "", PASTE_KEYFRAMES, SIX_DIGITS, TRANSFORM_ROWS}},
+        {&F::IFFFSE_POINTS,
+         &Row::make<KORV_IFFFSEPointsExporter>,
+         {MOTION, NeedsTrack, "", LOAD_TRACKERS, TRACKER_LIMITS, TRACKER_LINES}},
+        {&F::IFFFSE_POINTS_FLAME_2014,
+         &Row::make<KORV_IFFFSEPointsExporterFlame2014>,
+         {MOTION, NeedsTrack, "", LOAD_TRACKERS, TRACKER_LIMITS, TRACKER_LINES}},
         {&F::NUKE_ASCII,
          &Row::make<NukeAsciiExporter>,
          {MOTION_IN_VIEWS, NeedsTrack, "",
@@ -96,6 +112,12 @@ std::vector<TrackingRow> trackingRows()
         {&F::MARLO_BLEND,
          &Row::make<MarloBlendTrackingExporter>,
          {MOTION, NeedsTrack, "", "Load the file with the blending plug-in.", PIN_LIMITS, PIN_ROWS}},
+        {&F::IFFFSE_STABILIZER,
+         &Row::make<KORV_IFFFSEStabilizerExporter>,
+         {MOTION, NeedsTrack, "", LOAD_STABILIZER, STABILIZER_LIMITS, STABILIZER_KEYS}},
+        {&F::IFFFSE_STABILIZER_FLAME_2014,
+         &Row::make<KORV_IFFFSEStabilizerExporterFlame2014>,
+         {MOTION, NeedsTrack, "", LOAD_STABILIZER, STABILIZER_LIMITS, STABILIZER_KEYS}},
         {&F::SCRATCH_CORNER_PIN,
          &Row::make<ScratchCornerPinExporter>,
          {MOTION, NeedsTrack, "", "Copy the text and paste it onto the layer.", PIN_LIMITS, PIN_ROWS}},
