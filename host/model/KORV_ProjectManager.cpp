@@ -364,6 +364,11 @@ int ProjectProperties::trimInPoint() const
     return m_data->trimIn;
 }
 
+int ProjectProperties::start() const
+{
+    return m_data->start;
+}
+
 boost::shared_ptr<Anm::Views const> ProjectProperties::views() const
 {
     return m_data->views;

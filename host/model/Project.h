@@ -20,6 +20,7 @@ struct ZN_BaseClipInfo::Data
     MarloHost::ClipModel const* model = nullptr;
     ZN::ImageFormat format;
     ZN::FilmType film;
+    float frameRate = 0.0F;
 };
 
 struct KORV_Clip::Data
@@ -86,6 +87,7 @@ struct ProjectProperties::Data
     QSize size;
     double par = 1.0;
     int trimIn = 0;
+    int start = 0;
     boost::shared_ptr<Anm::Views const> views;
 };
 

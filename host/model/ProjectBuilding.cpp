@@ -33,10 +33,11 @@ ZN::FilmType filmOf(ClipModel const& model)
     return ZN::FilmType(WIDTH, WIDTH * model.height / (model.width * model.pixelAspect), false);
 }
 
-std::unique_ptr<KORV_Clip> makeClip(ClipModel const& model, unsigned int id)
+std::unique_ptr<KORV_Clip> makeClip(ClipModel const& model, double frameRate, unsigned int id)
 {
-    auto info = std::make_unique<ZN_BaseClipInfo::Data>(ZN_BaseClipInfo::Data{
-        &model, ZN::ImageFormat(QSize(model.width, model.height), model.pixelAspect), filmOf(model)});
+    auto info = std::make_unique<ZN_BaseClipInfo::Data>(
+        ZN_BaseClipInfo::Data{&model, ZN::ImageFormat(QSize(model.width, model.height), model.pixelAspect),
+                              filmOf(model), static_cast<float>(frameRate)});
     auto data = std::make_unique<KORV_Clip::Data>();
     data->id = id;
     data->model = &model;
@@ -44,14 +45,14 @@ std::unique_ptr<KORV_Clip> makeClip(ClipModel const& model, unsigned int id)
     return std::make_unique<KORV_Clip>(std::move(data));
 }
 
-std::unique_ptr<KORV_ParameterManager> makeClips(std::vector<ClipModel> const& models)
+std::unique_ptr<KORV_ParameterManager> makeClips(std::vector<ClipModel> const& models, double frameRate)
 {
     auto data = std::make_unique<KORV_ParameterManager::Data>();
     unsigned int id = 0;
     for (ClipModel const& model : models)
     {
         ++id;
-        data->clips.emplace(id, makeClip(model, id));
+        data->clips.emplace(id, makeClip(model, frameRate, id));
         data->idByName.insert(model.name, id);
     }
     return std::make_unique<KORV_ParameterManager>(std::move(data));
@@ -85,7 +86,7 @@ public:
     void build()
     {
         m_project.views = boost::make_shared<Anm::Views const>(m_model.views);
-        m_project.parameters = makeClips(m_model.clips);
+        m_project.parameters = makeClips(m_model.clips, m_model.frameRate);
         makeGroups();
         makeLayers();
         makeRest();
@@ -256,6 +257,7 @@ private:
         properties->size = QSize(firstClip().width, firstClip().height);
         properties->par = firstClip().pixelAspect;
         properties->trimIn = m_model.trimIn.value_or(0);
+        properties->start = firstClip().frameOffset;
         properties->views = m_project.views;
         m_project.properties = std::make_unique<ProjectProperties>(std::move(properties));
 

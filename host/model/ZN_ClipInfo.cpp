@@ -74,6 +74,11 @@ bool ZN_BaseClipInfo::bIsInterlaced() const
     return m_data->model->interlaced;
 }
 
+float ZN_BaseClipInfo::frameRate() const
+{
+    return m_data->frameRate;
+}
+
 bool ZN_BaseClipInfo::bIs32Pulldown() const
 {
     return m_data->model->pulldown.has_value();

@@ -263,6 +263,9 @@ public:
 
     /// Host frame where the trimmed project starts.
     int trimInPoint() const;
+
+    /// What is added to a host frame to show it, the base offset of the first clip.
+    int start() const;
     boost::shared_ptr<Anm::Views const> views() const;
 
 private:

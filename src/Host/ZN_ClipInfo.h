@@ -88,6 +88,9 @@ public:
     bool bIsInterlaced() const;
     bool bIs32Pulldown() const;
 
+    /// Frames (not fields) per second.
+    float frameRate() const;
+
     /// A value of Phase.
     int phase() const;
 

@@ -272,7 +272,9 @@ TEST_P(Mill, TheClipboardGetsWhatAFileGets)
     MarloHost::MemoryClipboard clipboard;
     Declining provider;
     copyToClipboard(wrapperOf(GetParam(), *project), *project, provider, clipboard);
-    EXPECT_EQ(clipboard.text().toUtf8(), exported(GetParam(), smallProject(), QString()).files.first());
+    QByteArray const copied =
+        clipboard.mimeData().size() == 1 ? clipboard.mimeData().first() : clipboard.text().toUtf8();
+    EXPECT_EQ(copied, exported(GetParam(), smallProject(), QString()).files.first());
 }
 
 TEST_P(Mill, ATargetThatCannotBeWrittenIsNamedAndNothingIsLeftBehind)

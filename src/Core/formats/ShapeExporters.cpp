@@ -7,6 +7,7 @@
 #include "Host/ShapeExporter.h"
 #include "Nuke/MarloBlendExporter.h"
 #include "Nuke/NukeRotoExporters.h"
+#include "Premiere/PremiereShapeExporter.h"
 
 namespace Export
 {
@@ -37,6 +38,8 @@ constexpr double ROTO_MATRIX = 320;
 constexpr FormatBytes BAKED_ROTO(64, ROTO_POINT, ROTO_POINT);
 constexpr FormatBytes KEYED_ROTO(ROTO_MATRIX, ROTO_POINT, ROTO_POINT);
 constexpr FormatBytes MASK(64, MASK_POINT, MASK_POINT);
+// A mask's parameters count as those of its points.
+constexpr FormatBytes PREMIERE_MASK(96, 2500, 40);
 constexpr FormatBytes FXS(64, MASK_POINT, MASK_POINT);
 
 }
@@ -81,6 +84,12 @@ std::vector<ShapeRow> shapeRows()
          {IN_VIEWS, NeedsContours, "", "Open the file in Glimmerset.",
           "No frames that stand in for others are marked; Veil ML contours are refused.", FXS, LeftOut::IsTold,
           Untracked::IsTold, HoldsFeather | HoldsSecondClips | HoldsFieldLifetimes | MODES}},
+        {&F::PREMIERE_SHAPE,
+         &Row::make<Premiere::ShapeExporter>,
+         {HonoursLayers, NeedsContours, "", "Copy, select a clip in the sequence and paste.",
+          "Single-precision fractions of the picture; one view; a key for each frame; X-splines become Bezier curves; "
+          "the pasted clip is a dummy of 1920 x 1080.",
+          PREMIERE_MASK, LeftOut::IsTold, Untracked::IsTold, HoldsInvert}},
     };
 }
 
