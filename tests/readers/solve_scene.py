@@ -8,7 +8,8 @@ from typing import Any, Dict, List, Optional, Tuple
 
 import numpy as np
 
-import scene_shots
+import model_file
+from reprojection import Camera
 from scene_model import Placement, PointSet, SceneLayer, SceneModel
 
 Project = Dict[str, Any]
@@ -39,9 +40,21 @@ class SolvedMesh:
     indices: List[int]
     uvs: Optional[np.ndarray]
 
-    def corner_uvs(self) -> np.ndarray:
+    def faces(self) -> List[List[int]]:
+        ends = np.cumsum(self.counts).tolist()
+        return [self.indices[end - count:end] for count, end in zip(self.counts, ends)]
+
+    def corner_uvs(self) -> Optional[np.ndarray]:
         """A pair for each corner of each face."""
-        return self.uvs[self.indices]
+        return None if self.uvs is None else self.uvs[self.indices]
+
+
+@dataclass(frozen=True)
+class WorldMesh:
+    """Vertices (frames, vertices, 3) in the world; of the UV a pair for each corner of each face, or none."""
+    vertices: np.ndarray
+    faces: List[List[int]]
+    corner_uvs: Optional[np.ndarray]
 
 
 class SceneContents:
@@ -63,6 +76,25 @@ class SceneContents:
 
     def of_kind(self, *kinds: str) -> List[Node]:
         return [node for node in self.nodes if node.kind in kinds]
+
+    def world_meshes(self) -> List[WorldMesh]:
+        """The meshes of layers, then the models whose file is there."""
+        found = [WorldMesh(self.model.layers[mesh.layer].world.through(mesh.local), mesh.faces(), mesh.corner_uvs())
+                 for mesh in self.meshes if mesh.counts]
+        for node, asset in zip(self.of_kind("asset"), self.model.assets):
+            if asset.path == model_file.NAME:
+                vertices = node.world.through(np.tile(model_file.VERTICES, (self.model.frames, 1, 1)))
+                found.append(WorldMesh(vertices, model_file.FACES, model_file.CORNER_UVS))
+        return found
+
+    def pixels(self, found: np.ndarray) -> np.ndarray:
+        """Where the solve sees the points, (frames, points, 2) square pixels from the middle, y up; where a point
+        doesn't exist, what was found."""
+        camera, points = self.model.camera(), self.of_kind("point")
+        focal = camera.focal / camera.film_width * picture_size(self.model)[0]
+        seen = Camera(camera.place.position, camera.place.rotation, focal).project(
+            np.stack([node.world.position for node in points], axis=1))
+        return np.where(np.stack([node.shown for node in points], axis=1)[..., None], seen, found)
 
     def _wanted(self, described: Any) -> bool:
         """Features of a hidden layer are hidden with it."""
@@ -119,15 +151,6 @@ class SceneContents:
                                       described.get("faceCounts", []), described.get("faceIndices", []), uvs))
 
 
-def rig_centre(project: Project) -> Project:
-    """A project whose camera is the rig's own one, between the eyes."""
-    return {**project, "solve": {key: value for key, value in project["solve"].items() if key != "stereo"}}
-
-
-def without_scene_pose(project: Project) -> Project:
-    return {**project, "solve": {key: value for key, value in project["solve"].items() if key != "scene"}}
-
-
 def film_size(model: SceneModel) -> Tuple[float, float]:
     """Width and height of what the picture as it is seen was recorded on, in millimetres."""
     width, (across, down) = model.camera().film_width, picture_size(model)
@@ -137,57 +160,3 @@ def film_size(model: SceneModel) -> Tuple[float, float]:
 def picture_size(model: SceneModel) -> Tuple[float, float]:
     """The picture as it is seen, in square pixels."""
     return model.clip["width"] * model.clip.get("pixelAspect", 1), float(model.clip["height"])
-
-
-def _mesh_points(**keys: Any) -> Project:
-    """Two triangles and a quadrangle, no two of whose numbers are alike."""
-    positions = [-0.9, -0.4, 0.1, 0.1, -0.6, 0.2, 0.8, -0.3, -0.1, 0.7, 0.5, 0.3, -0.1, 0.8, 0.0, -0.7, 0.6, -0.2]
-    return {"positions": positions, "faceCounts": [3, 4, 3], "faceIndices": [0, 1, 5, 1, 2, 3, 4, 1, 4, 5],
-            "uvs": [0.01, 0.02, 0.52, 0.03, 0.97, 0.11, 0.93, 0.89, 0.45, 0.98, 0.08, 0.83], **keys}
-
-
-def _moving_mesh() -> Project:
-    at = np.arange(scene_shots.FRAMES)[:, None]
-    still = _mesh_points()
-    moved = np.array(still["positions"]) * (1.0 + 0.01 * at) + 0.02 * at * np.arange(18) / 18.0
-    return {**still, "frames": list(range(scene_shots.FRAMES)), "positions": [float(v) for v in moved.ravel()]}
-
-
-def everything() -> Project:
-    """Moving layers in moving groups, meshes, features, models, a keyed lens, a posed scene, wide pixels, from 1001."""
-    layer, points, swaying = scene_shots.layer, scene_shots.points, scene_shots.swaying
-    groups = [{"name": "Whole car", "moving": True, "pose": swaying(1, scale=True)},
-              {"name": "Left door", "moving": True, "parent": "Whole car", "pose": swaying(2)}]
-    layers = [layer("Sign", group="Left door", moving=True, pose=swaying(3, scale=True), surfacePoints=points(2),
-                    meshPoints=_moving_mesh()),
-              layer("Car body", group="Whole car", moving=True, pose=swaying(4), surfacePoints=points()),
-              layer("Wall", pose=scene_shots.AT_REST, surfacePoints=points(3), meshPoints=_mesh_points()),
-              layer("Floor", surfacePoints=points(1), **{"in": 2, "out": 9})]
-    features = [{"name": "cloud", **points(3)}, {"name": "on door", "layer": "Sign", **points(2)}]
-    assets = [{"path": "models/old tree.v2.obj", **scene_shots.AT_REST},
-              {"path": "hat.obj", "layer": "Car body", "positions": [0.3, 0.2, -0.1], "scales": [0.5]}]
-    focal = {"frames": [1, 7, 11], "values": [28, 35.5, 50]}
-    root = {"positions": [0.2, 0.1, -0.3], "rotations": [15, 25, -35]}
-    return scene_shots.project(
-        {"camera": {**scene_shots.orbit(), "focalLength": focal}, "scene": scene_shots.SCENE, "referenceFrame": 4,
-         "features": features, "featureRoot": root, "assets": assets}, layers,
-        {"width": 960, "pixelAspect": 2, "frameOffset": 1001}, groups=groups, playback=[3, 10])
-
-
-def odd_names() -> Project:
-    """Names that formats clean or make unique; points tell which node is which."""
-    layer, points = scene_shots.layer, scene_shots.points
-    names = ["1 plane", "1_plane", "Twin", "Twin", "a/b;c=d\"e'", "\u00e4\u4e16", "x" * 300]
-    layers = [layer(name, pose={"positions": [0.1 * i, 0.05 * i, 0.02 * i]},
-                    surfacePoints=points(2, names=["1 point", "1=point;"])) for i, name in enumerate(names)]
-    assets = [{"path": f"cup{i}.obj", "positions": [0.1 * i, 0.2, 0.3]} for i in range(3)]
-    features = [{"name": "Twin", **points(1)}, {"name": "twin 2", "layer": "1 plane", **points(1)}]
-    return scene_shots.project({"assets": assets, "features": features}, layers)
-
-
-def projects() -> Dict[str, Project]:
-    """Every project that formats of scenes are judged by, by name."""
-    names = ("handheld", "orbit", "wide pixels", "offset and in point", "fields", "keyed focal length", "moving parts",
-             "features", "assets", "legacy", "moving points", "short layer", "camera alone", "sparse camera")
-    found = {name: scene_shots.PROJECTS[name]() for name in names}
-    return {**found, "everything": everything(), "odd names": odd_names()}
