@@ -31,6 +31,11 @@ class Node:
     shown: np.ndarray
 
 
+def split_faces(counts: List[int], indices: List[int]) -> List[List[int]]:
+    ends = np.cumsum(counts).tolist()
+    return [list(indices[end - count:end]) for count, end in zip(counts, ends)]
+
+
 @dataclass(frozen=True)
 class SolvedMesh:
     """Vertices (frames, vertices, 3) relative to the layer, faces, and a pair of `uvs` for each vertex, or none."""
@@ -39,10 +44,6 @@ class SolvedMesh:
     counts: List[int]
     indices: List[int]
     uvs: Optional[np.ndarray]
-
-    def faces(self) -> List[List[int]]:
-        ends = np.cumsum(self.counts).tolist()
-        return [self.indices[end - count:end] for count, end in zip(self.counts, ends)]
 
     def corner_uvs(self) -> Optional[np.ndarray]:
         """A pair for each corner of each face."""
@@ -79,7 +80,7 @@ class SceneContents:
 
     def world_meshes(self) -> List[WorldMesh]:
         """The meshes of layers, then the models whose file is there."""
-        found = [WorldMesh(self.model.layers[mesh.layer].world.through(mesh.local), mesh.faces(), mesh.corner_uvs())
+        found = [WorldMesh(self.model.layers[mesh.layer].world.through(mesh.local), split_faces(mesh.counts, mesh.indices), mesh.corner_uvs())
                  for mesh in self.meshes if mesh.counts]
         for node, asset in zip(self.of_kind("asset"), self.model.assets):
             if asset.path == model_file.NAME:
