@@ -15,7 +15,7 @@ QString KestreliaNames::renamed(QStringList const& clashes)
     {
         names = tr("%1 and %2 more").arg(names).arg(clashes.size() - MOST);
     }
-    return tr("Several things have one name, so all but the first got numbers: %1").arg(names);
+    return tr("Several things have one name: %1. All but the first got numbers.").arg(names);
 }
 
 }
