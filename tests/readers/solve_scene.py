@@ -60,7 +60,8 @@ class SceneContents:
     """The nodes in the order layers, features, models; those that carry others in front of these. `camera` is the one
     of the view."""
 
-    def __init__(self, model: SceneModel, features: bool = True, objects: str = "all", view: Optional[str] = None) -> None:
+    def __init__(self, model: SceneModel, features: bool = True, objects: str = "all",
+                 view: Optional[str] = None) -> None:
         self.model, self.view, self.camera, self.nodes = model, view, model.camera(view), []
         clip = model.clip
         # The picture as it is seen, in square pixels, and what it was recorded on, in millimetres.
@@ -83,7 +84,8 @@ class SceneContents:
 
     def world_meshes(self) -> List[WorldMesh]:
         """The meshes of layers, then the models whose file is there."""
-        found = [WorldMesh(self.model.layers[mesh.layer].world.through(mesh.local), split_faces(mesh.counts, mesh.indices), mesh.corner_uvs())
+        found = [WorldMesh(self.model.layers[mesh.layer].world.through(mesh.local),
+                           split_faces(mesh.counts, mesh.indices), mesh.corner_uvs())
                  for mesh in self.meshes if mesh.counts]
         for node, asset in zip(self.of_kind("asset"), self.model.assets):
             if asset.path == model_file.NAME:

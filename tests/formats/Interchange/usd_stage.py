@@ -162,7 +162,8 @@ class Reading:
         found = np.array([camera.GetHorizontalApertureAttr().Get(), camera.GetVerticalApertureAttr().Get(),
                           camera.GetHorizontalApertureOffsetAttr().Get(), camera.GetVerticalApertureOffsetAttr().Get()])
         # The width of squeezed film went through singles before it came here.
-        findings.compare("lens, mm", found, [*self.contents.film, 0.0, 0.0], 3.0 * SINGLE * np.abs(found) + 1e-12, "film")
+        film = [*self.contents.film, 0.0, 0.0]
+        findings.compare("lens, mm", found, film, 3.0 * SINGLE * np.abs(found) + 1e-12, "film")
         findings.same("projection", camera.GetProjectionAttr().Get(), "perspective")
         near, far = camera.GetClippingRangeAttr().Get()
         points = [self.contents.nodes[i].world.position for i in self.points()]
@@ -219,7 +220,8 @@ class Reading:
         if findings.same(f"UV sets of {name}", [(p.GetPrimvarName(), p.GetInterpolation()) for p in pairs],
                          [("st", "faceVarying")]):
             corners = expected.corner_uvs()
-            findings.compare("UV", np.array(pairs[0].ComputeFlattened(), float), corners, SINGLE * np.abs(corners), name)
+            found = np.array(pairs[0].ComputeFlattened(), float)
+            findings.compare("UV", found, corners, SINGLE * np.abs(corners), name)
 
     def judge_picture(self, findings: Findings) -> None:
         """OpenUSD's own matrices and frustum against the solve."""
