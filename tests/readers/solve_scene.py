@@ -101,6 +101,15 @@ class SceneContents:
             np.stack([node.world.position for node in points], axis=1))
         return np.where(np.stack([node.shown for node in points], axis=1)[..., None], seen, found)
 
+    def marker_size(self) -> float:
+        """A size that suits markers: the median of the points' distances from the camera, both in the first frame,
+        times 0.2 and divided by the focal length."""
+        inside = self.model.scene.inverse()
+        eye = inside.holding(self.camera.place).position[0]
+        places = np.stack([inside.holding(node.world).position[0] for node in self.of_kind("point")])
+        distance = float(np.median(np.linalg.norm(places - eye, axis=1)))
+        return distance * float(np.float32(0.2)) / self.camera.focal[0]
+
     def _wanted(self, described: Any) -> bool:
         """Features of a hidden layer are hidden with it."""
         tied = getattr(described, "layer", None)

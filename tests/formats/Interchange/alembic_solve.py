@@ -18,6 +18,9 @@ PICTURE = "reprojection, px"
 # Allowance for the arithmetic of doubles, as a part of the size of these scenes.
 ARITHMETIC = 1e-9
 
+# How far from the camera the picture is hung up, scene units.
+SCREEN = 995.0
+
 # Millimetres in the unit of apertures.
 CENTIMETRE = 10.0
 
@@ -112,15 +115,8 @@ class Solve:
                 findings.compare("turn and scale", axes.reshape(-1, 9), turned.reshape(-1, 9), ARITHMETIC, name)
 
     def judge_unit(self, findings: Findings, case: Case) -> None:
-        """What suits the points: the median of their distances from the camera, both in the first frame, a fifth of a
-        millimetre for each of the focal length."""
-        unit, points = 1.0, self.contents.of_kind("point")
-        if not case.fixed_size and points:
-            inside = self.model.scene.inverse()
-            places = np.stack([inside.holding(node.world).position[0] for node in points])
-            eye = inside.holding(self.contents.camera.place).position[0]
-            distance = float(np.median(np.linalg.norm(places - eye, axis=1)))
-            unit = distance * float(np.float32(0.2)) / self.contents.camera.focal[0]
+        """Sizes that suit the points are made by scaling everything."""
+        unit = self.contents.marker_size() if self.trackers and not case.fixed_size else 1.0
         findings.compare("unit", self.unit, unit, 4.0 * SINGLE * unit)
 
     def judge_meshes(self, findings: Findings) -> None:
@@ -165,7 +161,8 @@ class Solve:
         """The picture is hung up so that it fills the view."""
         shape = self.screen.child("Shape")
         own = alembic_tree.at_frames(self.screen, self.times)
-        findings.compare("screen, sideways", own[:, :2, 3], np.zeros((len(own), 2)), ARITHMETIC)
+        distance = np.tile([0.0, 0.0, -SCREEN * self.unit], (len(own), 1))
+        findings.compare("screen, distance", own[:, :3, 3], distance, 8.0 * SINGLE * SCREEN * self.unit)
         pixels = self.pixels(self.vertices(shape))
         found = np.stack([pixels.min(axis=1), pixels.max(axis=1)], axis=1)
         half = self.contents.picture / 2.0

@@ -197,6 +197,12 @@ class Reading:
                 axes = (place.rotation * place.scale[:, None, None]).reshape(-1, 9)
                 findings.compare("turn and scale", found[:, i, 3:], axes, off[:, 3:] + ARITHMETIC, name)
 
+    def judge_markers(self, findings: Findings, fixed_size: bool) -> None:
+        """Points are scaled to be seen, as the same part of the picture or by one number."""
+        size = 0.01 if fixed_size else self.contents.marker_size() * self.contents.film[0]
+        found = [self._level(self.prims[index], self.times[0])[6] for index in self.points()]
+        findings.compare("size of points", found, [size] * len(found), 4.0 * SINGLE * size)
+
     def judge_meshes(self, findings: Findings) -> None:
         for expected, prim in zip(self.contents.meshes, self.meshes):
             name, mesh = str(prim.GetPath()), UsdGeom.Mesh(prim)
@@ -255,11 +261,12 @@ class Reading:
 
 
 @judging
-def judge(findings: Findings, data: bytes, contents: SceneContents) -> None:
+def judge(findings: Findings, data: bytes, contents: SceneContents, fixed_size: bool = False) -> None:
     reading = Reading(data, contents)
     reading.judge_stage(findings)
     reading.judge_lens(findings)
     reading.judge_nodes(findings)
     reading.judge_meshes(findings)
     if reading.points():
+        reading.judge_markers(findings, fixed_size)
         reading.judge_picture(findings)
