@@ -36,7 +36,6 @@ constexpr char WITH_MATRIX[] =
 constexpr double ROTO_POINT = 12 * 50;
 constexpr double ROTO_MATRIX = 640;
 constexpr double MASK_POINT = 300;
-constexpr double ROTO_MATRIX = 320;
 // A mask's parameters count as those of its points.
 constexpr FormatBytes PREMIERE_MASK(96, 2500, 40);
 constexpr double FXS_POINT = 12 * 20;

@@ -8,6 +8,7 @@
 #include "Autodesk/KORV_IFFFSEPointsExporter.h"
 #include "Autodesk/KORV_IFFFSEStabilizerExporter.h"
 #include "Host/TrackingExporter.h"
+#include "Interchange/Kestrelia2DTrackersExporter.h"
 #include "Nuke/MarloBlendTrackingExporter.h"
 #include "Nuke/NukeAsciiExporter.h"
 #include "Nuke/NukeCornerPinExporter.h"
@@ -46,11 +47,14 @@ constexpr char CURVE_LIMITS[] =
 constexpr double KEYFRAME_ROW = 44;
 constexpr double CURVE_KEY = 20;
 constexpr FormatBytes PIN_ROWS(4 * KEYFRAME_ROW, 0, 0);
-constexpr FormatBytes TRACKER_LINES(5 * 30, 0, 0);
+constexpr FormatBytes FLAME_LINES(5 * 30, 0, 0);
 constexpr FormatBytes STABILIZER_KEYS(4 * 2 * 130, 0, 0);
 constexpr FormatBytes TRANSFORM_ROWS(3 * KEYFRAME_ROW, 0, 0);
 constexpr FormatBytes PIN_CURVES(4 * 2 * CURVE_KEY, 0, 0);
 constexpr FormatBytes MESH_CURVES(4 * CURVE_KEY, 512, 2 * CURVE_KEY);
+
+// A line of a tracker, "    image 1001 1234.5678901234567 789.0123456789012", for each of four.
+constexpr FormatBytes TRACKER_LINES(4 * 60, 0, 0);
 
 }
 
@@ -68,10 +72,10 @@ std::vector<TrackingRow> trackingRows()
          {MOTION, NeedsTrack, "", PASTE_KEYFRAMES, SIX_DIGITS, TRANSFORM_ROWS}},
         {&F::IFFFSE_POINTS,
          &Row::make<KORV_IFFFSEPointsExporter>,
-         {MOTION, NeedsTrack, "", LOAD_TRACKERS, TRACKER_LIMITS, TRACKER_LINES}},
+         {MOTION, NeedsTrack, "", LOAD_TRACKERS, TRACKER_LIMITS, FLAME_LINES}},
         {&F::IFFFSE_POINTS_FLAME_2014,
          &Row::make<KORV_IFFFSEPointsExporterFlame2014>,
-         {MOTION, NeedsTrack, "", LOAD_TRACKERS, TRACKER_LIMITS, TRACKER_LINES}},
+         {MOTION, NeedsTrack, "", LOAD_TRACKERS, TRACKER_LIMITS, FLAME_LINES}},
         {&F::NUKE_ASCII,
          &Row::make<NukeAsciiExporter>,
          {MOTION_IN_VIEWS, NeedsTrack, "",
@@ -128,6 +132,12 @@ std::vector<TrackingRow> trackingRows()
          &Row::make<GlimmersetCornerPinExporter>,
          {MOTION, NeedsTrack, "", "Copy the text and paste it onto the layer.",
           "Six significant digits; one view; pins of interlaced material land one field height low.", PIN_ROWS}},
+        {&F::KESTRELIA_TRACKERS,
+         &Row::make<Kestrelia2DTrackersExporter>,
+         {HonoursLayers, NeedsTrack, "", "Open the file as a project.",
+          "Corners as they were tracked and adjusted, with the lens; one view; layers whose pictures have "
+          "one size; the fields of interlaced material are frames, at the rate of frames.",
+          TRACKER_LINES, LeftOut::IsTold, Untracked::HasNoFile}},
     };
 }
 
