@@ -1,1 +1,0 @@
-// The scene model and file format of matchmove projects come with their exporters.
