@@ -258,4 +258,37 @@ Context::Explicit::Explicit(BaseContext const& context)
 {
 }
 
+ContextRange::ContextRange() : ContextRange(Context::invalid(), Context::invalid())
+{
+}
+
+ContextRange::ContextRange(Context const& first, Context const& last) : m_first(first), m_last(last)
+{
+}
+
+bool ContextRange::isEmpty() const
+{
+    return !m_first.time().isValid() || !m_last.time().isValid() || m_last.time() < m_first.time();
+}
+
+Context const& ContextRange::first() const
+{
+    return m_first;
+}
+
+Context const& ContextRange::last() const
+{
+    return m_last;
+}
+
+ContextRange ContextRange::united(ContextRange const& other) const
+{
+    if (isEmpty() || other.isEmpty())
+    {
+        return isEmpty() ? other : *this;
+    }
+    return ContextRange(other.m_first.time() < m_first.time() ? other.m_first : m_first,
+                        m_last.time() < other.m_last.time() ? other.m_last : m_last);
+}
+
 }

@@ -70,8 +70,7 @@ public:
     void initMovingObjectIds(KORV_ProjectManager const& project, Korvane::CameraSolve::ExporterHelper& helper);
 
     /// Adds the camera of the helper's view, the points and meshes of its layers, and its
-    /// feature sets but for those of an old solve. Names that two things of a kind share get
-    /// numbers.
+    /// feature sets but for those of an old solve, as groups "Marlo Features 1" and on.
     void addSolveData(Korvane::CameraSolve::ExporterHelper& helper, KORV_ProjectManager const& project,
                       bool includeFeatures);
 
@@ -88,9 +87,10 @@ public:
     /// samples.
     void addLayerTrack(KORV_Layer const& layer, Anm::ContextRange const& range);
 
-    /// The text of the project; empty when there is nothing in it.
+    /// The text of the project; empty when there is nothing in it. Of things of a kind that
+    /// share a name all but the first get numbers first.
     /// @throws KORV_OperationFailed when it is too large
-    QByteArray writeProject() const;
+    QByteArray writeProject();
 
     KestreliaLib::Scene& scene();
     KestreliaLib::Scene const& scene() const;
