@@ -56,8 +56,7 @@ double sceneScale(MatchmoveScene& model, Choices const& choices)
     int const first = scene.shots.front().firstFrame;
     int const frame = choices.useReferenceFrame ? scene.referenceFrame.value_or(first) : first;
     KestreliaLib::Vector3 const eye = camera->poses.at(frame).position;
-    double const distance =
-        model.helper().suggestPointScale(true, choices.includeFeatures, {eye.x, eye.y, eye.z});
+    double const distance = model.helper().suggestPointScale(true, choices.includeFeatures, {eye.x, eye.y, eye.z});
     double const scale = distance * POINT_SCALE / camera->lens.at(first).focalLength;
     return isWritable(scale) && scale > 0.0 ? scale : 1.0;
 }

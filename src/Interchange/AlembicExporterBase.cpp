@@ -73,8 +73,8 @@ QByteArray AlembicExporterBase::exportScene(std::string const& name, std::string
         }
         if (!contents.names.renamed().isEmpty())
         {
-            result.notices.push_back({QStringLiteral("DontShowAlembicNamesInfoMsg"), QStringLiteral("Alembic"),
-                                      contents.names.renamed()});
+            result.notices.push_back(
+                {QStringLiteral("DontShowAlembicNamesInfoMsg"), QStringLiteral("Alembic"), contents.names.renamed()});
         }
     };
     return writeAlembic(alembicTime(m_helper, static_cast<int>(m_helper.firstFrame().value())), fill);

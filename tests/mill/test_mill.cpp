@@ -499,6 +499,12 @@ testing::AssertionResult holdsOneField(QByteArray const& text, QString const& na
                                        QByteArray const& harmlessName)
 {
     QByteArray const raw = name.toUtf8();
+    if (harmless.startsWith("Ogawa"))
+    {
+        // Such a file says how long each name is, and has sums over all of them.
+        bool const isThere = text.size() == harmless.size() && text.count(raw) == harmless.count(harmlessName);
+        return isThere ? testing::AssertionSuccess() : testing::AssertionFailure() << "lacks " << raw.toStdString();
+    }
     if (text.startsWith("<?xml"))
     {
         QDomDocument document;

@@ -5,6 +5,7 @@
 
 #include "AfterEffects/AE3DMotionExporter.h"
 #include "Host/CameraSolveExporter.h"
+#include "Interchange/AlembicCameraSolveExporter.h"
 
 namespace Export
 {
@@ -20,6 +21,7 @@ constexpr char PASTE_CAMERA[] =
 constexpr double POSE_ROWS = 200;
 constexpr double STILL_NULL = 700;
 constexpr FormatBytes SCENE_TEXT(POSE_ROWS, STILL_NULL, POSE_ROWS);
+constexpr FormatBytes ALEMBIC_SCENE(1024, 2048, 64, 65536);
 
 }
 
@@ -40,6 +42,12 @@ std::vector<CameraSolveRow> cameraSolveRows()
          &Row::make<AE3DMotionExporter, 1>,
          {HonoursObjects, NeedsSolve, "", PASTE_CAMERA,
           "Six significant digits; one eye of a stereo pair; no lens; nulls without hierarchy.", SCENE_TEXT}},
+        {&F::Alembic,
+         &Row::make<AlembicCameraSolveExporter>,
+         {HonoursObjects, NeedsSolve, "", "Import the file as Alembic.",
+          "The rig's own camera of a solve in stereo; points as transforms; vertices of meshes are single floats; no "
+          "lens.",
+          ALEMBIC_SCENE}},
     };
 }
 

@@ -6,6 +6,8 @@
 #include "AfterEffects/AECornerPinExporters.h"
 #include "AfterEffects/AETransformExporter.h"
 #include "Host/TrackingExporter.h"
+#include "Interchange/AlembicMeshExporter.h"
+#include "Interchange/AlembicVertexTransformExporter.h"
 #include "Nuke/MarloBlendTrackingExporter.h"
 #include "Nuke/NukeAsciiExporter.h"
 #include "Nuke/NukeCornerPinExporter.h"
@@ -28,6 +30,9 @@ constexpr char PASTE_KEYFRAMES[] =
     "Copy the text and paste it onto a layer, with the current time at the start of the clip.";
 constexpr char PASTE_NODE[] = "Paste the text into the node graph, or open the file as a script.";
 
+constexpr char ALEMBIC_LIMITS[] = "Single floats; the mesh as it was tracked, without UVs; its camera doesn't see it; "
+                                  "square pixels, and lines of fields "
+                                  "in interlaced material.";
 constexpr char SIX_DIGITS[] = "Six significant digits.";
 constexpr char PIN_LIMITS[] = "Six significant digits; pins of interlaced material land one field height low.";
 constexpr char CURVE_LIMITS[] =
@@ -41,6 +46,10 @@ constexpr FormatBytes PIN_ROWS(4 * KEYFRAME_ROW, 0, 0);
 constexpr FormatBytes TRANSFORM_ROWS(5 * KEYFRAME_ROW, 0, 0);
 constexpr FormatBytes PIN_CURVES(4 * 2 * CURVE_KEY, 0, 0);
 constexpr FormatBytes MESH_CURVES(0, 512, 2 * CURVE_KEY);
+
+// Arrays of single floats; transforms of double ones, each with a place in a table.
+constexpr FormatBytes ALEMBIC_POINTS(256, 64, 12);
+constexpr FormatBytes ALEMBIC_TRANSFORMS(64, 4096, 160);
 
 }
 
@@ -56,6 +65,12 @@ std::vector<TrackingRow> trackingRows()
         {&F::AE_TRANSFORM,
          &Row::make<AETransformExporter>,
          {MOTION, NeedsTrack, "", PASTE_KEYFRAMES, SIX_DIGITS, TRANSFORM_ROWS}},
+        {&F::ALEMBIC_MESH,
+         &Row::make<AlembicMeshExporter>,
+         {FormatHonours(), NeedsMesh, "", "Import the file as Alembic.", ALEMBIC_LIMITS, ALEMBIC_POINTS}},
+        {&F::ALEMBIC_VERTEX_TRANSFORM,
+         &Row::make<AlembicVertexTransformExporter>,
+         {FormatHonours(), NeedsMesh, "", "Import the file as Alembic.", ALEMBIC_LIMITS, ALEMBIC_TRANSFORMS}},
         {&F::NUKE_ASCII,
          &Row::make<NukeAsciiExporter>,
          {MOTION_IN_VIEWS, NeedsTrack, "",

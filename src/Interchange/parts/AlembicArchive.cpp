@@ -71,13 +71,13 @@ QByteArray writeAlembic(AlembicTime const& time, std::function<void(AlembicConte
         Abc::OArchive archive(Alembic::AbcCoreOgawa::WriteArchive()(&stream, metaData(time.samplesPerSecond)));
         std::uint32_t const sampling =
             archive.addTimeSampling(Alembic::AbcCoreAbstract::TimeSampling(1.0 / time.samplesPerSecond, time.start));
-        AlembicContents contents{archive.getTop(), sampling, Alembic::AbcGeom::CreateOArchiveBounds(archive, sampling), {}};
+        AlembicContents contents{
+            archive.getTop(), sampling, Alembic::AbcGeom::CreateOArchiveBounds(archive, sampling), {}};
         fill(contents);
     }
     catch (Alembic::Util::Exception const& error)
     {
-        throwExternalException("AlembicArchive", __LINE__, QStringLiteral("Alembic"),
-                               QString::fromUtf8(error.what()));
+        throwExternalException("AlembicArchive", __LINE__, QStringLiteral("Alembic"), QString::fromUtf8(error.what()));
     }
     return memory.take();
 }

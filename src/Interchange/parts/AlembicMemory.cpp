@@ -98,7 +98,8 @@ void AlembicMemory::makeRoom(qint64 size)
     {
         if (size > m_bytes.capacity())
         {
-            m_bytes.reserve(static_cast<int>(std::min(std::max(size, 2 * static_cast<qint64>(m_bytes.capacity())), m_largest)));
+            m_bytes.reserve(
+                static_cast<int>(std::min(std::max(size, 2 * static_cast<qint64>(m_bytes.capacity())), m_largest)));
         }
         m_bytes.resize(static_cast<int>(size));
     }

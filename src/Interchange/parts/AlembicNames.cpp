@@ -26,8 +26,7 @@ std::string AlembicNames::claim(QString const& wanted)
     QString const name = m_names.take(withoutSeparators(wanted));
     if (name != wanted && ++m_renamed <= MOST_EXAMPLES)
     {
-        m_examples +=
-            QStringLiteral("\"%1\" is \"%2\"").arg(wanted.left(LONGEST_EXAMPLE), name.right(LONGEST_EXAMPLE));
+        m_examples += QStringLiteral("\"%1\" is \"%2\"").arg(wanted.left(LONGEST_EXAMPLE), name.right(LONGEST_EXAMPLE));
     }
     return name.toStdString();
 }

@@ -215,7 +215,8 @@ private:
     {
         Abc::OPolyMesh object(node, m_contents.names.claimOwn(QStringLiteral("Chisel")), m_contents.timeSampling);
         std::vector<int> const faceIndices = clockwise(mesh.faceCounts, mesh.faceIndices);
-        std::vector<int> const uvCorners = mesh.uvIndices.empty() ? faceIndices : clockwise(mesh.faceCounts, mesh.uvIndices);
+        std::vector<int> const uvCorners =
+            mesh.uvIndices.empty() ? faceIndices : clockwise(mesh.faceCounts, mesh.uvIndices);
         std::vector<std::uint32_t> const uvIndices(uvCorners.begin(), uvCorners.end());
         std::vector<Imath::V2f> uvs;
         for (KestreliaLib::Vector2 const& uv : mesh.uvs)
@@ -234,9 +235,8 @@ private:
                 sample.setFaceCounts(Abc::Int32ArraySample(mesh.faceCounts));
                 if (!uvs.empty())
                 {
-                    sample.setUVs(Abc::OV2fGeomParam::Sample(Abc::V2fArraySample(uvs),
-                                                             Abc::UInt32ArraySample(uvIndices),
-                                                             Abc::kFacevaryingScope));
+                    sample.setUVs(Abc::OV2fGeomParam::Sample(
+                        Abc::V2fArraySample(uvs), Abc::UInt32ArraySample(uvIndices), Abc::kFacevaryingScope));
                 }
             }
             object.getSchema().set(sample);
@@ -303,7 +303,8 @@ qint64 leastSize(KestreliaLib::Scene const& scene)
     for (Shot const& shot : scene.shots)
     {
         qint64 const frames = static_cast<qint64>(shot.lastFrame) - shot.firstFrame + 1;
-        auto const moving = std::count_if(shot.trackers.begin(), shot.trackers.end(), [&](Tracker const& tracker)
+        auto const moving = std::count_if(shot.trackers.begin(), shot.trackers.end(),
+                                          [&](Tracker const& tracker)
                                           { return !tracker.positions.isEmpty() && scene.isMoving(tracker); });
         size += frames * moving * static_cast<qint64>(sizeof(V3d));
     }

@@ -74,8 +74,7 @@ void SceneBounds::addMesh(KestreliaLib::Mesh const& mesh)
     for (Box3d& box : m_frames)
     {
         own = mesh.vertices.isMoving() ? boxAt(frame) : own;
-        M44d const place =
-            matrixOf(mesh.pose, m_scale) * matrixOf(m_scene.objectPose(mesh.object, frame), m_scale);
+        M44d const place = matrixOf(mesh.pose, m_scale) * matrixOf(m_scene.objectPose(mesh.object, frame), m_scale);
         box.extendBy(Imath::transform(own, place));
         ++frame;
     }

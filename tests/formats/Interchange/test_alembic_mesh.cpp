@@ -91,7 +91,8 @@ TEST(AlembicMesh, ALayerWithoutAMeshLeavesTheCamera)
 {
     ProjectBuilder builder = triangle();
     builder.layer().mesh.reset();
-    for (auto const& archive : {archiveOf<AlembicMeshExporter>(builder), archiveOf<AlembicVertexTransformExporter>(builder)})
+    for (auto const& archive :
+         {archiveOf<AlembicMeshExporter>(builder), archiveOf<AlembicVertexTransformExporter>(builder)})
     {
         EXPECT_EQ(archive.names(), std::vector<std::string>{"marlo-camera"});
     }
