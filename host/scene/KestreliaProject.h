@@ -28,6 +28,7 @@ struct Rig3D::KestreliaSetup::Data
     QHash<QString, unsigned int> objects;
     unsigned int nextTracker = 1;
     QStringList failures;
+    QStringList clashes;
 
     KestreliaLib::Shot& shot()
     {

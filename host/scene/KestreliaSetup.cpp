@@ -260,8 +260,7 @@ QByteArray KestreliaSetup::writeProject()
 
 void KestreliaSetup::Data::nameUniquely()
 {
-    QStringList clashes;
-    auto const rename = [&](auto& records)
+    auto const rename = [this](auto& records)
     {
         Text::UniqueNames names;
         for (auto& record : records)
@@ -275,14 +274,6 @@ void KestreliaSetup::Data::nameUniquely()
     rename(shot().trackers);
     rename(scene.meshes);
     clashes.removeDuplicates();
-    if (!clashes.isEmpty())
-    {
-        constexpr int MOST_NAMED = 5;
-        int const others = clashes.size() - MOST_NAMED;
-        failures += QStringLiteral("Several things have one name, so numbers were added: ") +
-                    clashes.mid(0, MOST_NAMED).join(QStringLiteral(", ")) +
-                    (others > 0 ? QStringLiteral(" and %1 more").arg(others) : QString());
-    }
 }
 
 KestreliaLib::Scene& KestreliaSetup::scene()
@@ -298,6 +289,11 @@ KestreliaLib::Scene const& KestreliaSetup::scene() const
 QStringList KestreliaSetup::failureMessages() const
 {
     return m_data->failures;
+}
+
+QStringList KestreliaSetup::clashingNames() const
+{
+    return m_data->clashes;
 }
 
 int KestreliaSetup::failedCount() const

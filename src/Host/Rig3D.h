@@ -95,8 +95,11 @@ public:
     KestreliaLib::Scene& scene();
     KestreliaLib::Scene const& scene() const;
 
-    /// What the user must know of what was added, one line each.
+    /// What couldn't be added, one line each.
     QStringList failureMessages() const;
+
+    /// Names that writeProject() found more than once, each once.
+    QStringList clashingNames() const;
 
     /// Samples that were left out, as they have values that aren't finite.
     int failedCount() const;

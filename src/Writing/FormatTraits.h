@@ -72,7 +72,10 @@ enum class Untracked
 {
     /// A document without rows, and a message.
     IsTold,
-    IsRefused
+    IsRefused,
+
+    /// No file, and a message.
+    HasNoFile
 };
 
 /// How many bytes an export takes at most, so that a hopeless one can be refused before

@@ -6,6 +6,7 @@
 #include "AfterEffects/AE3DMotionExporter.h"
 #include "Host/CameraSolveExporter.h"
 #include "Interchange/AlembicCameraSolveExporter.h"
+#include "Interchange/KestreliaSolveExporter.h"
 
 namespace Export
 {
@@ -22,6 +23,13 @@ constexpr double POSE_ROWS = 200;
 constexpr double STILL_NULL = 700;
 constexpr FormatBytes SCENE_TEXT(POSE_ROWS, STILL_NULL, POSE_ROWS);
 constexpr FormatBytes ALEMBIC_SCENE(1024, 2048, 64, 65536);
+
+// Of a matchmove project: twelve numbers in all their digits for a pose and two for the lens,
+// and a tracker with its name, or a line of three numbers; as much again for vertices.
+constexpr double POSE_LINES = 330;
+constexpr double STILL_TRACKER = 200;
+constexpr double POINT_LINE = 130;
+constexpr FormatBytes MATCHMOVE(POSE_LINES, STILL_TRACKER, POINT_LINE);
 
 }
 
@@ -42,6 +50,12 @@ std::vector<CameraSolveRow> cameraSolveRows()
          &Row::make<AE3DMotionExporter, 1>,
          {HonoursObjects, NeedsSolve, "", PASTE_CAMERA,
           "Six significant digits; one eye of a stereo pair; no lens; nulls without hierarchy.", SCENE_TEXT}},
+        {&F::KestreliaProjectFile,
+         &Row::make<KestreliaSolveExporter>,
+         {HonoursObjects, NeedsSolve, "", "Open the file as a project.",
+          "One eye of a stereo pair; no lens; the fields of interlaced material are frames, at the rate of frames.",
+          MATCHMOVE},
+         true},
         {&F::Alembic,
          &Row::make<AlembicCameraSolveExporter>,
          {HonoursObjects, NeedsSolve, "", "Import the file as Alembic.",

@@ -8,6 +8,7 @@
 #include "Host/TrackingExporter.h"
 #include "Interchange/AlembicMeshExporter.h"
 #include "Interchange/AlembicVertexTransformExporter.h"
+#include "Interchange/Kestrelia2DTrackersExporter.h"
 #include "Nuke/MarloBlendTrackingExporter.h"
 #include "Nuke/NukeAsciiExporter.h"
 #include "Nuke/NukeCornerPinExporter.h"
@@ -45,6 +46,9 @@ constexpr double CURVE_KEY = 20;
 constexpr FormatBytes PIN_ROWS(4 * KEYFRAME_ROW, 0, 0);
 constexpr FormatBytes TRANSFORM_ROWS(5 * KEYFRAME_ROW, 0, 0);
 constexpr FormatBytes PIN_CURVES(4 * 2 * CURVE_KEY, 0, 0);
+
+// A line of a tracker, "    image 1001 1234.5678901234567 789.0123456789012", for each of five.
+constexpr FormatBytes TRACKER_LINES(5 * 60, 0, 0);
 constexpr FormatBytes MESH_CURVES(0, 512, 2 * CURVE_KEY);
 
 // Arrays of single floats; transforms of double ones, each with a place in a table.
@@ -121,6 +125,12 @@ std::vector<TrackingRow> trackingRows()
          &Row::make<GlimmersetCornerPinExporter>,
          {MOTION, NeedsTrack, "", "Copy the text and paste it onto the layer.",
           "Six significant digits; one view; pins of interlaced material land one field height low.", PIN_ROWS}},
+        {&F::KESTRELIA_TRACKERS,
+         &Row::make<Kestrelia2DTrackersExporter>,
+         {HonoursLayers, NeedsTrack, "", "Open the file as a project.",
+          "Corners and centre as they were tracked and adjusted, with the lens; one view; layers whose pictures have "
+          "one size; the fields of interlaced material are frames, at the rate of frames.",
+          TRACKER_LINES, LeftOut::IsTold, Untracked::HasNoFile}},
     };
 }
 

@@ -6,10 +6,8 @@
 #include "Host/CameraSolveHelper.h"
 #include "Host/Rig3D.h"
 
-#include <QMap>
-#include <QString>
+#include <QCoreApplication>
 #include <QStringList>
-#include <QVariant>
 
 #include <memory>
 
@@ -29,6 +27,8 @@ struct MatchmoveChoice
 /// Camera, points, feature sets and models of a solve. The scene's pose isn't in it.
 class MatchmoveScene
 {
+    Q_DECLARE_TR_FUNCTIONS(MatchmoveScene)
+
 public:
     MatchmoveScene(KORV_ProjectManager& project, KV::ExportSpec const& spec, MatchmoveChoice const& choice);
 
@@ -44,7 +44,7 @@ public:
     /// The scene's pose, for a node above everything.
     KestreliaLib::Pose scenePose() const;
 
-    /// What the user must know, one line each.
+    /// What the user must know of what was added, one line each.
     QStringList messages() const;
 
     /// Samples that were left out, as they have values that aren't finite.
@@ -52,6 +52,7 @@ public:
 
 private:
     void addModels(KORV_ProjectManager const& project);
+    void noteStereo(KV::ExportSpec const& spec, MatchmoveChoice const& choice, KestreliaLib::Config const& config);
 
     Korvane::CameraSolve::ExporterHelper m_helper;
     std::unique_ptr<Rig3D::KestreliaSetup> m_setup;
