@@ -22,10 +22,11 @@ constexpr char SCENE_NAME[] = "Marlo Scene";
 /// Of the distance of points and the focal length in millimetres, as a single float.
 constexpr double POINT_SCALE = 0.20000000447034846;
 
+/// The reference frame isn't among them: it is about meshes that are taken for one frame, and
+/// here they all move as they do.
 struct Choices
 {
     bool includeFeatures = true;
-    bool useReferenceFrame = false;
     bool sceneAtOrigin = false;
     bool suggestScale = false;
 };
@@ -38,8 +39,7 @@ Choices choicesOf(KV::ExportSpec const& spec)
         return {};
     }
     KV::StringsUI const texts = KV::CameraSolveExporter::UI();
-    return {map->value(texts.includeFeatures.key).toBool(), map->value(texts.useReferenceFrame.key).toBool(),
-            map->value(texts.sceneAtOrigin.key).toBool(),
+    return {map->value(texts.includeFeatures.key).toBool(), map->value(texts.sceneAtOrigin.key).toBool(),
             map->value(texts.pointSizeMode.key).toString() == texts.pointSizeSuggested};
 }
 
@@ -54,8 +54,7 @@ double sceneScale(MatchmoveScene& model, Choices const& choices)
         return 1.0;
     }
     int const first = scene.shots.front().firstFrame;
-    int const frame = choices.useReferenceFrame ? scene.referenceFrame.value_or(first) : first;
-    KestreliaLib::Vector3 const eye = camera->poses.at(frame).position;
+    KestreliaLib::Vector3 const eye = camera->poses.at(first).position;
     double const distance = model.helper().suggestPointScale(true, choices.includeFeatures, {eye.x, eye.y, eye.z});
     double const scale = distance * POINT_SCALE / camera->lens.at(first).focalLength;
     return isWritable(scale) && scale > 0.0 ? scale : 1.0;

@@ -71,7 +71,8 @@ TEST(AlembicMesh, StandsInUnitsOf100PixelsAtTheNumbersThatAreShown)
     auto const faces = schema.getFaceIndicesProperty().getValue();
     EXPECT_EQ(std::vector<int>(faces->get(), faces->get() + faces->size()), (std::vector<int>{2, 1, 0}));
 
-    auto const bounds = Abc::GetIArchiveBounds(archive.archive());
+    Abc::IArchive opened = archive.archive();
+    auto const bounds = Abc::GetIArchiveBounds(opened);
     EXPECT_EQ(bounds.getNumSamples(), 3U);
     EXPECT_EQ(bounds.getValue(Abc::ISampleSelector(Abc::index_t(2))).max,
               Imath::V3d(static_cast<double>(2.2F), 3.0, 0.0));

@@ -75,7 +75,7 @@ void expectSeenAlike(ProjectBuilder const& builder, OpenArchive const& archive, 
     double const filmHeight = 10 * lens.getVerticalAperture();
     double const x = clip.width * (0.5 + lens.getFocalLength() * seen.x / -seen.z / film);
     double const y = clip.height * (0.5 + lens.getFocalLength() * seen.y / -seen.z / filmHeight);
-    Eigen::Vector2d const expected = project(builder.model, inScene, frame);
+    Eigen::Vector2d const expected = Projection::project(builder.model, inScene, frame);
     EXPECT_NEAR(x, expected.x(), 1e-6) << name << " in " << frame;
     EXPECT_NEAR(y, expected.y(), 1e-6) << name << " in " << frame;
 }
