@@ -15,7 +15,7 @@ Project = Dict[str, Any]
 
 @dataclass(frozen=True)
 class Case:
-    """A project and what the user chose. The camera of a rig is the rig's own one, between the eyes."""
+    """A project and what the user chose."""
     name: str
     project: Project
     view: Optional[str] = None
@@ -35,11 +35,13 @@ class Case:
     def title(self) -> str:
         return " ".join([self.name, *(word for word in self.arguments() if not word.startswith("--"))])
 
-    def contents(self) -> SceneContents:
-        left_out = ["stereo"] + ["scene"] * self.at_origin
+    def contents(self, old_features: bool = False, eyes: bool = False) -> SceneContents:
+        """`old_features`: those of a solve of an old version are exported too. `eyes`: of a rig the camera is the view's
+        eye, not the rig's own one between them."""
+        left_out = ["stereo"] * (not eyes) + ["scene"] * self.at_origin
         solve = {key: value for key, value in self.project["solve"].items() if key not in left_out}
         model = SceneModel({**self.project, "solve": solve})
-        return SceneContents(model, self.features and not model.legacy, self.objects)
+        return SceneContents(model, self.features and (old_features or not model.legacy), self.objects, self.view)
 
 
 def _mesh_points(**keys: Any) -> Project:

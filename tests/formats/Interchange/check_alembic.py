@@ -161,7 +161,7 @@ def prove(check: Check, key: str, title: str, data: Optional[bytes], judge: Call
 
 def prove_solve(check: Check, case: solve_cases.Case) -> None:
     data, contents = check.export(SOLVE, case.title(), case.project, *case.arguments(), "--quiet"), case.contents()
-    prove(check, SOLVE, case.title(), data, lambda archive: judge_solve(archive, contents, case.at_origin, case.fixed_size),
+    prove(check, SOLVE, case.title(), data, lambda archive: judge_solve(archive, contents, case),
           solve_faults if case.title() == "everything" else None)
 
 
@@ -180,10 +180,11 @@ def prove_flat(check: Check, name: str, project: Dict[str, Any], view: int = 0, 
 
 
 def body(check: Check) -> None:
-    check.may_warn = ("no hierarchy:", "have one name:", "points up to")
+    check.may_warn = ("All names have to be different", "A model isn't exported", "between the eyes")
     goldens = check.goldens_project()
     layer, contents = PlanarLayer(goldens), SceneContents(SceneModel(goldens))
-    prove(check, SOLVE, "golden", check.golden(SOLVE), lambda archive: judge_solve(archive, contents))
+    case = solve_cases.Case("golden", goldens)
+    prove(check, SOLVE, "golden", check.golden(SOLVE), lambda archive: judge_solve(archive, contents, case))
     for key in (MESH, VERTEX):
         prove(check, key, "golden", check.golden(key),
               lambda archive, key=key: judge_flat(archive, layer, list(layer.frames()), key == VERTEX))

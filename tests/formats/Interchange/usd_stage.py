@@ -54,7 +54,6 @@ class Reading:
             self.stage = Usd.Stage.Open(self.layer)
         except Tf.ErrorException as error:
             raise ValueError(f"OpenUSD refuses it: {error}") from error
-        self.size = np.array(solve_scene.picture_size(self.model))
         self.times = [float(frame + self.model.clip.get("frameOffset", 0)) for frame in range(self.model.frames)]
         cameras = [prim for prim in self.stage.TraverseAll() if prim.IsA(UsdGeom.Camera)]
         if len(cameras) != 1:
@@ -155,8 +154,7 @@ class Reading:
                 findings.same(f"times of {name}", times, self.times)
 
     def judge_lens(self, findings: Findings) -> None:
-        camera, expected = self.camera, self.model.camera()
-        width, height = solve_scene.film_size(self.model)
+        camera, expected = self.camera, self.contents.camera
         focal = [camera.GetFocalLengthAttr().Get(time) for time in self.times]
         findings.compare("lens, mm", focal, expected.focal, SINGLE * expected.focal * (1 + 1e-6), "focal length")
         findings.same("samples of the focal length", camera.GetFocalLengthAttr().GetNumTimeSamples(),
@@ -164,7 +162,7 @@ class Reading:
         found = np.array([camera.GetHorizontalApertureAttr().Get(), camera.GetVerticalApertureAttr().Get(),
                           camera.GetHorizontalApertureOffsetAttr().Get(), camera.GetVerticalApertureOffsetAttr().Get()])
         # The width of squeezed film went through singles before it came here.
-        findings.compare("lens, mm", found, [width, height, 0.0, 0.0], 3.0 * SINGLE * np.abs(found) + 1e-12, "film")
+        findings.compare("lens, mm", found, [*self.contents.film, 0.0, 0.0], 3.0 * SINGLE * np.abs(found) + 1e-12, "film")
         findings.same("projection", camera.GetProjectionAttr().Get(), "perspective")
         near, far = camera.GetClippingRangeAttr().Get()
         points = [self.contents.nodes[i].world.position for i in self.points()]
@@ -180,7 +178,7 @@ class Reading:
     def judge_nodes(self, findings: Findings) -> None:
         """Where everything stands in the world."""
         named = [("scene", self.scene, self.model.scene, None), ("camera", self.camera.GetPrim(),
-                                                                self.model.camera().place, None)]
+                                                                self.contents.camera.place, None)]
         named += [(node.name, prim, node.world, node) for node, prim in zip(self.contents.nodes, self.prims)]
         numbers, errors = self.chains([prim for _, prim, _, _ in named])
         found, bound = compose(numbers), spread(compose, [numbers], [errors])
@@ -232,7 +230,7 @@ class Reading:
             through = frustum.ComputeViewMatrix() * frustum.ComputeProjectionMatrix()
             for p, index in enumerate(at):
                 world = cache.GetLocalToWorldTransform(self.prims[index]).ExtractTranslation()
-                found[f, p] = np.array(through.Transform(world))[:2] * self.size / 2.0
+                found[f, p] = np.array(through.Transform(world))[:2] * self.contents.picture / 2.0
         bound = self._pixel_bound(at)
         findings.compare(PICTURE, found, self.contents.pixels(found), bound,
                          lambda f, p, axis: f"{self.contents.nodes[at[p]].name}, {self.times[f]}, {axis}")
@@ -249,7 +247,7 @@ class Reading:
             axes = axes / np.linalg.norm(axes, axis=1)[:, None, :]
             return Camera(place[:, :3], axes, lens[:, 0, 0]).project(compose(chains)[..., :3])
 
-        lens = (self.model.camera().focal / solve_scene.film_size(self.model)[0] * self.size[0])[:, None, None]
+        lens = (self.contents.camera.focal / self.contents.film[0] * self.contents.picture[0])[:, None, None]
         # Focal length and the two apertures are singles; the film's width was one before.
         return spread(pixels, [camera, lens, points], [camera_errors, 4.0 * SINGLE * lens, point_errors])
 
