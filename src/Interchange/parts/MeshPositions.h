@@ -23,7 +23,8 @@ namespace Export
 class MeshPositions
 {
 public:
-    /// @param helper gives clip, view and range; it and the mesh have to outlive this
+    /// @param helper gives clip, view and range
+    /// @param mesh has to outlive this
     MeshPositions(Korvane::ExporterHelperBase const& helper, ZN::MeshTracking::ParameterSet const& mesh);
 
     /// All vertices in the next frame of the helper, from its first one on.
@@ -44,17 +45,19 @@ public:
 
 private:
     Anm::Context contextAt(int row) const;
-    Imath::V3f position(ZN::MeshTracking::Vertex const& vertex, Anm::Context const& context) const;
+    Mtx_Vector2_f position(ZN::MeshTracking::Vertex const& vertex, Anm::Context const& context) const;
+    void takeRow();
     void hold(std::size_t vertex);
 
-    std::vector<ZN::MeshTracking::Vertex> const& m_vertices;
+    ZN::MeshTracking::ParameterSet const& m_mesh;
     ZN::NormalizedSpace m_picture;
     Anm::View m_view;
     int m_firstFrame;
     int m_frames;
     int m_nextRow = 0;
+    std::vector<Mtx_Vector2_f> m_seen;
     std::vector<Imath::V3f> m_row;
-    Imath::Box3f m_bounds;
+    Imath::Box2f m_bounds;
     int m_failed = 0;
 };
 
