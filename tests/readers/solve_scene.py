@@ -60,7 +60,8 @@ class SceneContents:
     """The nodes in the order layers, features, models; those that carry others in front of these. `camera` is the one
     of the view."""
 
-    def __init__(self, model: SceneModel, features: bool = True, objects: str = "all", view: Optional[str] = None) -> None:
+    def __init__(self, model: SceneModel, features: bool = True, objects: str = "all",
+                 view: Optional[str] = None) -> None:
         self.model, self.view, self.camera, self.nodes = model, view, model.camera(view), []
         clip = model.clip
         # The picture as it is seen, in square pixels, and what it was recorded on, in millimetres.
@@ -83,7 +84,8 @@ class SceneContents:
 
     def world_meshes(self) -> List[WorldMesh]:
         """The meshes of layers, then the models whose file is there."""
-        found = [WorldMesh(self.model.layers[mesh.layer].world.through(mesh.local), split_faces(mesh.counts, mesh.indices), mesh.corner_uvs())
+        found = [WorldMesh(self.model.layers[mesh.layer].world.through(mesh.local),
+                           split_faces(mesh.counts, mesh.indices), mesh.corner_uvs())
                  for mesh in self.meshes if mesh.counts]
         for node, asset in zip(self.of_kind("asset"), self.model.assets):
             if asset.path == model_file.NAME:
@@ -98,6 +100,15 @@ class SceneContents:
         seen = Camera(place.position, place.rotation, self.camera.focal / self.film[0] * self.picture[0]).project(
             np.stack([node.world.position for node in points], axis=1))
         return np.where(np.stack([node.shown for node in points], axis=1)[..., None], seen, found)
+
+    def marker_size(self) -> float:
+        """A size that suits markers: the median of the points' distances from the camera, both in the first frame,
+        times 0.2 and divided by the focal length."""
+        inside = self.model.scene.inverse()
+        eye = inside.holding(self.camera.place).position[0]
+        places = np.stack([inside.holding(node.world).position[0] for node in self.of_kind("point")])
+        distance = float(np.median(np.linalg.norm(places - eye, axis=1)))
+        return distance * float(np.float32(0.2)) / self.camera.focal[0]
 
     def _wanted(self, described: Any) -> bool:
         """Features of a hidden layer are hidden with it."""

@@ -18,6 +18,9 @@ PICTURE = "reprojection, px"
 # Allowance for the arithmetic of doubles, as a part of the size of these scenes.
 ARITHMETIC = 1e-9
 
+# How far from the camera the picture is hung up, scene units.
+SCREEN = 995.0
+
 # Millimetres in the unit of apertures.
 CENTIMETRE = 10.0
 
@@ -59,7 +62,8 @@ class Solve:
                       [("Data", "camera"), ("ShotPreLens", "xform"), ("Screen", "xform"), ("Trackers", "xform")])
         names = [thing.name for thing in self.archive.top.all_below()]
         findings.same("names that stand twice", len(names) - len(set(names)), 0)
-        findings.same("samples of the camera", [len(self.camera.samples), len(self.shot.samples)], [len(self.times)] * 2)
+        samples = [len(thing.samples) for thing in (self.camera, self.shot)]
+        findings.same("samples of camera and shot", samples, [len(self.times)] * 2)
         points = self.contents.of_kind("point")
         if findings.same("number of trackers", len(self.trackers), len(points)):
             for tracker, node in zip(self.trackers, points):
@@ -71,12 +75,12 @@ class Solve:
         focal = self.contents.camera.focal
         findings.compare("lens, mm", found[:, FOCAL], focal, SINGLE * focal + 1e-9, "focal length, frame")
         film = np.stack([found[:, ACROSS] * found[:, SQUEEZE], found[:, DOWN]], axis=1) * CENTIMETRE
-        findings.compare("lens, mm", film, np.tile(self.contents.film, (len(film), 1)), 4.0 * SINGLE * film, "film, frame, axis")
+        findings.compare("lens, mm", film, np.tile(self.contents.film, (len(film), 1)), 4.0 * SINGLE * film, "film")
         findings.compare("lens, mm", found[:, [SHIFT_ACROSS, SHIFT_DOWN]], np.zeros((len(found), 2)), 1e-12, "shift")
         depths = [self.depth(i) for i in range(len(self.trackers))]
         nearest, farthest = np.min(depths or [1.0]), np.max(depths or [1.0])
         if not np.all((0.0 < found[:, NEAR]) & (found[:, NEAR] < nearest) & (farthest < found[:, FAR])):
-            findings.problem(f"clips from {found[0, NEAR]} to {found[0, FAR]}: trackers lie from {nearest} to {farthest}")
+            findings.problem(f"clips from {found[0, NEAR]} to {found[0, FAR]}: trackers from {nearest} to {farthest}")
 
     def seen(self, positions: np.ndarray) -> np.ndarray:
         """(frames, points, 3) of the world in the camera's axes."""
@@ -97,7 +101,8 @@ class Solve:
         return factor * seen[..., :2] / -seen[..., 2:]
 
     def judge_places(self, findings: Findings) -> None:
-        named = [("camera", self.camera, self.contents.camera.place, None), ("scene", self.scene, self.model.scene, None)]
+        named = [("camera", self.camera, self.contents.camera.place, None),
+                 ("scene", self.scene, self.model.scene, None)]
         named += [(node.name, thing, node.world, node) for thing, node in
                   zip(self.trackers, self.contents.of_kind("point"))]
         for name, thing, place, node in named:
@@ -110,15 +115,8 @@ class Solve:
                 findings.compare("turn and scale", axes.reshape(-1, 9), turned.reshape(-1, 9), ARITHMETIC, name)
 
     def judge_unit(self, findings: Findings, case: Case) -> None:
-        """What suits the points: the median of their distances from the camera in the reference frame, a fifth of a
-        millimetre for each of the focal length. Points count where they are in the first frame."""
-        unit, points = 1.0, self.contents.of_kind("point")
-        if not case.fixed_size and points:
-            inside, frame = self.model.scene.inverse(), self.model.solve.get("referenceFrame", 0) * case.reference
-            places = np.stack([inside.holding(node.world).position[0] for node in points])
-            eye = inside.holding(self.contents.camera.place).position[frame]
-            distance = float(np.median(np.linalg.norm(places - eye, axis=1)))
-            unit = distance * float(np.float32(0.2)) / self.contents.camera.focal[0]
+        """Sizes that suit the points are made by scaling everything."""
+        unit = self.contents.marker_size() if self.trackers and not case.fixed_size else 1.0
         findings.compare("unit", self.unit, unit, 4.0 * SINGLE * unit)
 
     def judge_meshes(self, findings: Findings) -> None:
@@ -163,7 +161,8 @@ class Solve:
         """The picture is hung up so that it fills the view."""
         shape = self.screen.child("Shape")
         own = alembic_tree.at_frames(self.screen, self.times)
-        findings.compare("screen, sideways", own[:, :2, 3], np.zeros((len(own), 2)), ARITHMETIC)
+        distance = np.tile([0.0, 0.0, -SCREEN * self.unit], (len(own), 1))
+        findings.compare("screen, distance", own[:, :3, 3], distance, 8.0 * SINGLE * SCREEN * self.unit)
         pixels = self.pixels(self.vertices(shape))
         found = np.stack([pixels.min(axis=1), pixels.max(axis=1)], axis=1)
         half = self.contents.picture / 2.0
@@ -173,13 +172,14 @@ class Solve:
 def judge_faces(findings: Findings, mesh: Thing, faces: List[List[int]], corner_uvs: Optional[np.ndarray]) -> None:
     """Faces have the order of the vertices that the programs expect, clockwise from the front, wherever they start."""
     found = solve_scene.split_faces(mesh.counts, mesh.indices)
-    good = findings.same(f"faces of {mesh.name}", [_turned(face) for face in found], [_turned(face[::-1]) for face in faces])
+    expected = [_turned(face[::-1]) for face in faces]
+    good = findings.same(f"faces of {mesh.name}", [_turned(face) for face in found], expected)
     if corner_uvs is None or not good or not findings.same(f"UV of {mesh.name}", mesh.scope, "kFacevaryingScope"):
         return
     ends = np.cumsum([len(face) for face in faces])
     pairs = [dict(zip(face, corner_uvs[end - len(face):end])) for face, end in zip(faces, ends)]
-    expected = np.array([of_face[vertex] for face, of_face in zip(found, pairs) for vertex in face])
-    findings.compare("UV", mesh.uvs, expected, SINGLE * np.abs(expected), mesh.name)
+    corners = np.array([of_face[vertex] for face, of_face in zip(found, pairs) for vertex in face])
+    findings.compare("UV", mesh.uvs, corners, SINGLE * np.abs(corners), mesh.name)
 
 
 def _turned(face: List[int]) -> List[int]:

@@ -43,7 +43,8 @@ def _time(word: str) -> Optional[int]:
 
 
 def _name(word: str) -> str:
-    _need(bool(re.fullmatch(r'"([^"\\\x00-\x1f\x7f]|\\["\\]|\\x[01][0-9a-fA-F]|\\x7[fF])*"', word)), f"{word} is no name")
+    pattern = r'"([^"\\\x00-\x1f\x7f]|\\["\\]|\\x[01][0-9a-fA-F]|\\x7[fF])*"'
+    _need(bool(re.fullmatch(pattern, word)), f"{word} is no name")
     return re.sub(r"\\(x..|.)", lambda m: chr(int(m[1][1:], 16)) if len(m[1]) == 3 else m[1], word[1:-1])
 
 
@@ -118,7 +119,7 @@ def parse(data: bytes) -> Record:
 
 def _words(line: str) -> List[str]:
     word = r'(?:"(?:[^"\\]|\\.)*"|[^ "]+)'
-    _need(bool(re.fullmatch(f"{word}( +{word})*", line)), f"words that no blank parts, or no end of a name: {line[:60]}")
+    _need(bool(re.fullmatch(f"{word}( +{word})*", line)), f"words without a blank, a name without an end: {line[:60]}")
     return re.findall(word, line)
 
 
@@ -168,7 +169,8 @@ def _judge_file(file: Record) -> None:
         uvs, faces, uv_faces = mesh.all("uv"), mesh.all("face"), mesh.all("face_uv")
         good = len(counts) == 1 and all(i < max(counts) for face in faces for i in face)
         good &= all(i < len(uvs) for face in uv_faces for i in face)
-        good &= [len(face) for face in uv_faces] == [len(face) for face in faces] if uv_faces else len(uvs) in (0, *counts)
+        alike = [len(face) for face in uv_faces] == [len(face) for face in faces]
+        good &= alike if uv_faces else len(uvs) in (0, *counts)
         order = [("object", "pose", "row", "v", "face", "uv", "face_uv").index(word) for word, _ in mesh.parts]
         levels = [2 if level == 3 else level for level in order]
         _need(good and levels == sorted(levels), f"mesh {mesh.name} has other indices or another order than it may")

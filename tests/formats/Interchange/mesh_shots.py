@@ -30,7 +30,8 @@ def projects() -> Dict[str, Dict[str, Any]]:
     gaps["layers"][0]["name"] = gaps["currentLayer"] = "1 sign; a=b"
     fields = _with_mesh(shots.interlaced(), [{"positions": _positions(19, (180, 70), 0.9)}])
     eyes = _with_mesh(shots.hand_made(shots.GENTLE), [
-        {"positions": _positions(19, (560, 130), 0.7)}, {"view": "right", "positions": _positions(19, (540, 140), 0.5)}])
+        {"positions": _positions(19, (560, 130), 0.7)},
+        {"view": "right", "positions": _positions(19, (540, 140), 0.5)}])
     record = eyes["layers"][0]
     record["tracking"] = [*record["tracking"], {**record["tracking"][0], "view": "right"}]
     return {"wide": wide, "gaps": gaps, "fields": fields, "eyes": {**eyes, "views": ["left", "right"]}}

@@ -162,7 +162,8 @@ class Reading:
         found = np.array([camera.GetHorizontalApertureAttr().Get(), camera.GetVerticalApertureAttr().Get(),
                           camera.GetHorizontalApertureOffsetAttr().Get(), camera.GetVerticalApertureOffsetAttr().Get()])
         # The width of squeezed film went through singles before it came here.
-        findings.compare("lens, mm", found, [*self.contents.film, 0.0, 0.0], 3.0 * SINGLE * np.abs(found) + 1e-12, "film")
+        film = [*self.contents.film, 0.0, 0.0]
+        findings.compare("lens, mm", found, film, 3.0 * SINGLE * np.abs(found) + 1e-12, "film")
         findings.same("projection", camera.GetProjectionAttr().Get(), "perspective")
         near, far = camera.GetClippingRangeAttr().Get()
         points = [self.contents.nodes[i].world.position for i in self.points()]
@@ -196,6 +197,12 @@ class Reading:
                 axes = (place.rotation * place.scale[:, None, None]).reshape(-1, 9)
                 findings.compare("turn and scale", found[:, i, 3:], axes, off[:, 3:] + ARITHMETIC, name)
 
+    def judge_markers(self, findings: Findings, fixed_size: bool) -> None:
+        """Points are scaled to be seen, as the same part of the picture or by one number."""
+        size = 0.01 if fixed_size else self.contents.marker_size() * self.contents.film[0]
+        found = [self._level(self.prims[index], self.times[0])[6] for index in self.points()]
+        findings.compare("size of points", found, [size] * len(found), 4.0 * SINGLE * size)
+
     def judge_meshes(self, findings: Findings) -> None:
         for expected, prim in zip(self.contents.meshes, self.meshes):
             name, mesh = str(prim.GetPath()), UsdGeom.Mesh(prim)
@@ -219,7 +226,8 @@ class Reading:
         if findings.same(f"UV sets of {name}", [(p.GetPrimvarName(), p.GetInterpolation()) for p in pairs],
                          [("st", "faceVarying")]):
             corners = expected.corner_uvs()
-            findings.compare("UV", np.array(pairs[0].ComputeFlattened(), float), corners, SINGLE * np.abs(corners), name)
+            found = np.array(pairs[0].ComputeFlattened(), float)
+            findings.compare("UV", found, corners, SINGLE * np.abs(corners), name)
 
     def judge_picture(self, findings: Findings) -> None:
         """OpenUSD's own matrices and frustum against the solve."""
@@ -253,11 +261,12 @@ class Reading:
 
 
 @judging
-def judge(findings: Findings, data: bytes, contents: SceneContents) -> None:
+def judge(findings: Findings, data: bytes, contents: SceneContents, fixed_size: bool = False) -> None:
     reading = Reading(data, contents)
     reading.judge_stage(findings)
     reading.judge_lens(findings)
     reading.judge_nodes(findings)
     reading.judge_meshes(findings)
     if reading.points():
+        reading.judge_markers(findings, fixed_size)
         reading.judge_picture(findings)
