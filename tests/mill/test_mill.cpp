@@ -24,6 +24,7 @@
 #include <QRegularExpression>
 #include <QTemporaryDir>
 
+#include <algorithm>
 #include <clocale>
 #include <cmath>
 #include <limits>
@@ -170,6 +171,13 @@ testing::AssertionResult sameBytes(QByteArray const& expected, QByteArray const&
     if (expected == found)
     {
         return testing::AssertionSuccess();
+    }
+    if (expected.contains('\0'))
+    {
+        auto const differ = std::mismatch(expected.begin(), expected.end(), found.begin(), found.end());
+        return testing::AssertionFailure()
+               << found.size() << " bytes where " << expected.size() << " were expected; they differ from byte "
+               << differ.first - expected.begin() << " on";
     }
     QList<QByteArray> const a = expected.split('\n');
     QList<QByteArray> const b = found.split('\n');

@@ -181,8 +181,9 @@ TEST(AlembicSolve, ASolveFarFromTheOriginIsToldOf)
     auto const result = run(builder);
     ASSERT_EQ(result.messages.size(), 1) << result.messages.join('\n').toStdString();
     EXPECT_TRUE(result.messages[0].contains("single floats")) << result.messages[0].toStdString();
-    // Transforms are doubles.
     OpenArchive const archive(result.files.value("out.abc"));
+    EXPECT_GT(cameraOf(archive).getValue().getFarClippingPlane(), 1e6) << "behind the points";
+    // Transforms are doubles.
     std::string const first = archive.names("scene/Shot 1/Trackers").at(0);
     EXPECT_DOUBLE_EQ(worldOf(archive, "scene/Shot 1/Trackers/" + first, 0)[3][0], 1e6 + 0.03);
 }
