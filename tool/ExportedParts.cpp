@@ -39,7 +39,13 @@ ExportedParts partsOf(Session& session, FormatEntry const& format, LayerChoice c
     ExportedParts parts;
     bool const takesViews = format.traits().honours.testFlag(Export::HonoursViews);
     parts.views = takesViews ? views.views : std::vector<Anm::View>{views.view};
-    if (format.kind() == Kind::Tracking && layers.current)
+    ZN::LayerExportMode const mode = layers.selection.mode;
+    bool const takesLayers = format.traits().honours.testFlag(Export::HonoursLayers) && mode != ZN::SpecifiedLayer;
+    if (format.kind() == Kind::Tracking && takesLayers)
+    {
+        parts.layers = session.layers(mode);
+    }
+    if (format.kind() == Kind::Tracking && parts.layers.empty() && layers.current)
     {
         parts.layers = {layers.current};
     }

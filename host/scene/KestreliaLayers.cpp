@@ -14,9 +14,9 @@ using MarloHost::TrackModel;
 namespace
 {
 
-/// In the order of the points of a row.
-constexpr char const* POINT_NAMES[] = {"lower left", "lower right", "upper left", "upper right", "centre"};
-constexpr std::size_t POINTS = 5;
+/// In the order of the points of a row, whose last one, the centre, says nothing more.
+constexpr char const* CORNER_NAMES[] = {"lower left", "lower right", "upper left", "upper right"};
+constexpr std::size_t CORNERS = 4;
 
 TrackModel const* trackIn(KORV_Layer const& layer, Anm::View const& view)
 {
@@ -52,18 +52,18 @@ void KestreliaSetup::addLayerTrack(KORV_Layer const& layer, Anm::ContextRange co
     MarloHost::MotionChoice choice;
     choice.option = ZN_TRACKING_OPTION_ADJUSTED;
     MarloHost::LayerMotion const motion(*layer.data().model, *track, choice);
-    std::array<KestreliaLib::Samples<KestreliaLib::Vector2>, POINTS> images;
+    std::array<KestreliaLib::Samples<KestreliaLib::Vector2>, CORNERS> images;
     for (std::size_t i = 0; i < track->frames.size(); ++i)
     {
         int const frame = track->frames[i];
         bool const isIn = frame >= range.first().frameValue() && frame <= range.last().frameValue();
         FrameRow const row = isIn ? motion.row(i) : FrameRow();
-        for (std::size_t point = 0; point < POINTS && row.points; ++point)
+        for (std::size_t corner = 0; corner < CORNERS && row.points; ++corner)
         {
-            KestreliaLib::Vector2 const seen{(*row.points)[point].x + 0.0, (*row.points)[point].y + 0.0};
+            KestreliaLib::Vector2 const seen{(*row.points)[corner].x + 0.0, (*row.points)[corner].y + 0.0};
             if (MarloHost::isFinite(seen))
             {
-                images[point].add(frame + m_data->offset, seen);
+                images[corner].add(frame + m_data->offset, seen);
             }
             else
             {
@@ -76,10 +76,10 @@ void KestreliaSetup::addLayerTrack(KORV_Layer const& layer, Anm::ContextRange co
         }
     }
     unsigned int const group = m_data->addGroup(layer.name());
-    for (std::size_t point = 0; point < POINTS; ++point)
+    for (std::size_t corner = 0; corner < CORNERS; ++corner)
     {
-        QString const name = layer.name() + QLatin1Char(' ') + QLatin1String(POINT_NAMES[point]);
-        m_data->addTracker(name, group).image = std::move(images[point]);
+        QString const name = layer.name() + QLatin1Char(' ') + QLatin1String(CORNER_NAMES[corner]);
+        m_data->addTracker(name, group).image = std::move(images[corner]);
     }
 }
 

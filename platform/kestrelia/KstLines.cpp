@@ -221,7 +221,7 @@ void KstLines::endLine() const
 
 void KstLines::fail(QString const& cause) const
 {
-    throw FileError(QStringLiteral("%1: line %2: ").arg(m_fileName).arg(m_number) + cause);
+    throw FileError(m_fileName + QStringLiteral(": line %1: ").arg(std::max(1, m_number)) + cause);
 }
 
 void KstLines::fail(char const* cause) const

@@ -82,9 +82,8 @@ public:
     void addModel(Korvane::CameraSolve::PointAnimData const& place, std::vector<ZN::AssetMesh> const& meshes,
                   QString const& name, QString const& parentId);
 
-    /// Adds the four corners and the centre of a layer's surface as 2D trackers, with the
-    /// user's corrections, in the view of the range. Frames without tracking data have no
-    /// samples.
+    /// Adds the four corners of a layer's surface as 2D trackers, with the user's corrections,
+    /// in the view of the range. Frames without tracking data have no samples.
     void addLayerTrack(KORV_Layer const& layer, Anm::ContextRange const& range);
 
     /// The text of the project; empty when there is nothing in it. Of things of a kind that

@@ -1,6 +1,6 @@
 // Kestrelia 2D Tracker Data: the user opens the file in the matchmoving application. It is a
 // project with one shot and no camera (docs/kestrelia-file.md), in which each layer is a
-// group of five trackers:
+// group of four trackers:
 //
 //   kestrelia 1
 //   name "Marlo Scene"

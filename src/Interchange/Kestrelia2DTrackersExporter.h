@@ -19,8 +19,8 @@ class MARLO_EXPORT_API Kestrelia2DTrackersExporter : public Korvane::TrackingExp
 public:
     ~Kestrelia2DTrackersExporter() override;
 
-    /// Corners and centre of each chosen layer in the current view, with the user's corrections,
-    /// in the picture as it was shot: the choices of motion, inversion and lens have no effect.
+    /// The corners of each chosen layer in the current view, with the user's corrections, in the
+    /// picture as it was shot: the choices of motion, inversion and lens have no effect.
     /// Layers without tracking data are left out. Without any there is a message and no file.
     ///
     /// @throws KORV_BadArgument when there is no such layer or its clip is gone

@@ -14,3 +14,13 @@ CORNER_UVS = np.array([[0.0, 0.0], [0.5, 0.0], [0.5, 0.75], [0.0, 0.75], [0.0, 0
 # Indices count from 1, or back from the last.
 TEXT = "# a box\no box\n" + "".join(f"v {x} {y} {z}\n" for x, y, z in VERTICES) + "".join(
     f"vt {u} {v}\n" for u, v in CORNER_UVS) + "f 1/1 2/2 3/3 4/4\nf 4/5 3/6 6/7\nf -3/8 -1/9 -2/10\n"
+
+# The lamp of the goldens' project, tests/formats/models/lamp.v2.obj: a foot, and a shade that no picture is put onto.
+FOOT = (np.array([[-1.0, 0.0, -1.0], [1.0, 0.0, -1.0], [1.0, 0.0, 1.0], [-1.0, 0.0, 1.0], [0.0, 2.0, 0.0]]),
+        [[3, 2, 1, 0], [0, 1, 4], [1, 2, 4]],
+        np.array([[0.0, 1.0], [1.0, 1.0], [1.0, 0.0], [0.0, 0.0], [0.0, 0.0], [1.0, 0.0], [0.5, 0.5], [1.0, 0.0], [1.0, 1.0],
+                  [0.5, 0.5]]))
+SHADE = (np.array([[-0.5, 2.0, 0.5], [0.5, 2.0, 0.5], [0.25, 3.0, 0.25], [-0.25, 3.0, 0.25]]), [[0, 1, 2, 3]], None)
+
+# Vertices, faces and places of their corners, of each mesh of the models that are there.
+MESHES = {NAME: [(VERTICES, FACES, CORNER_UVS)], "models/lamp.v2.obj": [FOOT, SHADE]}

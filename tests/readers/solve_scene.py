@@ -88,9 +88,9 @@ class SceneContents:
                            split_faces(mesh.counts, mesh.indices), mesh.corner_uvs())
                  for mesh in self.meshes if mesh.counts]
         for node, asset in zip(self.of_kind("asset"), self.model.assets):
-            if asset.path == model_file.NAME:
-                vertices = node.world.through(np.tile(model_file.VERTICES, (self.model.frames, 1, 1)))
-                found.append(WorldMesh(vertices, model_file.FACES, model_file.CORNER_UVS))
+            for vertices, faces, corner_uvs in model_file.MESHES.get(asset.path, []):
+                moved = node.world.through(np.tile(vertices, (self.model.frames, 1, 1)))
+                found.append(WorldMesh(moved, faces, corner_uvs))
         return found
 
     def pixels(self, found: np.ndarray) -> np.ndarray:

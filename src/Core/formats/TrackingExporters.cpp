@@ -47,8 +47,8 @@ constexpr FormatBytes PIN_ROWS(4 * KEYFRAME_ROW, 0, 0);
 constexpr FormatBytes TRANSFORM_ROWS(5 * KEYFRAME_ROW, 0, 0);
 constexpr FormatBytes PIN_CURVES(4 * 2 * CURVE_KEY, 0, 0);
 
-// A line of a tracker, "    image 1001 1234.5678901234567 789.0123456789012", for each of five.
-constexpr FormatBytes TRACKER_LINES(5 * 60, 0, 0);
+// A line of a tracker, "    image 1001 1234.5678901234567 789.0123456789012", for each of four.
+constexpr FormatBytes TRACKER_LINES(4 * 60, 0, 0);
 constexpr FormatBytes MESH_CURVES(0, 512, 2 * CURVE_KEY);
 
 // Arrays of single floats; transforms of double ones, each with a place in a table.
@@ -128,7 +128,7 @@ std::vector<TrackingRow> trackingRows()
         {&F::KESTRELIA_TRACKERS,
          &Row::make<Kestrelia2DTrackersExporter>,
          {HonoursLayers, NeedsTrack, "", "Open the file as a project.",
-          "Corners and centre as they were tracked and adjusted, with the lens; one view; layers whose pictures have "
+          "Corners as they were tracked and adjusted, with the lens; one view; layers whose pictures have "
           "one size; the fields of interlaced material are frames, at the rate of frames.",
           TRACKER_LINES, LeftOut::IsTold, Untracked::HasNoFile}},
     };

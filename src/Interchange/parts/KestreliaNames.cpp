@@ -13,9 +13,9 @@ QString KestreliaNames::renamed(QStringList const& clashes)
     QString names = QStringList(clashes.mid(0, MOST)).join(QStringLiteral(", "));
     if (clashes.size() > MOST)
     {
-        names = tr("%1 and %2 more").arg(names).arg(clashes.size() - MOST);
+        names = tr("%1 and %2 more").arg(names, QString::number(clashes.size() - MOST));
     }
-    return tr("Several things have one name, so all but the first got numbers: %1").arg(names);
+    return tr("Several things have one name: %1. All but the first got numbers.").arg(names);
 }
 
 }
