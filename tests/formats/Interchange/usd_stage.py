@@ -48,9 +48,9 @@ class Reading:
 
     def __init__(self, data: bytes, contents: SceneContents) -> None:
         self.model, self.contents = contents.model, contents
-        self.layer = Sdf.Layer.CreateAnonymous(".usda")
+        self.layer, self.text = Sdf.Layer.CreateAnonymous(".usda"), data.decode("utf-8")
         try:
-            self.layer.ImportFromString(data.decode("utf-8"))
+            self.layer.ImportFromString(self.text)
             self.stage = Usd.Stage.Open(self.layer)
         except Tf.ErrorException as error:
             raise ValueError(f"OpenUSD refuses it: {error}") from error
@@ -147,6 +147,9 @@ class Reading:
         findings.same("default prim", str(stage.GetDefaultPrim().GetPath()), ROOT)
         findings.same("root prims", [str(prim.GetPath()) for prim in stage.GetPseudoRoot().GetAllChildren()], [ROOT])
         findings.same("other prims", self.others(), [])
+        # OpenUSD prints as few digits as read back to the same number.
+        texts = [re.findall(r"-?[0-9][-+.e0-9]*", text) for text in (self.text, self.layer.ExportToString())]
+        findings.same("numbers in another form", [pair for pair in zip(*texts) if pair[0] != pair[1]], [])
         findings.same("prims that aren't def", [str(p.GetPath()) for p in stage.TraverseAll() if not p.IsDefined()], [])
         findings.same("types", {prim.GetTypeName() for prim in self.prims}, {"Xform"} if self.prims else set())
         for name, times in self.numbers_of_times():
