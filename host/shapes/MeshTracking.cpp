@@ -23,8 +23,31 @@ struct ZN::MeshTracking::Vertex::Data
     /// By the id of the view; views without a track have that of the first one that has it.
     std::vector<Track> tracks;
     std::size_t vertexCount = 0;
-    double width = 1;
-    double height = 1;
+
+    /// Of the picture.
+    double perWidth = 1;
+    double perHeight = 1;
+
+    /// The positions of all vertices in a context, and the correction of that frame or null;
+    /// no positions for views without a track.
+    struct Row
+    {
+        double const* xy = nullptr;
+        MarloHost::Homography const* correction = nullptr;
+    };
+
+    Row rowAt(Anm::Context const& context) const;
+
+    /// @param xy one vertex of a row
+    Mtx_Vector2_f normalized(Row const& row, double const* xy) const
+    {
+        TXI::Pos2 at{xy[0], xy[1]};
+        if (row.correction)
+        {
+            at = row.correction->apply(at);
+        }
+        return {static_cast<float>(at.x * perWidth), static_cast<float>(at.y * perHeight)};
+    }
 };
 
 namespace
@@ -102,8 +125,30 @@ void NormalizedSpace::toImage(Mtx_Vector2_f& point) const
     point.y *= m_height;
 }
 
+void NormalizedSpace::toImage(std::vector<Mtx_Vector2_f>& points) const
+{
+    for (Mtx_Vector2_f& point : points)
+    {
+        point.x *= m_width;
+        point.y *= m_height;
+    }
+}
+
 namespace MeshTracking
 {
+
+Vertex::Data::Row Vertex::Data::rowAt(Anm::Context const& context) const
+{
+    auto const view = static_cast<std::size_t>(context.view().id() - Anm::View::defaultViewId());
+    Track const& track = tracks[view < tracks.size() ? view : 0];
+    if (!track.model || track.model->frames.empty())
+    {
+        return {};
+    }
+    std::size_t const index = indexOfFrame(track.model->frames, context.frameValue());
+    return {&track.model->positions[index * vertexCount * 2],
+            track.corrections.empty() ? nullptr : &track.corrections[index]};
+}
 
 Vertex::Vertex(std::shared_ptr<Data const> mesh, std::size_t index) : m_mesh(std::move(mesh)), m_index(index)
 {
@@ -111,20 +156,8 @@ Vertex::Vertex(std::shared_ptr<Data const> mesh, std::size_t index) : m_mesh(std
 
 Mtx_Vector2_f Vertex::pos(Anm::Context const& context) const
 {
-    auto const view = static_cast<std::size_t>(context.view().id() - Anm::View::defaultViewId());
-    Data::Track const& track = m_mesh->tracks[view < m_mesh->tracks.size() ? view : 0];
-    if (!track.model || track.model->frames.empty())
-    {
-        return {NAN, NAN};
-    }
-    std::size_t const index = indexOfFrame(track.model->frames, context.frameValue());
-    double const* const xy = &track.model->positions[(index * m_mesh->vertexCount + m_index) * 2];
-    TXI::Pos2 at{xy[0], xy[1]};
-    if (!track.corrections.empty())
-    {
-        at = track.corrections[index].apply(at);
-    }
-    return {static_cast<float>(at.x / m_mesh->width), static_cast<float>(at.y / m_mesh->height)};
+    Data::Row const row = m_mesh->rowAt(context);
+    return row.xy ? m_mesh->normalized(row, row.xy + 2 * m_index) : Mtx_Vector2_f{NAN, NAN};
 }
 
 ParameterSet::ParameterSet(std::vector<Vertex> vertices, std::vector<int> faceCounts, std::vector<int> faceIndices)
@@ -137,6 +170,22 @@ ParameterSet::~ParameterSet() = default;
 std::vector<Vertex> const& ParameterSet::vertices() const
 {
     return m_vertices;
+}
+
+void ParameterSet::positions(Anm::Context const& context, std::vector<Mtx_Vector2_f>& positions) const
+{
+    positions.resize(m_vertices.size());
+    Vertex::Data const* const mesh = m_vertices.empty() ? nullptr : m_vertices.front().m_mesh.get();
+    Vertex::Data::Row const row = mesh ? mesh->rowAt(context) : Vertex::Data::Row();
+    if (!row.xy)
+    {
+        std::fill(positions.begin(), positions.end(), Mtx_Vector2_f{NAN, NAN});
+        return;
+    }
+    for (std::size_t i = 0; i < m_vertices.size(); ++i)
+    {
+        positions[i] = mesh->normalized(row, row.xy + 2 * i);
+    }
 }
 
 std::vector<int> const& ParameterSet::faceCounts() const
@@ -164,8 +213,8 @@ std::shared_ptr<ZN::MeshTracking::ParameterSet> makeMesh(KORV_Layer::Data const&
     MeshModel const& model = *data.model->mesh;
     auto mesh = std::make_shared<MeshData>();
     mesh->vertexCount = static_cast<std::size_t>(model.vertexCount);
-    mesh->width = data.clip->info().width();
-    mesh->height = data.clip->info().height();
+    mesh->perWidth = 1.0 / data.clip->info().width();
+    mesh->perHeight = 1.0 / data.clip->info().height();
 
     mesh->tracks.resize(views.viewCount());
     for (MeshTrackModel const& track : model.tracks)

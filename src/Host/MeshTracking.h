@@ -22,6 +22,9 @@ public:
     /// From this space to pixels, in place.
     void toImage(Mtx_Vector2_f& point) const;
 
+    /// The same for many points.
+    void toImage(std::vector<Mtx_Vector2_f>& points) const;
+
 private:
     float m_width;
     float m_height;
@@ -42,6 +45,8 @@ public:
     Mtx_Vector2_f pos(Anm::Context const& context) const;
 
 private:
+    friend class ParameterSet;
+
     std::shared_ptr<Data const> m_mesh;
     std::size_t m_index;
 };
@@ -56,6 +61,10 @@ public:
     ParameterSet& operator=(ParameterSet const&) = delete;
 
     std::vector<Vertex> const& vertices() const;
+
+    /// pos() of every vertex at once, for exports of large meshes.
+    /// @param positions gets as many as there are vertices
+    void positions(Anm::Context const& context, std::vector<Mtx_Vector2_f>& positions) const;
 
     /// Vertices per face, and the vertices of all faces one after another, counter-clockwise
     /// as seen on screen.

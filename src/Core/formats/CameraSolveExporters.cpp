@@ -5,6 +5,7 @@
 
 #include "AfterEffects/AE3DMotionExporter.h"
 #include "Host/CameraSolveExporter.h"
+#include "Interchange/AlembicCameraSolveExporter.h"
 #include "Interchange/KestreliaSolveExporter.h"
 
 namespace Export
@@ -21,6 +22,7 @@ constexpr char PASTE_CAMERA[] =
 constexpr double POSE_ROWS = 200;
 constexpr double STILL_NULL = 700;
 constexpr FormatBytes SCENE_TEXT(POSE_ROWS, STILL_NULL, POSE_ROWS);
+constexpr FormatBytes ALEMBIC_SCENE(1024, 2048, 64, 65536);
 
 // Of a matchmove project: twelve numbers in all their digits for a pose and two for the lens,
 // and a tracker with its name, or a line of three numbers; as much again for vertices.
@@ -54,6 +56,12 @@ std::vector<CameraSolveRow> cameraSolveRows()
           "One eye of a stereo pair; no lens; the fields of interlaced material are frames, at the rate of frames.",
           MATCHMOVE},
          true},
+        {&F::Alembic,
+         &Row::make<AlembicCameraSolveExporter>,
+         {HonoursObjects, NeedsSolve, "", "Import the file as Alembic.",
+          "The rig's own camera of a solve in stereo; points as transforms; vertices of meshes are single floats; no "
+          "lens.",
+          ALEMBIC_SCENE}},
     };
 }
 

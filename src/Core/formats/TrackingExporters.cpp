@@ -8,6 +8,8 @@
 #include "Autodesk/KORV_IFFFSEPointsExporter.h"
 #include "Autodesk/KORV_IFFFSEStabilizerExporter.h"
 #include "Host/TrackingExporter.h"
+#include "Interchange/AlembicMeshExporter.h"
+#include "Interchange/AlembicVertexTransformExporter.h"
 #include "Interchange/Kestrelia2DTrackersExporter.h"
 #include "Nuke/MarloBlendTrackingExporter.h"
 #include "Nuke/NukeAsciiExporter.h"
@@ -31,6 +33,9 @@ constexpr char PASTE_KEYFRAMES[] =
     "Copy the text and paste it onto a layer, with the current time at the start of the clip.";
 constexpr char PASTE_NODE[] = "Paste the text into the node graph, or open the file as a script.";
 
+constexpr char ALEMBIC_LIMITS[] = "Single floats; the mesh as it was tracked, without UVs; its camera doesn't see it; "
+                                  "square pixels, and lines of fields "
+                                  "in interlaced material.";
 constexpr char LOAD_TRACKERS[] = "Load each file into the tracker of its number.";
 constexpr char LOAD_STABILIZER[] = "Load the setup in the stabilizer's menu.";
 
@@ -56,6 +61,10 @@ constexpr FormatBytes MESH_CURVES(4 * CURVE_KEY, 512, 2 * CURVE_KEY);
 // A line of a tracker, "    image 1001 1234.5678901234567 789.0123456789012", for each of four.
 constexpr FormatBytes TRACKER_LINES(4 * 60, 0, 0);
 
+// Arrays of single floats; transforms of double ones, each with a place in a table.
+constexpr FormatBytes ALEMBIC_POINTS(256, 64, 12);
+constexpr FormatBytes ALEMBIC_TRANSFORMS(64, 4096, 160);
+
 }
 
 // exporter, what it honours and needs, what breaks a field, the way in, limits, bytes
@@ -70,6 +79,12 @@ std::vector<TrackingRow> trackingRows()
         {&F::AE_TRANSFORM,
          &Row::make<AETransformExporter>,
          {MOTION, NeedsTrack, "", PASTE_KEYFRAMES, SIX_DIGITS, TRANSFORM_ROWS}},
+        {&F::ALEMBIC_MESH,
+         &Row::make<AlembicMeshExporter>,
+         {FormatHonours(), NeedsMesh, "", "Import the file as Alembic.", ALEMBIC_LIMITS, ALEMBIC_POINTS}},
+        {&F::ALEMBIC_VERTEX_TRANSFORM,
+         &Row::make<AlembicVertexTransformExporter>,
+         {FormatHonours(), NeedsMesh, "", "Import the file as Alembic.", ALEMBIC_LIMITS, ALEMBIC_TRANSFORMS}},
         {&F::IFFFSE_POINTS,
          &Row::make<KORV_IFFFSEPointsExporter>,
          {MOTION, NeedsTrack, "", LOAD_TRACKERS, TRACKER_LIMITS, FLAME_LINES}},

@@ -197,7 +197,7 @@ def body(check: Check) -> None:
         prove(check, key, "golden", check.golden(key),
               lambda archive, key=key: judge_flat(archive, layer, list(layer.frames()), key == VERTEX))
     check.scratch.joinpath(model_file.NAME).write_text(model_file.TEXT, encoding="utf-8")
-    for case in (*solve_cases.cases(), *solve_cases.scene_cases()):
+    for case in (*solve_cases.cases(check.json("samples/castle.json")), *solve_cases.scene_cases()):
         prove_solve(check, case)
     for name, project in mesh_shots.projects().items():
         for view in range(len(project.get("views", ["main"]))):

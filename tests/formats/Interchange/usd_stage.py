@@ -4,6 +4,7 @@ Lengths are in scene units, which a stage calls centimetres, so that lenses stan
 """
 
 import re
+from functools import lru_cache
 from typing import Iterator, List, Tuple
 
 import numpy as np
@@ -48,9 +49,9 @@ class Reading:
 
     def __init__(self, data: bytes, contents: SceneContents) -> None:
         self.model, self.contents = contents.model, contents
-        self.layer = Sdf.Layer.CreateAnonymous(".usda")
+        self.layer, self.text = Sdf.Layer.CreateAnonymous(".usda"), data.decode("utf-8")
         try:
-            self.layer.ImportFromString(data.decode("utf-8"))
+            self.layer.ImportFromString(self.text)
             self.stage = Usd.Stage.Open(self.layer)
         except Tf.ErrorException as error:
             raise ValueError(f"OpenUSD refuses it: {error}") from error
@@ -77,13 +78,17 @@ class Reading:
 
     def _child(self, holder: Usd.Prim, names: List[str], again: bool = False) -> Usd.Prim:
         """The child of this name that wasn't found yet; behind it in the file, those whose name got a suffix."""
-        children = [child for child in holder.GetAllChildren() if again or child not in self._used]
-        good = [child for child in children if child.GetName() in names] + [
-            child for child in children if re.fullmatch(re.escape(names[0]) + "_?[0-9]+", child.GetName())]
-        if not good:
-            raise ValueError(f"no {names[0]} below {holder.GetPath()}")
-        self._used.add(good[0])
-        return good[0]
+        for child in map(holder.GetChild, names):
+            if child and (again or child not in self._used):
+                break
+        else:
+            pattern = re.compile(re.escape(names[0]) + "_?[0-9]+")
+            free = (child for child in holder.GetAllChildren() if child not in self._used)
+            child = next((child for child in free if pattern.fullmatch(child.GetName())), None)
+            if child is None:
+                raise ValueError(f"no {names[0]} below {holder.GetPath()}")
+        self._used.add(child)
+        return child
 
     def _mesh_prim(self, mesh: solve_scene.SolvedMesh) -> Usd.Prim:
         layer = self.model.layers[mesh.layer]
@@ -94,25 +99,31 @@ class Reading:
     def others(self) -> List[str]:
         """Prims that belong to nothing of the solve; those that hold it all aren't among them."""
         above = {prim for prim in self.stage.TraverseAll() if self.scene.GetPath().HasPrefix(prim.GetPath())}
-        return [str(prim.GetPath()) for prim in self.stage.TraverseAll() if prim not in self._used | above]
+        known = self._used | above
+        return [str(prim.GetPath()) for prim in self.stage.TraverseAll() if prim not in known]
 
     # ---- numbers
 
     def chains(self, prims: List[Usd.Prim]) -> Tuple[np.ndarray, np.ndarray]:
         """(frames, prims, numbers): transforms from the outermost to the prim's own, and how far each may be off."""
-        found = [[[self._level(self.stage.GetPrimAtPath(path), time) for path in prim.GetPath().GetPrefixes()]
-                  for prim in prims] for time in self.times]
-        depth = max(len(levels) for row in found for levels in row)
-        numbers = np.zeros((len(self.times), len(prims), depth, LEVEL))
+        chains = [prim.GetPath().GetPrefixes() for prim in prims]
+        numbers = np.zeros((len(self.times), len(prims), max(map(len, chains)), LEVEL))
         numbers[..., 6] = 1.0
-        for f, row in enumerate(found):
-            for p, levels in enumerate(row):
-                numbers[f, p, :len(levels)] = levels
+        for p, paths in enumerate(chains):
+            for level, path in enumerate(paths):
+                numbers[:, p, level] = self.levels(path)
         errors = np.abs(numbers) * SINGLE
         errors[..., :3] = 0.0
         errors[numbers[..., 6] == 1.0, 6] = 0.0
         shape = numbers.shape[:2] + (-1,)
         return numbers.reshape(shape), errors.reshape(shape)
+
+    @lru_cache(maxsize=None)
+    def levels(self, path: Sdf.Path) -> np.ndarray:
+        """(frames, numbers) of a prim's own transform; one row holds for what doesn't move."""
+        prim = self.stage.GetPrimAtPath(path)
+        moves = prim.IsA(UsdGeom.Xformable) and UsdGeom.Xformable(prim).TransformMightBeTimeVarying()
+        return np.array([self._level(prim, time) for time in (self.times if moves else self.times[:1])])
 
     @staticmethod
     def _level(prim: Usd.Prim, time: float) -> List[float]:
@@ -147,6 +158,9 @@ class Reading:
         findings.same("default prim", str(stage.GetDefaultPrim().GetPath()), ROOT)
         findings.same("root prims", [str(prim.GetPath()) for prim in stage.GetPseudoRoot().GetAllChildren()], [ROOT])
         findings.same("other prims", self.others(), [])
+        # OpenUSD prints as few digits as read back to the same number.
+        texts = [re.findall(r"-?[0-9][-+.e0-9]*", text) for text in (self.text, self.layer.ExportToString())]
+        findings.same("numbers in another form", [pair for pair in zip(*texts) if pair[0] != pair[1]], [])
         findings.same("prims that aren't def", [str(p.GetPath()) for p in stage.TraverseAll() if not p.IsDefined()], [])
         findings.same("types", {prim.GetTypeName() for prim in self.prims}, {"Xform"} if self.prims else set())
         for name, times in self.numbers_of_times():
@@ -200,7 +214,7 @@ class Reading:
     def judge_markers(self, findings: Findings, fixed_size: bool) -> None:
         """Points are scaled to be seen, as the same part of the picture or by one number."""
         size = 0.01 if fixed_size else self.contents.marker_size() * self.contents.film[0]
-        found = [self._level(self.prims[index], self.times[0])[6] for index in self.points()]
+        found = [self.levels(self.prims[index].GetPath())[0, 6] for index in self.points()]
         findings.compare("size of points", found, [size] * len(found), 4.0 * SINGLE * size)
 
     def judge_meshes(self, findings: Findings) -> None:
