@@ -15,10 +15,16 @@ namespace
 constexpr char PASTE_CAMERA[] =
     "Copy the text and paste it with Paste Marlo Camera in the Edit menu, which the importer plug-in adds.";
 
+// Position, rotation and scale of a moving object in a frame, and a null that stands still, in
+// bytes.
+constexpr double POSE_ROWS = 200;
+constexpr double STILL_NULL = 700;
+constexpr FormatBytes SCENE_TEXT(POSE_ROWS, STILL_NULL, POSE_ROWS);
+
 }
 
-// exporter, what it honours and needs, what breaks a field, the way in, limits. The row of
-// KestreliaProjectFile is to end in `true`: that format is offered whatever the product's
+// exporter, what it honours and needs, what breaks a field, the way in, limits, bytes. The
+// row of KestreliaProjectFile is to end in `true`: that format is offered whatever the product's
 // categories are.
 std::vector<CameraSolveRow> cameraSolveRows()
 {
@@ -28,11 +34,12 @@ std::vector<CameraSolveRow> cameraSolveRows()
         {&F::AE,
          &Row::make<AE3DMotionExporter, 2>,
          {HonoursObjects, NeedsSolve, "", PASTE_CAMERA,
-          "Six significant digits; one eye of a stereo pair; no lens; nulls are tied to their parents by name."}},
+          "Six significant digits; one eye of a stereo pair; no lens; nulls are tied to their parents by name.",
+          SCENE_TEXT}},
         {&F::AE_legacy,
          &Row::make<AE3DMotionExporter, 1>,
          {HonoursObjects, NeedsSolve, "", PASTE_CAMERA,
-          "Six significant digits; one eye of a stereo pair; no lens; nulls without hierarchy."}},
+          "Six significant digits; one eye of a stereo pair; no lens; nulls without hierarchy.", SCENE_TEXT}},
     };
 }
 
