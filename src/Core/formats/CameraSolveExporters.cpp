@@ -5,6 +5,7 @@
 
 #include "AfterEffects/AE3DMotionExporter.h"
 #include "Host/CameraSolveExporter.h"
+#include "Interchange/USDCameraSolveExporter.h"
 
 namespace Export
 {
@@ -20,6 +21,12 @@ constexpr char PASTE_CAMERA[] =
 constexpr double POSE_ROWS = 200;
 constexpr double STILL_NULL = 700;
 constexpr FormatBytes SCENE_TEXT(POSE_ROWS, STILL_NULL, POSE_ROWS);
+
+constexpr char IMPORT_STAGE[] = "Reference the file, or import it, as any USD file.";
+
+// A sample of a full transform, a prim with its name, and a sample of a position with the vertex
+// that it may be.
+constexpr FormatBytes STAGE_TEXT(280, 600, 160);
 
 }
 
@@ -40,6 +47,12 @@ std::vector<CameraSolveRow> cameraSolveRows()
          &Row::make<AE3DMotionExporter, 1>,
          {HonoursObjects, NeedsSolve, "", PASTE_CAMERA,
           "Six significant digits; one eye of a stereo pair; no lens; nulls without hierarchy.", SCENE_TEXT}},
+        {&F::USD,
+         &Row::make<USDCameraSolveExporter>,
+         {HonoursObjects, NeedsSolve, "", IMPORT_STAGE,
+          "One camera, that of the rig in stereo; no lens; angles and mesh vertices are single floats; names keep only "
+          "letters and digits.",
+          STAGE_TEXT}},
     };
 }
 
