@@ -11,23 +11,29 @@ PXR_NAMESPACE_OPEN_SCOPE
 namespace
 {
 
-constexpr char TRANSLATE[] = "xformOp:translate";
-constexpr char SCALE[] = "xformOp:scale";
-
-/// By RotationOrder.
-constexpr char const* ROTATIONS[] = {"xformOp:rotateXYZ", "xformOp:rotateXZY", "xformOp:rotateYXZ",
-                                     "xformOp:rotateYZX", "xformOp:rotateZXY", "xformOp:rotateZYX"};
-
-TfToken const& orderName()
+/// The names of the attributes, made once: a stage has many.
+struct Names
 {
-    static TfToken const name("xformOpOrder");
-    return name;
+    TfToken const translate{"xformOp:translate"};
+    TfToken const scale{"xformOp:scale"};
+
+    /// By RotationOrder.
+    TfToken const rotate[6] = {TfToken("xformOp:rotateXYZ"), TfToken("xformOp:rotateXZY"),
+                               TfToken("xformOp:rotateYXZ"), TfToken("xformOp:rotateYZX"),
+                               TfToken("xformOp:rotateZXY"), TfToken("xformOp:rotateZYX")};
+    TfToken const order{"xformOpOrder"};
+};
+
+Names const& names()
+{
+    static Names const all;
+    return all;
 }
 
 // Where an operation stands in the order: moved last, scaled first.
 int rankOf(TfToken const& name)
 {
-    return name.GetString() == TRANSLATE ? 0 : (name.GetString() == SCALE ? 2 : 1);
+    return name == names().translate ? 0 : (name == names().scale ? 2 : 1);
 }
 
 }
@@ -39,20 +45,20 @@ bool UsdGeomXformCommonAPI::_IsCompatible() const
 
 bool UsdGeomXformCommonAPI::SetTranslate(GfVec3d const& translation, UsdTimeCode const time) const
 {
-    return setOp(TRANSLATE, SdfValueTypeNames->Double3, VtValue(translation), time);
+    return setOp(names().translate, SdfValueTypeNames->Double3, VtValue(translation), time);
 }
 
 bool UsdGeomXformCommonAPI::SetRotate(GfVec3f const& rotation, RotationOrder rotOrder, UsdTimeCode const time) const
 {
-    return setOp(ROTATIONS[rotOrder], SdfValueTypeNames->Float3, VtValue(rotation), time);
+    return setOp(names().rotate[rotOrder], SdfValueTypeNames->Float3, VtValue(rotation), time);
 }
 
 bool UsdGeomXformCommonAPI::SetScale(GfVec3f const& scale, UsdTimeCode const time) const
 {
-    return setOp(SCALE, SdfValueTypeNames->Float3, VtValue(scale), time);
+    return setOp(names().scale, SdfValueTypeNames->Float3, VtValue(scale), time);
 }
 
-bool UsdGeomXformCommonAPI::setOp(char const* name, SdfValueTypeName const& type, VtValue const& value,
+bool UsdGeomXformCommonAPI::setOp(TfToken const& op, SdfValueTypeName const& type, VtValue const& value,
                                   UsdTimeCode time) const
 {
     if (!*this)
@@ -61,19 +67,18 @@ bool UsdGeomXformCommonAPI::setOp(char const* name, SdfValueTypeName const& type
         return false;
     }
     UsdPrim const prim = GetPrim();
-    TfToken const op(name);
     if (!prim.GetAttribute(op))
     {
         UsdAttribute const order =
-            prim.CreateAttribute(orderName(), SdfValueTypeNames->TokenArray, false, SdfVariabilityUniform);
-        VtValue const& listed = prim._Data()->attribute(orderName())->value;
+            prim.CreateAttribute(names().order, SdfValueTypeNames->TokenArray, false, SdfVariabilityUniform);
+        VtValue const& listed = prim._Data()->attribute(names().order)->value;
         VtTokenArray ops;
         bool isPlaced = false;
         for (TfToken const& other : listed.IsEmpty() ? VtTokenArray() : listed.UncheckedGet<VtTokenArray>())
         {
             if (rankOf(other) == rankOf(op))
             {
-                Tf_PostError("Rotation order mismatch on prim <" + prim.GetPath().GetString() + "> (" + name +
+                Tf_PostError("Rotation order mismatch on prim <" + prim.GetPath().GetString() + "> (" + op.GetString() +
                              " != " + other.GetString() + ')');
                 return false;
             }

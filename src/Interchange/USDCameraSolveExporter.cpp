@@ -43,18 +43,18 @@ namespace
 constexpr char ROOT_NAME[] = "MarloExport";
 
 // An empty holder leaves the choice as it is; in a map, what isn't there is false.
-USDChoice choiceOf(std::any const& customData, KV::ExportSpec const& spec, ZN::Scene3DParameterSet const& scene)
+USDChoice choiceOf(KV::ExportSpec const& spec, ZN::Scene3DParameterSet const& scene)
 {
     USDChoice choice;
     if (spec.referenceContext)
     {
         choice.reference = *spec.referenceContext;
     }
-    if (!customData.has_value())
+    if (!spec.customData.has_value())
     {
         return choice;
     }
-    auto const& options = std::any_cast<QMap<QString, QVariant> const&>(customData);
+    auto const& options = std::any_cast<QMap<QString, QVariant> const&>(spec.customData);
     KV::StringsUI const ui = KV::CameraSolveExporter::UI();
     choice.includeFeatures = options.value(ui.includeFeatures.key).toBool();
     choice.sceneAtOrigin = options.value(ui.sceneAtOrigin.key).toBool();
@@ -81,12 +81,14 @@ Korvane::ExportedFiles USDCameraSolveExporter::exportCameraSolve(KORV_ProjectMan
                                                                  ObjectsToExport objects) const
 {
     ZN::Scene3DParameterSet const& scene = project.scene3DParameters();
-    USDChoice const choice = choiceOf(spec.customData, spec, scene);
+    USDChoice choice = choiceOf(spec, scene);
 
     Korvane::CameraSolve::ExporterHelper solve;
     Anm::View const view = spec.views.empty() ? Anm::View::defaultView() : spec.views.front();
     solve.initialise(project, view, spec.layers, spec.framesToExport, objects == SelectedObjects,
                      objects == VisibleObjects, choice.includeFeatures, nullptr);
+    // What the solver found by itself isn't kept well enough in legacy solves.
+    choice.includeFeatures = choice.includeFeatures && !solve.isOldSolveData();
     solve.setFocalLengthExportUnits(Korvane::CameraSolve::Millimetres);
     Sabrel::Matrix33 const unit;
     solve.setCoordinateTransform(
@@ -106,8 +108,7 @@ Korvane::ExportedFiles USDCameraSolveExporter::exportCameraSolve(KORV_ProjectMan
     }
     if (writer.names().renamedCount() > 0)
     {
-        failures += tr("%n object(s) got a number behind the name, as others have the same: %1", nullptr,
-                       writer.names().renamedCount())
+        failures += tr("Several objects would have one name: %1. All but the first got a number behind it.")
                         .arg(listed(writer.names().clashes()));
     }
     std::string const text = graph.toString();

@@ -43,7 +43,7 @@ protected:
     bool _IsCompatible() const override;
 
 private:
-    bool setOp(char const* name, SdfValueTypeName const& type, VtValue const& value, UsdTimeCode time) const;
+    bool setOp(TfToken const& op, SdfValueTypeName const& type, VtValue const& value, UsdTimeCode time) const;
 };
 
 PXR_NAMESPACE_CLOSE_SCOPE
