@@ -146,9 +146,11 @@ class PlanarLayer:
         return homography(self.surface, self._quad("adjusted", frame))
 
     def mesh(self, frame: int) -> np.ndarray:
-        """Where the vertices of the mesh are seen: the track of the mesh, moved by the user's corrections."""
+        """Where the vertices of the mesh are seen: the track of the mesh, moved by the user's corrections of the frame
+        that the track is of."""
         frames, positions = self._mesh
-        return through(self.motion(frame) @ np.linalg.inv(self.tracked(frame)), positions[_nearest(frames, frame)])
+        row = _nearest(frames, frame)
+        return through(self.motion(frames[row]) @ np.linalg.inv(self.tracked(frames[row])), positions[row])
 
     def _in_view(self, tracks: List[Dict[str, Any]], hero: str) -> Dict[str, Any]:
         return next(track for track in tracks if track.get("view", hero) == self.view_name)

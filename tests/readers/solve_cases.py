@@ -15,7 +15,7 @@ Project = Dict[str, Any]
 
 @dataclass(frozen=True)
 class Case:
-    """A project and what the user chose. The camera of a rig is the rig's own one, between the eyes."""
+    """A project and what the user chose."""
     name: str
     project: Project
     view: Optional[str] = None
@@ -35,11 +35,13 @@ class Case:
     def title(self) -> str:
         return " ".join([self.name, *(word for word in self.arguments() if not word.startswith("--"))])
 
-    def contents(self) -> SceneContents:
-        left_out = ["stereo"] + ["scene"] * self.at_origin
+    def contents(self, eyes: bool = False) -> SceneContents:
+        """`eyes`: of a rig the camera is the view's eye, not the rig's own one between them. Features of solves of an
+        old version are never exported."""
+        left_out = ["stereo"] * (not eyes) + ["scene"] * self.at_origin
         solve = {key: value for key, value in self.project["solve"].items() if key not in left_out}
         model = SceneModel({**self.project, "solve": solve})
-        return SceneContents(model, self.features and not model.legacy, self.objects)
+        return SceneContents(model, self.features and not model.legacy, self.objects, self.view)
 
 
 def _mesh_points(**keys: Any) -> Project:
@@ -98,6 +100,18 @@ def models() -> Project:
     return scene_shots.project({"scene": scene_shots.SCENE, "assets": assets}, layers)
 
 
+def far() -> Project:
+    """Everything a million units from the origin, where singles are six hundredths apart."""
+    away = np.array([1e6, -4e5, 7e5])
+    camera = scene_shots.orbit()
+    camera["positions"] = [float(v) for v in (np.reshape(camera["positions"], (-1, 3)) + away).ravel()]
+    wall = scene_shots.layer("Wall", pose={**scene_shots.AT_REST, "positions": [float(v) for v in away + 0.25]},
+                             surfacePoints=scene_shots.points(3), meshPoints=_mesh_points())
+    cloud = (np.reshape(scene_shots.CLOUD, (-1, 3)) + away).ravel()
+    return scene_shots.project({"camera": camera, "features": [
+        {"name": "cloud", "positions": [float(v) for v in cloud]}]}, [wall])
+
+
 SHOTS = ("handheld", "orbit", "wide pixels", "offset and in point", "fields", "keyed focal length", "moving parts",
          "features", "assets", "legacy", "moving points", "short layer", "camera alone", "sparse camera")
 
@@ -106,7 +120,8 @@ def cases() -> Iterator[Case]:
     """With the options that all formats of scenes have."""
     for name in SHOTS:
         yield Case(name, scene_shots.PROJECTS[name]())
-    for name, project in (("everything", everything()), ("odd names", odd_names()), ("models", models())):
+    for name, project in (("everything", everything()), ("odd names", odd_names()), ("models", models()), (
+            "far", far())):
         yield Case(name, project)
     features = scene_shots.PROJECTS["features"]()
     yield Case("features", features, features=False)

@@ -4,15 +4,13 @@ Everything is in the project's world: scene units, y up. A reader finds each nod
 """
 
 from dataclasses import dataclass, replace
-from typing import Any, Dict, List, Optional, Tuple
+from typing import Any, List, Optional
 
 import numpy as np
 
 import model_file
 from reprojection import Camera
 from scene_model import Placement, PointSet, SceneLayer, SceneModel
-
-Project = Dict[str, Any]
 
 # Half a unit in the last place of a single, as a part of its value.
 SINGLE = 2.0 ** -24
@@ -59,10 +57,16 @@ class WorldMesh:
 
 
 class SceneContents:
-    """The nodes in the order layers, features, models; those that carry others in front of these."""
+    """The nodes in the order layers, features, models; those that carry others in front of these. `camera` is the one
+    of the view."""
 
-    def __init__(self, model: SceneModel, features: bool = True, objects: str = "all") -> None:
-        self.model, self.nodes = model, []
+    def __init__(self, model: SceneModel, features: bool = True, objects: str = "all",
+                 view: Optional[str] = None) -> None:
+        self.model, self.view, self.camera, self.nodes = model, view, model.camera(view), []
+        clip = model.clip
+        # The picture as it is seen, in square pixels, and what it was recorded on, in millimetres.
+        self.picture = np.array([clip["width"] * clip.get("pixelAspect", 1), clip["height"]], float)
+        self.film = self.camera.film_width * self.picture / self.picture[0]
         self.meshes: List[SolvedMesh] = []
         self._objects, self._listed = objects, {}
         for index, layer in enumerate(model.layers):
@@ -80,7 +84,8 @@ class SceneContents:
 
     def world_meshes(self) -> List[WorldMesh]:
         """The meshes of layers, then the models whose file is there."""
-        found = [WorldMesh(self.model.layers[mesh.layer].world.through(mesh.local), split_faces(mesh.counts, mesh.indices), mesh.corner_uvs())
+        found = [WorldMesh(self.model.layers[mesh.layer].world.through(mesh.local),
+                           split_faces(mesh.counts, mesh.indices), mesh.corner_uvs())
                  for mesh in self.meshes if mesh.counts]
         for node, asset in zip(self.of_kind("asset"), self.model.assets):
             if asset.path == model_file.NAME:
@@ -91,11 +96,19 @@ class SceneContents:
     def pixels(self, found: np.ndarray) -> np.ndarray:
         """Where the solve sees the points, (frames, points, 2) square pixels from the middle, y up; where a point
         doesn't exist, what was found."""
-        camera, points = self.model.camera(), self.of_kind("point")
-        focal = camera.focal / camera.film_width * picture_size(self.model)[0]
-        seen = Camera(camera.place.position, camera.place.rotation, focal).project(
+        place, points = self.camera.place, self.of_kind("point")
+        seen = Camera(place.position, place.rotation, self.camera.focal / self.film[0] * self.picture[0]).project(
             np.stack([node.world.position for node in points], axis=1))
         return np.where(np.stack([node.shown for node in points], axis=1)[..., None], seen, found)
+
+    def marker_size(self) -> float:
+        """A size that suits markers: the median of the points' distances from the camera, both in the first frame,
+        times 0.2 and divided by the focal length."""
+        inside = self.model.scene.inverse()
+        eye = inside.holding(self.camera.place).position[0]
+        places = np.stack([inside.holding(node.world).position[0] for node in self.of_kind("point")])
+        distance = float(np.median(np.linalg.norm(places - eye, axis=1)))
+        return distance * float(np.float32(0.2)) / self.camera.focal[0]
 
     def _wanted(self, described: Any) -> bool:
         """Features of a hidden layer are hidden with it."""
@@ -150,14 +163,3 @@ class SceneContents:
         uvs = np.array(described["uvs"], float).reshape(-1, 2) if "uvs" in described else None
         self.meshes.append(SolvedMesh(index, layer.points.positions[:, len(layer.points) - count:],
                                       described.get("faceCounts", []), described.get("faceIndices", []), uvs))
-
-
-def film_size(model: SceneModel) -> Tuple[float, float]:
-    """Width and height of what the picture as it is seen was recorded on, in millimetres."""
-    width, (across, down) = model.camera().film_width, picture_size(model)
-    return width, width * down / across
-
-
-def picture_size(model: SceneModel) -> Tuple[float, float]:
-    """The picture as it is seen, in square pixels."""
-    return model.clip["width"] * model.clip.get("pixelAspect", 1), float(model.clip["height"])

@@ -10,12 +10,16 @@ import alembic_tree
 import solve_scene
 from alembic_tree import ACROSS, DOWN, FAR, FOCAL, NEAR, SHIFT_ACROSS, SHIFT_DOWN, SQUEEZE, Archive, Thing
 from findings import Findings, judging
+from solve_cases import Case
 from solve_scene import SINGLE, SceneContents
 
 PICTURE = "reprojection, px"
 
 # Allowance for the arithmetic of doubles, as a part of the size of these scenes.
 ARITHMETIC = 1e-9
+
+# How far from the camera the picture is hung up, scene units.
+SCREEN = 995.0
 
 # Millimetres in the unit of apertures.
 CENTIMETRE = 10.0
@@ -40,11 +44,12 @@ class Solve:
             raise ValueError(f"below {top.name}: {[child.name for child in top.children]}")
         self.scene, self.shot = top, shots[0]
         self.camera, self.screen = self.shot.child("Data"), self.shot.child("Screen")
-        self.trackers = [thing for thing in self.shot.child("Trackers").all_below() if thing.kind == "xform" and not
+        below = self.shot.child("Trackers").all_below()
+        self.trackers = [thing for thing in below if thing.kind == "xform" and not
                          any(child.kind == "xform" for child in thing.children)]
         self.meshes = [thing for thing in archive.top.all_below() if thing.kind == "mesh" and thing.name != "Shape"]
         self.world = alembic_tree.worlds(archive, self.times)
-        eye = model.camera().place.position
+        eye = contents.camera.place.position
         found = alembic_tree.parts(self.world[id(self.camera)])[0]
         # All lengths may be in another unit; whether it is the right one is judged apart.
         self.unit = float(np.sum(found * eye) / np.sum(eye * eye))
@@ -57,7 +62,8 @@ class Solve:
                       [("Data", "camera"), ("ShotPreLens", "xform"), ("Screen", "xform"), ("Trackers", "xform")])
         names = [thing.name for thing in self.archive.top.all_below()]
         findings.same("names that stand twice", len(names) - len(set(names)), 0)
-        findings.same("samples of the camera", [len(self.camera.samples), len(self.shot.samples)], [len(self.times)] * 2)
+        samples = [len(thing.samples) for thing in (self.camera, self.shot)]
+        findings.same("samples of camera and shot", samples, [len(self.times)] * 2)
         points = self.contents.of_kind("point")
         if findings.same("number of trackers", len(self.trackers), len(points)):
             for tracker, node in zip(self.trackers, points):
@@ -65,17 +71,16 @@ class Solve:
                     findings.problem(f"a tracker is called {tracker.name} instead of {node.name}")
 
     def judge_lens(self, findings: Findings) -> None:
-        width, height = solve_scene.film_size(self.model)
         found = alembic_tree.at_frames(self.camera, self.times)
-        focal = self.model.camera().focal
+        focal = self.contents.camera.focal
         findings.compare("lens, mm", found[:, FOCAL], focal, SINGLE * focal + 1e-9, "focal length, frame")
         film = np.stack([found[:, ACROSS] * found[:, SQUEEZE], found[:, DOWN]], axis=1) * CENTIMETRE
-        findings.compare("lens, mm", film, np.tile([width, height], (len(film), 1)), 4.0 * SINGLE * film, "film, frame, axis")
+        findings.compare("lens, mm", film, np.tile(self.contents.film, (len(film), 1)), 4.0 * SINGLE * film, "film")
         findings.compare("lens, mm", found[:, [SHIFT_ACROSS, SHIFT_DOWN]], np.zeros((len(found), 2)), 1e-12, "shift")
         depths = [self.depth(i) for i in range(len(self.trackers))]
         nearest, farthest = np.min(depths or [1.0]), np.max(depths or [1.0])
         if not np.all((0.0 < found[:, NEAR]) & (found[:, NEAR] < nearest) & (farthest < found[:, FAR])):
-            findings.problem(f"clips from {found[0, NEAR]} to {found[0, FAR]}: trackers lie from {nearest} to {farthest}")
+            findings.problem(f"clips from {found[0, NEAR]} to {found[0, FAR]}: trackers from {nearest} to {farthest}")
 
     def seen(self, positions: np.ndarray) -> np.ndarray:
         """(frames, points, 3) of the world in the camera's axes."""
@@ -92,11 +97,12 @@ class Solve:
         """What the camera shows of (frames, points, 3), from the middle, in square pixels, y up."""
         seen, lens = self.seen(positions), alembic_tree.at_frames(self.camera, self.times)
         film = np.stack([lens[:, ACROSS] * lens[:, SQUEEZE], lens[:, DOWN]], axis=1) * CENTIMETRE
-        factor = lens[:, None, FOCAL, None] / film[:, None] * np.array(solve_scene.picture_size(self.model))
+        factor = lens[:, None, FOCAL, None] / film[:, None] * self.contents.picture
         return factor * seen[..., :2] / -seen[..., 2:]
 
     def judge_places(self, findings: Findings) -> None:
-        named = [("camera", self.camera, self.model.camera().place, None), ("scene", self.scene, self.model.scene, None)]
+        named = [("camera", self.camera, self.contents.camera.place, None),
+                 ("scene", self.scene, self.model.scene, None)]
         named += [(node.name, thing, node.world, node) for thing, node in
                   zip(self.trackers, self.contents.of_kind("point"))]
         for name, thing, place, node in named:
@@ -108,16 +114,9 @@ class Solve:
                 turned = place.rotation * place.scale[:, None, None]
                 findings.compare("turn and scale", axes.reshape(-1, 9), turned.reshape(-1, 9), ARITHMETIC, name)
 
-    def judge_unit(self, findings: Findings, fixed_size: bool) -> None:
-        """The size that suits the points: the median of their distances from the camera's first place, where that is
-        no choice between two, and the first focal length."""
-        unit, points = 1.0, self.contents.of_kind("point")
-        if not fixed_size and points:
-            outside, first = self.model.scene.inverse(), self.model.camera()
-            places = np.stack([outside.holding(node.world).position[0] for node in points])
-            distances = np.sort(np.linalg.norm(places - outside.holding(first.place).position[0], axis=1))
-            middle = distances[[(len(points) - 1) // 2, len(points) // 2]] * np.float32(0.2) / first.focal[0]
-            unit = np.clip(self.unit, *middle)
+    def judge_unit(self, findings: Findings, case: Case) -> None:
+        """Sizes that suit the points are made by scaling everything."""
+        unit = self.contents.marker_size() if self.trackers and not case.fixed_size else 1.0
         findings.compare("unit", self.unit, unit, 4.0 * SINGLE * unit)
 
     def judge_meshes(self, findings: Findings) -> None:
@@ -162,23 +161,25 @@ class Solve:
         """The picture is hung up so that it fills the view."""
         shape = self.screen.child("Shape")
         own = alembic_tree.at_frames(self.screen, self.times)
-        findings.compare("screen, sideways", own[:, :2, 3], np.zeros((len(own), 2)), ARITHMETIC)
+        distance = np.tile([0.0, 0.0, -SCREEN * self.unit], (len(own), 1))
+        findings.compare("screen, distance", own[:, :3, 3], distance, 8.0 * SINGLE * SCREEN * self.unit)
         pixels = self.pixels(self.vertices(shape))
         found = np.stack([pixels.min(axis=1), pixels.max(axis=1)], axis=1)
-        half = np.array(solve_scene.picture_size(self.model)) / 2.0
+        half = self.contents.picture / 2.0
         findings.compare("screen, px", found, np.tile([-half, half], (len(found), 1, 1)), 10.0 * SINGLE * half + 1e-6)
 
 
 def judge_faces(findings: Findings, mesh: Thing, faces: List[List[int]], corner_uvs: Optional[np.ndarray]) -> None:
     """Faces have the order of the vertices that the programs expect, clockwise from the front, wherever they start."""
     found = solve_scene.split_faces(mesh.counts, mesh.indices)
-    good = findings.same(f"faces of {mesh.name}", [_turned(face) for face in found], [_turned(face[::-1]) for face in faces])
+    expected = [_turned(face[::-1]) for face in faces]
+    good = findings.same(f"faces of {mesh.name}", [_turned(face) for face in found], expected)
     if corner_uvs is None or not good or not findings.same(f"UV of {mesh.name}", mesh.scope, "kFacevaryingScope"):
         return
     ends = np.cumsum([len(face) for face in faces])
     pairs = [dict(zip(face, corner_uvs[end - len(face):end])) for face, end in zip(faces, ends)]
-    expected = np.array([of_face[vertex] for face, of_face in zip(found, pairs) for vertex in face])
-    findings.compare("UV", mesh.uvs, expected, SINGLE * np.abs(expected), mesh.name)
+    corners = np.array([of_face[vertex] for face, of_face in zip(found, pairs) for vertex in face])
+    findings.compare("UV", mesh.uvs, corners, SINGLE * np.abs(corners), mesh.name)
 
 
 def _turned(face: List[int]) -> List[int]:
@@ -187,13 +188,12 @@ def _turned(face: List[int]) -> List[int]:
 
 
 @judging
-def judge_solve(findings: Findings, archive: Archive, contents: SceneContents, at_origin: bool = False,
-                fixed_size: bool = False) -> None:
-    solve = Solve(archive, contents, at_origin)
+def judge_solve(findings: Findings, archive: Archive, contents: SceneContents, case: Case) -> None:
+    solve = Solve(archive, contents, case.at_origin)
     solve.judge_shape(findings)
     solve.judge_lens(findings)
     solve.judge_places(findings)
-    solve.judge_unit(findings, fixed_size)
+    solve.judge_unit(findings, case)
     solve.judge_meshes(findings)
     solve.judge_bounds(findings)
     solve.judge_screen(findings)

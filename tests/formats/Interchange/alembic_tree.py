@@ -117,7 +117,8 @@ def _mesh(thing: Thing, schema) -> None:
     for value in values[1:]:
         if list(value.getFaceIndices()) != thing.indices or list(value.getFaceCounts()) != thing.counts:
             raise ValueError(f"faces of {thing.name} change")
-    thing.bounds = np.array([[list(value.getSelfBounds().min()), list(value.getSelfBounds().max())] for value in values])
+    boxes = [value.getSelfBounds() for value in values]
+    thing.bounds = np.array([[list(box.min()), list(box.max())] for box in boxes])
     uvs = schema.getUVsParam()
     if uvs.valid():
         thing.uvs, thing.scope = np.array(_corners(uvs.getExpandedValue().getVals())), str(uvs.getScope())

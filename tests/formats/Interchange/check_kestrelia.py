@@ -12,18 +12,19 @@ import numpy as np
 import checking
 import kestrelia_file
 import model_file
+import scene_shots
 import shots
 import solve_cases
 import solve_scene
 from checking import Check
 from findings import Findings, judging
-from kestrelia_file import Item, at_frames
-from planar import PlanarLayer
-from scene_model import SceneModel
+from kestrelia_file import IDENTITY, Record, at_frames
+from planar import PlanarLayer, crossings
+from scene_model import SceneModel, keyed
 from solve_scene import SINGLE, SceneContents
 
 VERIFIES = {
-    "kestrelia_3D": "poses, points and vertices within 1e-9, the lens within half a unit of a single, points within 0.001 px",
+    "kestrelia_3D": "poses, points and vertices within 1e-9, the lens is single, points seen within 0.001 px",
     "kestrelia_2D": "corners of every frame within 1e-6 px",
 }
 SOLVE, FLAT = VERIFIES
@@ -49,65 +50,68 @@ def matrix(poses: Any) -> np.ndarray:
     return found
 
 
+def judge_clip(findings: Findings, shot: Record, clip: Dict[str, Any], project: Dict[str, Any]) -> None:
+    fields = clip.get("interlaced", False)
+    findings.same("shot", shot.name, clip["name"])
+    findings.same("size", shot.one("size"), [clip["width"], clip["height"] // (2 if fields else 1)])
+    findings.same("pixels, rate, fields", [shot.one(word)[0] for word in ("pixel_aspect", "frame_rate", "interlaced")],
+                  [clip.get("pixelAspect", 1), project.get("frameRate", 24), fields])
+
+
 class Solve:
     """A file beside the solve that it should show; raises ValueError when its shape is wrong."""
 
     def __init__(self, data: bytes, contents: SceneContents) -> None:
         self.model, self.contents, self.file = contents.model, contents, kestrelia_file.parse(data)
         model = self.model
-        self.shot, = self.file.shots
+        self.shot, = self.file.all("shot")
         self.frames = [frame + model.clip.get("frameOffset", 0) for frame in range(model.frames)]
-        if self.shot.camera is None:
-            raise ValueError("no camera")
-        self.camera = self.shot.camera
-        self.scene = matrix([self.file.values.get("pose", [1, 0, 0, 0, 1, 0, 0, 0, 1, 0, 0, 0])] * model.frames)
-        self.eye = self.scene @ matrix(at_frames(self.camera.keys["pose"], self.frames))
-        self.places = [self.place(tracker) for tracker in self.shot.trackers]
+        self.camera, = self.shot.all("camera")
+        self.trackers, self.meshes = self.shot.all("tracker"), self.file.all("mesh")
+        self.objects = {item.values[0]: item for item in self.file.all("object")}
+        self.scene = matrix([self.file.one("pose", IDENTITY)] * model.frames)
+        self.eye = self.scene @ matrix(at_frames(self.camera.keys("pose"), self.frames))
+        self.places = [self.place(tracker) for tracker in self.trackers]
 
-    def carrier(self, item: Item) -> np.ndarray:
+    def carrier(self, item: Record) -> np.ndarray:
         """What an item's numbers are relative to, in the world."""
-        if "object" not in item.values:
+        if not item.all("object"):
             return self.scene
-        return self.scene @ matrix(at_frames(self.file.objects[item.values["object"][0]].keys["pose"], self.frames))
+        return self.scene @ matrix(at_frames(self.objects[item.one("object")[0]].keys("pose"), self.frames))
 
-    def place(self, tracker: Item) -> np.ndarray:
+    def place(self, tracker: Record) -> np.ndarray:
         carrier = self.carrier(tracker)
-        position = np.array(at_frames(tracker.keys["position"], self.frames) if "position" in tracker.keys else
-                            [[np.nan] * 3] * len(self.frames))
+        position = np.array(at_frames(tracker.keys("position") or {None: [np.nan] * 3}, self.frames))
         return np.einsum("fij,fj->fi", carrier[:, :3, :3], position) + carrier[:, :3, 3]
 
     def judge_shape(self, findings: Findings) -> None:
-        clip, shot, model = self.model.clip, self.shot.values, self.model
-        findings.same("scene", self.file.values.get("name"), ["Marlo Scene"])
-        findings.same("shot", self.shot.name, clip["name"])
-        findings.same("size", shot["size"], [clip["width"], clip["height"] // model.line_height])
-        findings.same("pixels, rate, fields", [shot["pixel_aspect"], shot["frame_rate"], shot["interlaced"]], [
-            [clip.get("pixelAspect", 1)], [model.project.get("frameRate", 24)], [clip.get("interlaced", False)]])
-        findings.same("frames", shot["frames"], [self.frames[0], self.frames[-1]])
-        if "reference_frame" in self.file.values:
-            findings.same("reference frame", self.file.values["reference_frame"],
-                          [model.solve.get("referenceFrame", 0) + self.frames[0]])
-        for kind, names in (("object", [item.name for item in self.file.objects.values()]),
-                            ("tracker", [item.name for item in self.shot.trackers]),
-                            ("group", list(self.shot.groups.values())), ("mesh", [m.name for m in self.file.meshes])):
-            findings.same(f"{kind} names that stand twice", len(names) - len(set(names)), 0)
-        if not all(re.fullmatch(r"Marlo Features \d+", name) for name in self.shot.groups.values()):
-            findings.problem(f"groups {list(self.shot.groups.values())}")
+        clip, model = self.model.clip, self.model
+        findings.same("scene", self.file.one("name"), ["Marlo Scene"])
+        judge_clip(findings, self.shot, clip, model.project)
+        findings.same("frames", self.shot.one("frames"), [self.frames[0], self.frames[-1]])
+        reference = model.solve.get("referenceFrame", 0) + self.frames[0]
+        findings.same("reference frame", self.file.one("reference_frame", [reference]), [reference])
+        groups = [name for _, name in self.shot.all("group")]
+        for names in (self.objects.values(), self.trackers, self.meshes):
+            findings.same("names that stand twice", len(names) - len({item.name for item in names}), 0)
+        findings.same("group names that stand twice", len(groups) - len(set(groups)), 0)
         points = self.contents.of_kind("point")
-        if findings.same("number of trackers", len(self.shot.trackers), len(points)):
-            for tracker, node in zip(self.shot.trackers, points):
+        if findings.same("number of trackers", len(self.trackers), len(points)):
+            for tracker, node in zip(self.trackers, points):
                 if not re.fullmatch(plain(node.name), tracker.name):
                     findings.problem(f"a tracker is called {tracker.name} instead of {node.name}")
                 self.judge_holder(findings, tracker, node)
 
-    def judge_holder(self, findings: Findings, tracker: Item, node: solve_scene.Node) -> None:
+    def judge_holder(self, findings: Findings, tracker: Record, node: solve_scene.Node) -> None:
         """Features are in groups; what moves hangs on an object of its layer."""
         holder = self.contents.nodes[node.holder]
-        findings.same(f"{tracker.name} is in a group", "group" in tracker.values, holder.kind == "set")
+        group = dict(self.shot.all("group")).get(tracker.one("group", [None])[0], "none")
+        if not re.fullmatch(r"Marlo Features \d+" if holder.kind == "set" else plain(holder.name), group):
+            findings.problem(f"{tracker.name} of {holder.name} is in the group {group}")
         layer = self.contents.nodes[holder.holder] if holder.kind == "set" and holder.holder is not None else holder
         moving = [item.world is layer.world and item.moving for item in self.model.layers]
-        if any(moving) and findings.same(f"{tracker.name} has an object", "object" in tracker.values, True):
-            item = self.file.objects[tracker.values["object"][0]]
+        if any(moving) and findings.same(f"{tracker.name} has an object", bool(tracker.all("object")), True):
+            item = self.objects[tracker.one("object")[0]]
             if not re.fullmatch(plain(layer.name), item.name):
                 findings.problem(f"{tracker.name} moves with {item.name} instead of {layer.name}")
             pose = self.carrier(tracker)
@@ -116,12 +120,11 @@ class Solve:
             findings.compare("object", pose[:, :3], expected, ARITHMETIC * (1.0 + np.abs(expected).max()), item.name)
 
     def judge_camera(self, findings: Findings) -> None:
-        camera, place = self.model.camera(), self.model.camera().place
-        film = np.array(solve_scene.film_size(self.model))
-        findings.compare("lens, mm", self.camera.values["film_back"], film, 4.0 * SINGLE * film, "film")
-        lens = np.array(at_frames(self.camera.keys["lens"], self.frames))
+        camera, place, film = self.contents.camera, self.contents.camera.place, self.contents.film
+        findings.compare("lens, mm", self.camera.one("film_back"), film, 4.0 * SINGLE * film, "film")
+        lens = np.array(at_frames(self.camera.keys("lens"), self.frames))
         findings.compare("lens, mm", lens[:, 0], camera.focal, SINGLE * camera.focal + 1e-9, "focal length, frame")
-        findings.compare("shift, px", lens[:, 1], np.zeros(len(lens)), 1e-12)
+        findings.compare("shift, px", lens[:, 1], self.shift(), 1e-9)
         size = 1.0 + np.abs(place.position).max()
         findings.compare("camera", self.eye[:, :3, 3], place.position, ARITHMETIC * size, "frame and axis")
         turned = place.rotation * place.scale[:, None, None]
@@ -130,34 +133,41 @@ class Solve:
         findings.compare("scene", self.scene[:, :3, 3], scene.position, ARITHMETIC)
         findings.compare("scene", self.scene[:, :3, :3], scene.rotation * scene.scale[:, None, None], ARITHMETIC)
 
+    def shift(self) -> np.ndarray:
+        """How far the picture of an eye is shifted to the right."""
+        views = self.model.project.get("views", [])
+        word = "shiftRight" if self.contents.view in views[1:] else "shiftLeft"
+        return keyed(self.model.solve.get("stereo", {}).get(word, 0.0), self.model.frames)
+
     def judge_points(self, findings: Findings) -> None:
         for place, node in zip(self.places, self.contents.of_kind("point")):
-            size = 1.0 + np.abs(node.world.position).max()
-            findings.compare("position", place[node.shown], node.world.position[node.shown], ARITHMETIC * size, node.name)
+            expected = node.world.position[node.shown]
+            bound = ARITHMETIC * (1.0 + np.abs(expected).max())
+            findings.compare("position", place[node.shown], expected, bound, node.name)
 
     def judge_meshes(self, findings: Findings) -> None:
         expected = self.contents.world_meshes()
-        if not findings.same("number of meshes", len(self.file.meshes), len(expected)):
+        if not findings.same("number of meshes", len(self.meshes), len(expected)):
             return
-        for mesh, good in zip(self.file.meshes, expected):
-            carrier = self.carrier(mesh) @ matrix([mesh.values.get("pose", [1, 0, 0, 0, 1, 0, 0, 0, 1, 0, 0, 0])])
-            rows = {time: [row] for time, row in zip(mesh.row_times, mesh.rows)}
-            local = np.array(at_frames(rows, self.frames))[:, 0]
+        for mesh, good in zip(self.meshes, expected):
+            carrier = self.carrier(mesh) @ matrix([mesh.one("pose", IDENTITY)])
+            local = np.array(at_frames(mesh.rows(), self.frames))
             found = np.einsum("fij,fpj->fpi", carrier[:, :3, :3], local) + carrier[:, None, :3, 3]
             bound = ARITHMETIC * (1.0 + np.abs(good.vertices).max())
             findings.compare("vertices", found, good.vertices, bound, mesh.name)
-            findings.same(f"faces of {mesh.name}", mesh.faces, good.faces)
-            if good.corner_uvs is not None and findings.same(f"UV of {mesh.name}", bool(mesh.uvs), True):
-                corners = [mesh.uvs[i] for face in mesh.uv_faces or mesh.faces for i in face]
+            findings.same(f"faces of {mesh.name}", mesh.all("face"), good.faces)
+            uvs = mesh.all("uv")
+            if good.corner_uvs is not None and findings.same(f"UV of {mesh.name}", bool(uvs), True):
+                corners = [uvs[i] for face in mesh.all("face_uv") or mesh.all("face") for i in face]
                 findings.compare("UV", corners, good.corner_uvs, SINGLE * np.abs(good.corner_uvs), mesh.name)
 
     def judge_picture(self, findings: Findings) -> None:
         """By the page's own formula."""
-        inverse, size = np.linalg.inv(self.eye), np.array(solve_scene.picture_size(self.model))
+        inverse, size = np.linalg.inv(self.eye), self.contents.picture
         places = np.stack(self.places, axis=1)
         seen = np.einsum("fij,fpj->fpi", inverse[:, :3, :3], places) + inverse[:, None, :3, 3]
-        lens = np.array(at_frames(self.camera.keys["lens"], self.frames))[:, None, :1]
-        fraction = 0.5 - lens * seen[..., :2] / (np.array(self.camera.values["film_back"]) * seen[..., 2:])
+        lens = np.array(at_frames(self.camera.keys("lens"), self.frames))[:, None, :1]
+        fraction = 0.5 - lens * seen[..., :2] / (np.array(self.camera.one("film_back")) * seen[..., 2:])
         found = (fraction - 0.5) * size
         expected = self.contents.pixels(found)
         findings.compare(PICTURE, found, expected, 5.0 * SINGLE * np.abs(expected) + 1e-6)
@@ -174,34 +184,41 @@ def judge_solve(findings: Findings, data: bytes, contents: SceneContents) -> Non
         solve.judge_picture(findings)
 
 
-CORNERS = ("lower left", "lower right", "upper left", "upper right")
+# A layer's trackers: its corners, and perhaps where its diagonals cross.
+PLACES = ("lower left", "lower right", "upper left", "upper right", "centre")
+
+
+def tracked(layer: PlanarLayer) -> List[int]:
+    """The frames of a layer that were tracked; it isn't seen in others."""
+    track = layer.record["tracking"][0]
+    first = track.get("firstFrame", layer.first)
+    return [frame for frame in layer.frames() if first <= frame < first + len(track["homographies"]) // 9]
 
 
 @judging
 def judge_flat(findings: Findings, data: bytes, layers: List[PlanarLayer]) -> None:
-    """Four trackers for each layer, where its corners are seen."""
+    """Trackers for each layer, where its corners and its centre are seen."""
     file = kestrelia_file.parse(data)
-    shot, = file.shots
+    shot, = file.all("shot")
     first = layers[0]
-    findings.same("size", shot.values["size"], list(first.raster))
-    findings.same("pixels, rate, fields", [shot.values["pixel_aspect"], shot.values["frame_rate"], shot.values["interlaced"]],
-                  [[first.aspect], [first.rate], [first.line_height == 2]])
-    findings.same("frames", shot.values["frames"], [min(layer.first for layer in layers) + first.offset,
-                                                    max(layer.last for layer in layers) + first.offset])
-    findings.same("what a solve has", [shot.camera, file.objects, file.meshes], [None, {}, []])
-    trackers = list(shot.trackers)
+    judge_clip(findings, shot, first.clip, {"frameRate": first.rate})
+    findings.same("frames", shot.one("frames"), [min(tracked(layer)[0] for layer in layers) + first.offset,
+                                                 max(tracked(layer)[-1] for layer in layers) + first.offset])
+    findings.same("what a solve has", [*shot.all("camera"), *file.all("object"), *file.all("mesh")], [])
+    trackers = shot.all("tracker")
     for layer in layers:
-        quads = layer.shot().corners.copy()
-        quads[..., 1] = layer.raster[1] - quads[..., 1]
-        for corner, word in enumerate(CORNERS):
+        places = layer.shot().corners.copy()
+        places[..., 1] = layer.raster[1] - places[..., 1]
+        places = np.concatenate([places, crossings(places)[:, None]], axis=1)[[f - layer.first for f in tracked(layer)]]
+        for index, word in enumerate(PLACES):
             found = [tracker for tracker in trackers if re.fullmatch(plain(f"{layer.name} {word}"), tracker.name)]
             if not found:
-                findings.problem(f"{layer.name} has no {word}")
+                findings.same(f"{layer.name} has no {word}", word, "centre")
                 continue
             trackers.remove(found[0])
-            keys = found[0].keys.get("image", {})
-            if findings.same(f"frames of {found[0].name}", list(keys), [frame + layer.offset for frame in layer.frames()]):
-                findings.compare("corner, px", list(keys.values()), quads[:, corner], SOLVED, found[0].name)
+            keys = found[0].keys("image")
+            if findings.same(f"frames of {layer.name}", list(keys), [f + layer.offset for f in tracked(layer)]):
+                findings.compare("tracker, px", list(keys.values()), places[:, index], SOLVED, found[0].name)
     findings.same("other trackers", [tracker.name for tracker in trackers], [])
 
 
@@ -259,7 +276,7 @@ def solve_faults(data: bytes) -> Iterator[Tuple[str, bytes]]:
     yield "a point of another object", faults.changed(holder, lambda words: [words[0], "1" if words[1] != "1" else "2"])
     yield "an object a frame late", faults.late(faults.at("object", "pose"))
     yield "frames from 0", re.sub(rb"frames 1001 ", b"frames 0 ", data)
-    yield "a scene without its pose", faults.without([i for i, line in enumerate(faults.lines) if line.startswith("pose ")])
+    yield "a scene without its pose", re.sub(rb"\npose [^\n]*", b"", data)
     yield "faces turned over", faults.changed(faults.at("mesh", "face"), lambda words: [words[0], *words[:0:-1]])
     yield "UV upside down", faults.number(faults.at("mesh", "uv"), 2, lambda value: 1.0 - value)
     yield "mesh a vertex off", faults.number(faults.at("mesh", "v")[:1], 1, lambda value: value + 1e-6)
@@ -273,17 +290,18 @@ def flat_faults(data: bytes) -> Iterator[Tuple[str, bytes]]:
     yield "y flipped", faults.number(image, 3, lambda value: 576.0 - value)
     yield "a thousandth of a pixel", faults.number(image[3:4], 2, lambda value: value + 1e-3)
     yield "a frame less", faults.without(image[-1:])
-    yield "another corner's name", data.replace(b" lower left\"", b" LOWER\"").replace(b" lower right\"", b" lower left\"").replace(
-        b" LOWER\"", b" lower right\"")
+    names = {b"left": b"right", b"right": b"left"}
+    yield "sides exchanged", re.sub(rb"(left|right)\"", lambda match: names[match[1]] + b'"', data)
     yield "shot a frame longer", faults.number(faults.at("shot", "frames"), 2, lambda value: int(value) + 1)
 
 
 # ---- what is exported
 
 def prove_solve(check: Check, case: solve_cases.Case) -> None:
-    contents = case.contents()
-    check.prove(SOLVE, case.title(), case.project, lambda data: judge_solve(data, contents), [*case.arguments(), "--quiet"],
-                solve_faults if case.title() == "everything" else None)
+    contents = case.contents(eyes=True)
+    faults = solve_faults if case.title() == "everything" else None
+    check.prove(SOLVE, case.title(), case.project, lambda data: judge_solve(data, contents),
+                [*case.arguments(), "--quiet"], faults)
 
 
 def two_layers() -> Dict[str, Any]:
@@ -295,24 +313,27 @@ def two_layers() -> Dict[str, Any]:
     return {**project, "layers": [record, second]}
 
 
-def prove_flat(check: Check, name: str, project: Dict[str, Any], layers: List[int], *arguments: str, faulty: bool = False) -> None:
-    wanted = [PlanarLayer(project, project["layers"][i]) for i in layers]
+def prove_flat(check: Check, name: str, project: Dict[str, Any], count: int, *arguments: str) -> None:
+    wanted = [PlanarLayer(project, record) for record in project["layers"][:count]]
     check.prove(FLAT, " ".join([name, *arguments]).replace("--", ""), project, lambda data: judge_flat(data, wanted),
-                [*arguments, "--quiet"], flat_faults if faulty else None)
+                [*arguments, "--quiet"], flat_faults if name == "wide" else None)
 
 
 def body(check: Check) -> None:
-    check.may_warn = ("no hierarchy:", "have one name:", "points up to", "Auto feature tracks will not be exported")
+    check.may_warn = ("Several things have one name", "A model isn't exported", "between the eyes",
+                      "Auto feature tracks will not be exported")
     goldens = check.goldens_project()
     check.verdict(SOLVE, "golden", judge_solve(check.golden(SOLVE), SceneContents(SceneModel(goldens))))
     check.verdict(FLAT, "golden", judge_flat(check.golden(FLAT), [PlanarLayer(goldens)]))
     check.scratch.joinpath(model_file.NAME).write_text(model_file.TEXT, encoding="utf-8")
-    for case in solve_cases.cases():
+    shifted = scene_shots.rig()
+    shifted["solve"]["stereo"].update(shiftLeft=-7.5, shiftRight={"frames": [1, 9], "values": [3, 11]})
+    for case in (*solve_cases.cases(), *(solve_cases.Case("shifted rig", shifted, view) for view in ("left", "right"))):
         prove_solve(check, case)
-    prove_flat(check, "wide", shots.hand_made(shots.STRONG), [0], faulty=True)
-    prove_flat(check, "fields", shots.interlaced(), [0])
-    prove_flat(check, "two", two_layers(), [0, 1], "--layers", "all")
-    prove_flat(check, "two", two_layers(), [0], "--layers", "visible")
+    prove_flat(check, "wide", shots.hand_made(shots.STRONG), 1)
+    prove_flat(check, "fields", shots.interlaced(), 1)
+    prove_flat(check, "two", two_layers(), 2, "--layers", "all")
+    prove_flat(check, "two", two_layers(), 1, "--layers", "visible")
 
 
 if __name__ == "__main__":

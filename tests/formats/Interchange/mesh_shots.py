@@ -27,10 +27,11 @@ def projects() -> Dict[str, Dict[str, Any]]:
     wide = _with_mesh(shots.hand_made(shots.GENTLE), [{"positions": _positions(19, (560, 130), 0.7)}])
     gaps = _with_mesh(shots.hand_made(shots.GENTLE), [
         {"frames": [13, 15, 16, 21, 29], "positions": _positions(5, (560, 130), 0.4)}])
-    gaps["layers"][0]["name"] = "1 sign; a=b"
+    gaps["layers"][0]["name"] = gaps["currentLayer"] = "1 sign; a=b"
     fields = _with_mesh(shots.interlaced(), [{"positions": _positions(19, (180, 70), 0.9)}])
     eyes = _with_mesh(shots.hand_made(shots.GENTLE), [
-        {"positions": _positions(19, (560, 130), 0.7)}, {"view": "right", "positions": _positions(19, (540, 140), 0.5)}])
+        {"positions": _positions(19, (560, 130), 0.7)},
+        {"view": "right", "positions": _positions(19, (540, 140), 0.5)}])
     record = eyes["layers"][0]
     record["tracking"] = [*record["tracking"], {**record["tracking"][0], "view": "right"}]
     return {"wide": wide, "gaps": gaps, "fields": fields, "eyes": {**eyes, "views": ["left", "right"]}}

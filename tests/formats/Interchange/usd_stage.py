@@ -48,13 +48,12 @@ class Reading:
 
     def __init__(self, data: bytes, contents: SceneContents) -> None:
         self.model, self.contents = contents.model, contents
-        self.layer = Sdf.Layer.CreateAnonymous(".usda")
+        self.layer, self.text = Sdf.Layer.CreateAnonymous(".usda"), data.decode("utf-8")
         try:
-            self.layer.ImportFromString(data.decode("utf-8"))
+            self.layer.ImportFromString(self.text)
             self.stage = Usd.Stage.Open(self.layer)
         except Tf.ErrorException as error:
             raise ValueError(f"OpenUSD refuses it: {error}") from error
-        self.size = np.array(solve_scene.picture_size(self.model))
         self.times = [float(frame + self.model.clip.get("frameOffset", 0)) for frame in range(self.model.frames)]
         cameras = [prim for prim in self.stage.TraverseAll() if prim.IsA(UsdGeom.Camera)]
         if len(cameras) != 1:
@@ -148,6 +147,9 @@ class Reading:
         findings.same("default prim", str(stage.GetDefaultPrim().GetPath()), ROOT)
         findings.same("root prims", [str(prim.GetPath()) for prim in stage.GetPseudoRoot().GetAllChildren()], [ROOT])
         findings.same("other prims", self.others(), [])
+        # OpenUSD prints as few digits as read back to the same number.
+        texts = [re.findall(r"-?[0-9][-+.e0-9]*", text) for text in (self.text, self.layer.ExportToString())]
+        findings.same("numbers in another form", [pair for pair in zip(*texts) if pair[0] != pair[1]], [])
         findings.same("prims that aren't def", [str(p.GetPath()) for p in stage.TraverseAll() if not p.IsDefined()], [])
         findings.same("types", {prim.GetTypeName() for prim in self.prims}, {"Xform"} if self.prims else set())
         for name, times in self.numbers_of_times():
@@ -155,8 +157,7 @@ class Reading:
                 findings.same(f"times of {name}", times, self.times)
 
     def judge_lens(self, findings: Findings) -> None:
-        camera, expected = self.camera, self.model.camera()
-        width, height = solve_scene.film_size(self.model)
+        camera, expected = self.camera, self.contents.camera
         focal = [camera.GetFocalLengthAttr().Get(time) for time in self.times]
         findings.compare("lens, mm", focal, expected.focal, SINGLE * expected.focal * (1 + 1e-6), "focal length")
         findings.same("samples of the focal length", camera.GetFocalLengthAttr().GetNumTimeSamples(),
@@ -164,7 +165,8 @@ class Reading:
         found = np.array([camera.GetHorizontalApertureAttr().Get(), camera.GetVerticalApertureAttr().Get(),
                           camera.GetHorizontalApertureOffsetAttr().Get(), camera.GetVerticalApertureOffsetAttr().Get()])
         # The width of squeezed film went through singles before it came here.
-        findings.compare("lens, mm", found, [width, height, 0.0, 0.0], 3.0 * SINGLE * np.abs(found) + 1e-12, "film")
+        film = [*self.contents.film, 0.0, 0.0]
+        findings.compare("lens, mm", found, film, 3.0 * SINGLE * np.abs(found) + 1e-12, "film")
         findings.same("projection", camera.GetProjectionAttr().Get(), "perspective")
         near, far = camera.GetClippingRangeAttr().Get()
         points = [self.contents.nodes[i].world.position for i in self.points()]
@@ -180,7 +182,7 @@ class Reading:
     def judge_nodes(self, findings: Findings) -> None:
         """Where everything stands in the world."""
         named = [("scene", self.scene, self.model.scene, None), ("camera", self.camera.GetPrim(),
-                                                                self.model.camera().place, None)]
+                                                                self.contents.camera.place, None)]
         named += [(node.name, prim, node.world, node) for node, prim in zip(self.contents.nodes, self.prims)]
         numbers, errors = self.chains([prim for _, prim, _, _ in named])
         found, bound = compose(numbers), spread(compose, [numbers], [errors])
@@ -197,6 +199,12 @@ class Reading:
             if node is None or node.kind != "point":
                 axes = (place.rotation * place.scale[:, None, None]).reshape(-1, 9)
                 findings.compare("turn and scale", found[:, i, 3:], axes, off[:, 3:] + ARITHMETIC, name)
+
+    def judge_markers(self, findings: Findings, fixed_size: bool) -> None:
+        """Points are scaled to be seen, as the same part of the picture or by one number."""
+        size = 0.01 if fixed_size else self.contents.marker_size() * self.contents.film[0]
+        found = [self._level(self.prims[index], self.times[0])[6] for index in self.points()]
+        findings.compare("size of points", found, [size] * len(found), 4.0 * SINGLE * size)
 
     def judge_meshes(self, findings: Findings) -> None:
         for expected, prim in zip(self.contents.meshes, self.meshes):
@@ -221,7 +229,8 @@ class Reading:
         if findings.same(f"UV sets of {name}", [(p.GetPrimvarName(), p.GetInterpolation()) for p in pairs],
                          [("st", "faceVarying")]):
             corners = expected.corner_uvs()
-            findings.compare("UV", np.array(pairs[0].ComputeFlattened(), float), corners, SINGLE * np.abs(corners), name)
+            found = np.array(pairs[0].ComputeFlattened(), float)
+            findings.compare("UV", found, corners, SINGLE * np.abs(corners), name)
 
     def judge_picture(self, findings: Findings) -> None:
         """OpenUSD's own matrices and frustum against the solve."""
@@ -232,7 +241,7 @@ class Reading:
             through = frustum.ComputeViewMatrix() * frustum.ComputeProjectionMatrix()
             for p, index in enumerate(at):
                 world = cache.GetLocalToWorldTransform(self.prims[index]).ExtractTranslation()
-                found[f, p] = np.array(through.Transform(world))[:2] * self.size / 2.0
+                found[f, p] = np.array(through.Transform(world))[:2] * self.contents.picture / 2.0
         bound = self._pixel_bound(at)
         findings.compare(PICTURE, found, self.contents.pixels(found), bound,
                          lambda f, p, axis: f"{self.contents.nodes[at[p]].name}, {self.times[f]}, {axis}")
@@ -249,17 +258,18 @@ class Reading:
             axes = axes / np.linalg.norm(axes, axis=1)[:, None, :]
             return Camera(place[:, :3], axes, lens[:, 0, 0]).project(compose(chains)[..., :3])
 
-        lens = (self.model.camera().focal / solve_scene.film_size(self.model)[0] * self.size[0])[:, None, None]
+        lens = (self.contents.camera.focal / self.contents.film[0] * self.contents.picture[0])[:, None, None]
         # Focal length and the two apertures are singles; the film's width was one before.
         return spread(pixels, [camera, lens, points], [camera_errors, 4.0 * SINGLE * lens, point_errors])
 
 
 @judging
-def judge(findings: Findings, data: bytes, contents: SceneContents) -> None:
+def judge(findings: Findings, data: bytes, contents: SceneContents, fixed_size: bool = False) -> None:
     reading = Reading(data, contents)
     reading.judge_stage(findings)
     reading.judge_lens(findings)
     reading.judge_nodes(findings)
     reading.judge_meshes(findings)
     if reading.points():
+        reading.judge_markers(findings, fixed_size)
         reading.judge_picture(findings)
