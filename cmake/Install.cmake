@@ -28,7 +28,10 @@ endif()
 
 # Headers keep their folder, so that they find one another as they do in the sources.
 # Those in a room inside a folder of src/ are private to it.
-set(marlo_header_dirs platform/mtx platform/kestrelia platform/usd)
+set(marlo_header_dirs platform/mtx platform/kestrelia)
+if(NOT pxr_FOUND)
+    list(APPEND marlo_header_dirs platform/usd)
+endif()
 if(TARGET marlohost)
     list(APPEND marlo_header_dirs host/marlohost)
 endif()

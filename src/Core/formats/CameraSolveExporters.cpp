@@ -7,6 +7,7 @@
 #include "Host/CameraSolveExporter.h"
 #include "Interchange/AlembicCameraSolveExporter.h"
 #include "Interchange/KestreliaSolveExporter.h"
+#include "Interchange/USDCameraSolveExporter.h"
 
 namespace Export
 {
@@ -30,6 +31,12 @@ constexpr double POSE_LINES = 330;
 constexpr double STILL_TRACKER = 200;
 constexpr double POINT_LINE = 130;
 constexpr FormatBytes MATCHMOVE(POSE_LINES, STILL_TRACKER, POINT_LINE);
+
+constexpr char IMPORT_STAGE[] = "Reference the file, or import it, as any USD file.";
+
+// A sample of a full transform, a prim with its name, and a sample of a position with the vertex
+// that it may be.
+constexpr FormatBytes STAGE_TEXT(280, 600, 160);
 
 }
 
@@ -62,6 +69,12 @@ std::vector<CameraSolveRow> cameraSolveRows()
           "The rig's own camera of a solve in stereo; points as transforms; vertices of meshes are single floats; no "
           "lens.",
           ALEMBIC_SCENE}},
+        {&F::USD,
+         &Row::make<USDCameraSolveExporter>,
+         {HonoursObjects, NeedsSolve, "", IMPORT_STAGE,
+          "One camera, that of the rig in stereo; no lens; angles and mesh vertices are single floats; names keep only "
+          "letters and digits.",
+          STAGE_TEXT}},
     };
 }
 
