@@ -176,4 +176,25 @@ public:
     explicit Explicit(BaseContext const& context);
 };
 
+/// From one context to another of the same view, both included. Empty when the last comes
+/// before the first, or when a time is invalid.
+class MARLO_HOST_API ContextRange
+{
+public:
+    /// An empty range.
+    ContextRange();
+    ContextRange(Context const& first, Context const& last);
+
+    bool isEmpty() const;
+    Context const& first() const;
+    Context const& last() const;
+
+    /// The least range that holds both; an empty one adds nothing.
+    ContextRange united(ContextRange const& other) const;
+
+private:
+    Context m_first;
+    Context m_last;
+};
+
 }
