@@ -19,6 +19,12 @@ FbxMoment now()
     return {date.year(), date.month(), date.day(), clock.hour(), clock.minute(), clock.second(), clock.msec()};
 }
 
+/// A name, or what takes its place where it is taken; in proper UTF-8 either way.
+std::string take(Text::UniqueNames& names, std::string const& name)
+{
+    return names.take(QString::fromStdString(name)).toStdString();
+}
+
 bool isZero(FbxTimeSpan const& span)
 {
     return span.GetStart() == FbxTime() && span.GetStop() == FbxTime();
@@ -60,20 +66,6 @@ private:
 
 }
 
-std::string FbxNames::unique(std::string const& name)
-{
-    std::string result = name;
-    if (!m_taken.insert(result).second)
-    {
-        int& next = m_next[name];
-        do
-        {
-            result = name + "_" + std::to_string(++next);
-        } while (!m_taken.insert(result).second);
-    }
-    return result;
-}
-
 std::string fbxFullName(std::string const& name, char const* kind)
 {
     std::string result = name;
@@ -102,11 +94,11 @@ FbxContent::FbxContent(FbxScene& written, int version, bool animated)
 
 void FbxContent::collectNodes(int version)
 {
-    FbxNames names;
-    FbxNames attributes;
+    Text::UniqueNames names;
+    Text::UniqueNames attributes;
     if (version < 7000)
     {
-        names.unique("Scene"); // the root goes by it
+        take(names, "Scene"); // the root goes by it
     }
     std::vector<std::pair<FbxNode*, int>> open;
     auto const openChildren = [&](FbxNode* node, int index)
@@ -121,12 +113,12 @@ void FbxContent::collectNodes(int version)
     {
         auto const [node, parent] = open.back();
         open.pop_back();
-        nodes.push_back({node, names.unique(node->GetName()), parent});
+        nodes.push_back({node, take(names, node->GetName()), parent});
         m_written.insert(node);
         if (FbxNodeAttribute const* const attribute = node->GetNodeAttribute())
         {
             m_written.insert(attribute);
-            m_attributeNames[attribute] = attributes.unique(nodes.back().name);
+            m_attributeNames[attribute] = take(attributes, nodes.back().name);
         }
         collectMaterials(node);
         openChildren(node, static_cast<int>(nodes.size()) - 1);
@@ -140,17 +132,17 @@ void FbxContent::collectMaterials(FbxNode const* node)
         FbxSurfaceMaterial* const material = node->GetMaterial(i);
         if (m_written.insert(material).second)
         {
-            materials.push_back({material, m_materialNames.unique(material->GetName())});
+            materials.push_back({material, take(m_materialNames, material->GetName())});
         }
     }
 }
 
 void FbxContent::collectEyes()
 {
-    FbxNames names;
+    Text::UniqueNames names;
     for (auto const& [attribute, name] : m_attributeNames)
     {
-        names.unique(name);
+        take(names, name);
     }
     for (FbxWrittenNode const& written : nodes)
     {
@@ -160,7 +152,7 @@ void FbxContent::collectEyes()
             if (eye && m_written.insert(eye).second)
             {
                 looseEyes.push_back(eye);
-                m_attributeNames[eye] = names.unique(eye->GetName());
+                m_attributeNames[eye] = take(names, eye->GetName());
             }
         }
     }
@@ -168,10 +160,10 @@ void FbxContent::collectEyes()
 
 void FbxContent::collectTakes()
 {
-    FbxNames names;
+    Text::UniqueNames names;
     for (FbxAnimStack* const stack : scene.stacks())
     {
-        FbxTake take{stack, names.unique(stack->GetName()), {}, {}, {}};
+        FbxTake written{stack, take(names, stack->GetName()), {}, {}, {}};
         KeySpan keys;
         for (int i = 0; i < stack->GetMemberCount(); ++i)
         {
@@ -180,16 +172,16 @@ void FbxContent::collectTakes()
             {
                 continue;
             }
-            take.layers.push_back(layer);
+            written.layers.push_back(layer);
             for (FbxAnimCurveNode const* const node : curveNodes(layer))
             {
                 keys.add(*node);
             }
         }
         FbxTimeSpan const reference(stack->ReferenceStart.Get(), stack->ReferenceStop.Get());
-        take.local = isZero(stack->GetLocalTimeSpan()) ? keys.span() : stack->GetLocalTimeSpan();
-        take.reference = isZero(reference) ? take.local : reference;
-        takes.push_back(std::move(take));
+        written.local = isZero(stack->GetLocalTimeSpan()) ? keys.span() : stack->GetLocalTimeSpan();
+        written.reference = isZero(reference) ? written.local : reference;
+        takes.push_back(std::move(written));
     }
 }
 

@@ -5,6 +5,7 @@
 #include "FbxCamera.h"
 #include "FbxMesh.h"
 #include "FbxScene.h"
+#include "text/Names.h"
 
 #include <string>
 #include <unordered_map>
@@ -13,18 +14,6 @@
 
 namespace fbxsdk
 {
-
-/// Makes names unique: one that was taken gets "_1", "_2", ... In linear time, however many are
-/// alike.
-class FbxNames
-{
-public:
-    std::string unique(std::string const& name);
-
-private:
-    std::unordered_set<std::string> m_taken;
-    std::unordered_map<std::string, int> m_next;
-};
 
 /// "name", the two bytes between, and the word for the class.
 std::string fbxFullName(std::string const& name, char const* kind);
@@ -100,7 +89,7 @@ private:
 
     bool m_animated;
     FbxLongLong m_lastId = 0;
-    FbxNames m_materialNames;
+    Text::UniqueNames m_materialNames;
     std::unordered_map<FbxObject const*, FbxLongLong> m_ids;
     std::unordered_map<FbxObject const*, std::string> m_attributeNames;
     std::unordered_set<FbxObject const*> m_written;

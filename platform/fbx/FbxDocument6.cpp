@@ -418,11 +418,6 @@ void Document6::key(std::vector<FbxAnimCurveKey> const& keys, std::size_t index)
 
 void Document6::tail()
 {
-    double rate = FbxTime::GetFrameRate(m_content.scene.GetGlobalSettings().GetTimeMode());
-    if (m_content.scene.GetGlobalSettings().GetTimeMode() == FbxTime::eCustom)
-    {
-        rate = m_content.scene.GetGlobalSettings().GetCustomFrameRate();
-    }
     m_out.open("Version5");
     m_out.open("AmbientRenderSettings");
     m_out.leaf("Version", 101);
@@ -437,7 +432,7 @@ void Document6::tail()
     m_out.leaf("FogColor", 1.0, 1.0, 1.0, 1.0);
     m_out.close();
     m_out.open("Settings");
-    m_out.leaf("FrameRate", QByteArray::number(rate).constData());
+    m_out.leaf("FrameRate", QByteArray::number(frameRate()).constData());
     m_out.leaf("TimeFormat", 1);
     m_out.leaf("SnapOnFrames", 0);
     m_out.leaf("ReferenceTimeIndex", -1);

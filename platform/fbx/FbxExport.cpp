@@ -177,6 +177,12 @@ bool FbxExporter::Export(FbxDocument* document, bool)
     return !mStatus.Error();
 }
 
+void FbxExporter::forget(FbxDoomed const& doomed)
+{
+    FbxObject::forget(doomed);
+    mSettings = fbxStill(mSettings, doomed);
+}
+
 FbxStatus& FbxExporter::GetStatus()
 {
     return mStatus;

@@ -38,9 +38,6 @@ bool isWholeNumber(FbxPropertyType type)
            type == FbxPropertyType::VisibilityInheritance;
 }
 
-/// Readers know the modes up to this one; what lies behind goes by its rate.
-constexpr int lastCommonMode = FbxTime::eCustom;
-
 }
 
 FbxParts::FbxParts(FbxContent& content, FbxBinary& out) : m_content(content), m_out(out), m_isOld(out.version() < 7000)
@@ -90,6 +87,13 @@ std::vector<FbxParts::Value> FbxParts::valuesOf(FbxDefinitions const& definition
     return result;
 }
 
+double FbxParts::frameRate() const
+{
+    FbxGlobalSettings const& settings = m_content.scene.GetGlobalSettings();
+    bool const isOwn = settings.GetTimeMode() == FbxTime::eCustom && settings.GetCustomFrameRate() > 0;
+    return isOwn ? settings.GetCustomFrameRate() : FbxTime::GetFrameRate(settings.GetTimeMode());
+}
+
 std::vector<FbxParts::Value> FbxParts::settings() const
 {
     FbxGlobalSettings const& settings = m_content.scene.GetGlobalSettings();
@@ -99,11 +103,11 @@ std::vector<FbxParts::Value> FbxParts::settings() const
     {
         mode = FbxTime::GetGlobalTimeMode();
     }
-    bool const isGlobalRate = mode == FbxTime::eCustom && rate <= 0;
-    if (mode > lastCommonMode || isGlobalRate)
+    if (mode >= FbxTime::eCustom)
     {
-        rate = FbxTime::GetFrameRate(mode);
+        // Readers know the modes up to this one; what lies behind goes by its rate.
         mode = FbxTime::eCustom;
+        rate = frameRate();
     }
     std::vector<Value> result = valuesOf(settings);
     auto const named = [&](char const* name) -> Value&

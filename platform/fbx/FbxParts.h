@@ -38,6 +38,9 @@ protected:
     /// The values of the settings: a time mode that all readers know, and the span of time.
     std::vector<Value> settings() const;
 
+    /// Frames per second of the scene.
+    double frameRate() const;
+
     void openProperties();
 
     /// @param suffix behind the flags
