@@ -1,1 +1,0 @@
-// The FBX document writer comes with the FBX exporters.
