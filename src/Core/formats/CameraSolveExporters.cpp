@@ -4,6 +4,8 @@
 #include "Core/formats/ExporterTables.h"
 
 #include "AfterEffects/AE3DMotionExporter.h"
+#include "FBX/FBX3DExporterMaya.h"
+#include "FBX/FBX3DExporterNuke.h"
 #include "Host/CameraSolveExporter.h"
 
 namespace Export
@@ -14,6 +16,9 @@ namespace
 
 constexpr char PASTE_CAMERA[] =
     "Copy the text and paste it with Paste Marlo Camera in the Edit menu, which the importer plug-in adds.";
+
+constexpr char IMPORT_FILE[] = "Import the file (File, Import).";
+constexpr FormatHonours OBJECTS_IN_VIEWS(QFlag(HonoursObjects | HonoursViews));
 
 }
 
@@ -33,6 +38,20 @@ std::vector<CameraSolveRow> cameraSolveRows()
          &Row::make<AE3DMotionExporter, 1>,
          {HonoursObjects, NeedsSolve, "", PASTE_CAMERA,
           "Six significant digits; one eye of a stereo pair; no lens; nulls without hierarchy."}},
+        {&F::FBX_NUKE,
+         &Row::make<FBX3DExporterNuke>,
+         {HonoursObjects, NeedsSolve, "", "Choose the file in a Camera, Axis or ReadGeo node (read from file).",
+          "Rates of FBX only; keys are single floats; one eye of a stereo pair; no lens; meshes at one frame; the far "
+          "plane is at 10000, nearer than many points."}},
+        {&F::FBX_MAYA6,
+         &Row::make<FBX3DExporterMaya6>,
+         {OBJECTS_IN_VIEWS, NeedsSolve, "", IMPORT_FILE,
+          "Rates of FBX only; keys are single floats; no lens; meshes at one frame; many programs read later versions "
+          "only."}},
+        {&F::FBX_MAYA7,
+         &Row::make<FBX3DExporterMaya7>,
+         {OBJECTS_IN_VIEWS, NeedsSolve, "", IMPORT_FILE,
+          "Rates of FBX only; keys are single floats; no lens; meshes at one frame."}},
     };
 }
 
