@@ -68,7 +68,7 @@ struct FbxAnimCurveKey
 
     FbxAnimCurveDef::EInterpolationType interpolation = FbxAnimCurveDef::eInterpolationCubic;
 
-    /// A tangent mode, or the constant mode of a constant key.
+    /// A tangent mode, or the constant mode of a constant key, which starts as the standard one.
     unsigned int tangent = FbxAnimCurveDef::eTangentAuto;
     FbxAnimCurveDef::EWeightedMode weighted = FbxAnimCurveDef::eWeightedNone;
 
@@ -157,13 +157,14 @@ public:
     /// The next one of the same property, in another layer.
     FbxAnimCurveNode* next() const;
 
-    void bind(FbxAnimLayer* layer, FbxPropertyRecord* record, FbxAnimCurveNode* next);
-    void unbindNext(FbxAnimCurveNode* node);
-    void forget(FbxAnimCurve* curve);
-    void leaveLayer();
-    void Destroy(bool recursive = false) override;
+    /// Makes it that of a property in a layer.
+    void bind(FbxAnimLayer* layer, FbxPropertyRecord* record);
 
 private:
+    friend class FbxObject;
+    void collectDoomed(std::vector<FbxObject*>& doomed, bool recursive) override;
+    void forget(FbxDoomed const& doomed) override;
+
     FbxAnimLayer* mLayer = nullptr;
     FbxPropertyRecord* mRecord = nullptr;
     FbxAnimCurveNode* mNext = nullptr;
@@ -178,10 +179,16 @@ class FbxAnimLayer : public FbxCollection
 public:
     FbxPropertyT<FbxDouble> Weight;
 
-    void Destroy(bool recursive = false) override;
+    /// What it animates, in the order in which that began.
+    std::vector<FbxAnimCurveNode*> const& curveNodes() const;
 
-protected:
+private:
+    friend class FbxAnimCurveNode;
     void placedIn(FbxObject* container) override;
+    void collectDoomed(std::vector<FbxObject*>& doomed, bool recursive) override;
+    void forget(FbxDoomed const& doomed) override;
+
+    std::vector<FbxAnimCurveNode*> mCurveNodes;
 };
 
 /// A take: layers with what they animate, and a span of time.
@@ -202,7 +209,7 @@ public:
     FbxTimeSpan GetLocalTimeSpan() const;
     void SetLocalTimeSpan(FbxTimeSpan const& span);
 
-protected:
+private:
     void placedIn(FbxObject* container) override;
 };
 

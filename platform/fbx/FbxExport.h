@@ -128,6 +128,8 @@ public:
     FbxString GetFileName() const;
 
 private:
+    void forget(FbxDoomed const& doomed) override;
+
     FbxStatus mStatus;
     std::string mFileName;
     int mFormat = -1;

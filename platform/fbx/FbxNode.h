@@ -49,13 +49,13 @@ public:
     /// The node that carries this attribute, or null.
     FbxNode* GetNode(int index = 0) const;
 
-    void Destroy(bool recursive = false) override;
-
     FbxPropertyT<FbxDouble3> Color;
 
 protected:
     FbxNodeAttribute(FbxManager& manager, char const* name, std::vector<FbxPropertyDefinition> const& definitions);
     ~FbxNodeAttribute() override;
+
+    void forget(FbxDoomed const& doomed) override;
 
 private:
     friend class FbxNode;
@@ -166,16 +166,12 @@ public:
     int GetMaterialCount() const;
     FbxSurfaceMaterial* GetMaterial(int index) const;
 
-    void Destroy(bool recursive = false) override;
-
 private:
-    friend class FbxNodeAttribute;
-    friend class FbxSurfaceMaterial;
-
-    void leaveParent();
+    void collectDoomed(std::vector<FbxObject*>& doomed, bool recursive) override;
+    void forget(FbxDoomed const& doomed) override;
+    bool isBelow(FbxNode const* other) const;
 
     FbxNode* mParent = nullptr;
-    std::size_t mPlaceInParent = 0;
     std::vector<FbxNode*> mChildren;
     FbxNodeAttribute* mAttribute = nullptr;
     std::vector<FbxSurfaceMaterial*> mMaterials;

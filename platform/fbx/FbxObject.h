@@ -7,6 +7,7 @@
 #include <cstddef>
 #include <memory>
 #include <string>
+#include <unordered_set>
 #include <vector>
 
 /// The two ways in which an object of a class is made: owned by the manager alone, or within a
@@ -29,6 +30,9 @@ class FbxIOSettings;
 class FbxScene;
 struct FbxManagerData;
 struct FbxPropertyDefinition;
+
+/// Objects that are about to end.
+using FbxDoomed = std::unordered_set<FbxObject const*>;
 
 /// Owns all objects that were made with it.
 class FbxManager
@@ -59,6 +63,9 @@ public:
         return object;
     }
 
+    /// Ends objects and whatever ends with them.
+    void destroy(FbxObject* object, bool recursive);
+
     FbxManagerData& data() const
     {
         return *mData;
@@ -76,10 +83,11 @@ private:
 class FbxObject
 {
 public:
-    /// Ends the object, and takes it out of everything that refers to it.
+    /// Ends the object, and takes it out of everything that refers to it. That is a walk over all
+    /// objects of the manager; many at once end best with the manager, or with a node above them.
     ///
     /// @param recursive nodes: also the nodes below it; else these lose their parent
-    virtual void Destroy(bool recursive = false);
+    void Destroy(bool recursive = false);
 
     /// Any text in UTF-8, of any length. Names needn't be unique; the writer makes them so
     /// where the file needs it.
@@ -109,15 +117,21 @@ protected:
     /// The record of a property that the class defines; a logic error if it doesn't.
     FbxPropertyRecord* defined(char const* name) const;
 
-    void setScene(FbxScene* scene);
+    /// Places a new object within another one.
+    void enter(FbxObject* container);
 
     /// Told when the object is made within another one.
     virtual void placedIn(FbxObject* container);
 
+    /// Adds what ends together with this object.
+    virtual void collectDoomed(std::vector<FbxObject*>& doomed, bool recursive);
+
+    /// Lets go of objects that end.
+    virtual void forget(FbxDoomed const& doomed);
+
 private:
     friend class FbxManager;
-    template <class T>
-    friend T* FbxCreateWithin(FbxObject* container, char const* name);
+    friend class FbxAnimCurveNode;
 
     FbxManager* mManager;
     FbxScene* mScene = nullptr;
@@ -133,17 +147,19 @@ public:
     /// Adds an object that isn't a member yet.
     ///
     /// @return false when it is null or is one already
-    virtual bool AddMember(FbxObject* member);
-    virtual bool RemoveMember(FbxObject* member);
+    bool AddMember(FbxObject* member);
+    bool RemoveMember(FbxObject* member);
     int GetMemberCount() const;
     FbxObject* GetMember(int index = 0) const;
 
 protected:
     using FbxObject::FbxObject;
     ~FbxCollection() override;
+    void forget(FbxDoomed const& doomed) override;
 
 private:
     std::vector<FbxObject*> mMembers;
+    std::unordered_set<FbxObject*> mIsMember;
 };
 
 }

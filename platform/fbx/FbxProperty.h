@@ -27,9 +27,18 @@ struct FbxPropertyRecord;
 /// Another object that a property points to, or null.
 using FbxReference = FbxObject*;
 
-/// What a property holds on its way in or out: numbers, a time, a text or an object.
+/// What a property holds on its way in or out: numbers, of which one may be a time, a text or an
+/// object.
 struct FbxPropertyValue
 {
+    enum EKind
+    {
+        eNumbers,
+        eText,
+        eObject
+    };
+
+    EKind kind = eNumbers;
     int count = 0;
     double numbers[4] = {};
     FbxLongLong ticks = 0;
@@ -129,10 +138,12 @@ private:
         }
         else if constexpr (std::is_convertible_v<T, FbxObject*>)
         {
+            result.kind = FbxPropertyValue::eObject;
             result.object = value;
         }
         else if constexpr (std::is_convertible_v<T, char const*>)
         {
+            result.kind = FbxPropertyValue::eText;
             result.text = FbxString(static_cast<char const*>(value));
         }
         else

@@ -124,9 +124,10 @@ public:
     /// Stacks that were made within the scene or added to it, in their order.
     std::vector<FbxAnimStack*> stacks() const;
 
-    void Destroy(bool recursive = false) override;
-
 private:
+    void collectDoomed(std::vector<FbxObject*>& doomed, bool recursive) override;
+    void forget(FbxDoomed const& doomed) override;
+
     FbxNode* mRoot;
     FbxGlobalSettings* mSettings;
     FbxAnimStack* mCurrentStack = nullptr;
