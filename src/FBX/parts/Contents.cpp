@@ -172,9 +172,9 @@ void buildAssets(SceneContext& context)
 QString renamedMessage(SceneContext const& context)
 {
     QStringList const& clashes = context.names.clashes();
-    return clashes.isEmpty()
-               ? QString()
-               : FBX3DExporterBase::tr("Names that several objects have got numbers: %1").arg(listed(clashes));
+    return clashes.isEmpty() ? QString()
+                             : FBX3DExporterBase::tr("Several objects have one name, so that some got numbers: %1")
+                                   .arg(listed(clashes));
 }
 
 }
