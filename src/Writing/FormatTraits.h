@@ -75,6 +75,60 @@ enum class Untracked
     IsRefused
 };
 
+/// How many bytes an export takes at most, so that a hopeless one can be refused before
+/// anything is computed. An export of any format is taken to have
+///
+///     layers x views x (perLayer + frames x (perFrame + pixels x perPixelFrame)
+///                       + keyed points x perPoint + points x frames x perPointFrame)
+///
+/// bytes, of all its files together. Too little refuses nothing of what is too large, and too
+/// much refuses what people need: a figure is the most that usual values take (numbers in
+/// all their digits, names of usual length), not what the worst imaginable ones could.
+///
+/// What is counted:
+/// - layers: those that one export holds; of formats of solves the camera and every object,
+///   of lens formats the clip, as one.
+/// - views: those that one export holds.
+/// - frames: of the layer's range, fields in interlaced material; of formats of solves and
+///   lenses those of the project.
+/// - points: of what the format needs: control points of the contours (four for one of an
+///   X-spline, which becomes so many Bezier points as a rule), vertices of the mesh, points of
+///   the solve that move (a mesh's vertices among them; those at rest count as keyed ones only).
+///   None for the others: corners are part of `perFrame`.
+/// - keyed points: points times the frames in which contours of the layer are keyed, its first
+///   and last one among them; once where nothing is keyed.
+/// - pixels: of one picture of the clip.
+///
+/// There is no FormatBytes without figures: a row of the table that lacks it doesn't compile.
+struct FormatBytes
+{
+    /// Of each frame of a layer in a view: its row or keys, whatever the number of points. No less
+    /// than some hundred bytes, which the helpers take for a frame.
+    double perFrame;
+
+    /// Of each keyed point, once: what is written for keys or of the point itself.
+    double perPoint;
+
+    /// Of each point in each frame: where points are baked. 0 where none are.
+    double perPointFrame;
+
+    /// Once for each layer in each view: heads, names, knobs.
+    double perLayer;
+
+    /// Of each pixel of each frame, of formats that write pictures.
+    double perPixelFrame;
+
+    constexpr FormatBytes(double ofFrame, double ofPoint, double ofPointFrame, double ofLayer = 4096,
+                          double ofPixelFrame = 0)
+        : perFrame(ofFrame),
+          perPoint(ofPoint),
+          perPointFrame(ofPointFrame),
+          perLayer(ofLayer),
+          perPixelFrame(ofPixelFrame)
+    {
+    }
+};
+
 /// What a format declares about itself, beside its exporter in the table of its data kind.
 /// Callers warn, skip or refuse by it; nothing of it changes what exporters write.
 struct FormatTraits
@@ -92,6 +146,9 @@ struct FormatTraits
     /// What the target can't hold or the text can't say, in sentences; the format's page has
     /// the details.
     char const* limits = "";
+
+    /// How large its exports get.
+    FormatBytes bytes;
 
     LeftOut leftOut = LeftOut::IsTold;
     Untracked untracked = Untracked::IsTold;

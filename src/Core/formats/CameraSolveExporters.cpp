@@ -20,10 +20,21 @@ constexpr char PASTE_CAMERA[] =
 constexpr char IMPORT_FILE[] = "Import the file (File, Import).";
 constexpr FormatHonours OBJECTS_IN_VIEWS(QFlag(HonoursObjects | HonoursViews));
 
+// Position, rotation and scale of a moving object in a frame, and a null that stands still, in
+// bytes.
+constexpr double POSE_ROWS = 200;
+constexpr double STILL_NULL = 700;
+constexpr FormatBytes SCENE_TEXT(POSE_ROWS, STILL_NULL, POSE_ROWS);
+
+// Nine keys with their times, and a pyramid with its mesh and a point of the layer's mesh.
+constexpr double POSE_KEYS = 200;
+constexpr double PYRAMID = 3500;
+constexpr FormatBytes SCENE_FBX(POSE_KEYS, PYRAMID, POSE_KEYS);
+
 }
 
-// exporter, what it honours and needs, what breaks a field, the way in, limits. The row of
-// KestreliaProjectFile is to end in `true`: that format is offered whatever the product's
+// exporter, what it honours and needs, what breaks a field, the way in, limits, bytes. The
+// row of KestreliaProjectFile is to end in `true`: that format is offered whatever the product's
 // categories are.
 std::vector<CameraSolveRow> cameraSolveRows()
 {
@@ -33,25 +44,28 @@ std::vector<CameraSolveRow> cameraSolveRows()
         {&F::AE,
          &Row::make<AE3DMotionExporter, 2>,
          {HonoursObjects, NeedsSolve, "", PASTE_CAMERA,
-          "Six significant digits; one eye of a stereo pair; no lens; nulls are tied to their parents by name."}},
+          "Six significant digits; one eye of a stereo pair; no lens; nulls are tied to their parents by name.",
+          SCENE_TEXT}},
         {&F::AE_legacy,
          &Row::make<AE3DMotionExporter, 1>,
          {HonoursObjects, NeedsSolve, "", PASTE_CAMERA,
-          "Six significant digits; one eye of a stereo pair; no lens; nulls without hierarchy."}},
+          "Six significant digits; one eye of a stereo pair; no lens; nulls without hierarchy.", SCENE_TEXT}},
         {&F::FBX_NUKE,
          &Row::make<FBX3DExporterNuke>,
          {HonoursObjects, NeedsSolve, "", "Choose the file in a Camera, Axis or ReadGeo node (read from file).",
           "Rates of FBX only; keys are single floats; one eye of a stereo pair; no lens; meshes at one frame; the far "
-          "plane is at 10000, nearer than many points."}},
+          "plane is at 10000, nearer than many points.",
+          SCENE_FBX}},
         {&F::FBX_MAYA6,
          &Row::make<FBX3DExporterMaya6>,
          {OBJECTS_IN_VIEWS, NeedsSolve, "", IMPORT_FILE,
           "Rates of FBX only; keys are single floats; no lens; meshes at one frame; many programs read later versions "
-          "only."}},
+          "only.",
+          SCENE_FBX}},
         {&F::FBX_MAYA7,
          &Row::make<FBX3DExporterMaya7>,
          {OBJECTS_IN_VIEWS, NeedsSolve, "", IMPORT_FILE,
-          "Rates of FBX only; keys are single floats; no lens; meshes at one frame."}},
+          "Rates of FBX only; keys are single floats; no lens; meshes at one frame.", SCENE_FBX}},
     };
 }
 

@@ -37,20 +37,30 @@ TraitsByKey const& declaredTraits()
     return declared;
 }
 
+/// Of a format that declares nothing: what is refused by it is hopeless in any format.
+constexpr FormatBytes UNKNOWN(32, 0, 16);
+
 FormatTraits usualTraits(FormatKind kind)
 {
     switch (kind)
     {
     case FormatKind::Tracking:
-        return {HonoursMotion | HonoursInvert | HonoursUndistort, NeedsTrack};
+        return {HonoursMotion | HonoursInvert | HonoursUndistort, NeedsTrack, "", "", "", UNKNOWN};
     case FormatKind::Shape:
-        return {HonoursLayers, NeedsContours, "", "", "", LeftOut::IsTold, Untracked::IsTold, HoldsFeather};
+        return {HonoursLayers, NeedsContours, "", "", "", UNKNOWN, LeftOut::IsTold, Untracked::IsTold, HoldsFeather};
     case FormatKind::Camera:
-        return {HonoursObjects, NeedsSolve};
+        return {HonoursObjects, NeedsSolve, "", "", "", UNKNOWN};
     case FormatKind::Lens:
         break;
     }
-    return {{}, NeedsLens};
+    return {{}, NeedsLens, "", "", "", UNKNOWN};
+}
+
+/// @param entry without traits as yet
+FormatTraits traitsOf(FormatEntry const& entry)
+{
+    auto const found = declaredTraits().constFind(entry.key());
+    return found != declaredTraits().constEnd() ? *found : usualTraits(entry.kind());
 }
 
 }
@@ -61,10 +71,8 @@ QString kindWord(FormatKind kind)
     return QLatin1String(words[static_cast<std::size_t>(kind)]);
 }
 
-FormatEntry::FormatEntry(Format const& format) : m_format(format)
+FormatEntry::FormatEntry(Format const& format) : m_format(format), m_traits(traitsOf(*this))
 {
-    auto const found = declaredTraits().constFind(key());
-    m_traits = found != declaredTraits().constEnd() ? *found : usualTraits(kind());
 }
 
 FormatKind FormatEntry::kind() const

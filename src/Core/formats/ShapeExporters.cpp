@@ -28,10 +28,23 @@ constexpr char BAKED[] =
 constexpr char WITH_MATRIX[] =
     "Five significant digits and at most three decimals: 0.05 px from 1000 px on. X-splines become Bezier curves.";
 
+// A point of a contour, with its tangents, its feather and theirs, at a key or in a frame, and
+// the matrix of a layer in a frame, in bytes. Masks hold eight rows of motion for each contour;
+// contours that leave the picture are baked.
+constexpr double ROTO_POINT = 12 * 50;
+constexpr double ROTO_MATRIX = 640;
+constexpr double MASK_POINT = 300;
+constexpr double FXS_POINT = 12 * 20;
+constexpr double FXS_MATRIX = 9 * 24 + 64;
+constexpr FormatBytes BAKED_ROTO(160, ROTO_POINT, ROTO_POINT);
+constexpr FormatBytes KEYED_ROTO(ROTO_MATRIX, ROTO_POINT, 0);
+constexpr FormatBytes MASK(160, MASK_POINT, MASK_POINT);
+constexpr FormatBytes FXS(FXS_MATRIX, FXS_POINT, 0);
+
 }
 
-// exporter, what it honours and needs, what breaks a field, the way in, limits, and at the
-// end what it holds of layers
+// exporter, what it honours and needs, what breaks a field, the way in, limits, bytes, and at
+// the end what it holds of layers
 std::vector<ShapeRow> shapeRows()
 {
     using F = ShapeDataFormat;
@@ -42,30 +55,33 @@ std::vector<ShapeRow> shapeRows()
          {HonoursLayers, NeedsContours, "", "Copy the text and paste it with Paste Marlo Mask in the Edit menu.",
           "Six significant digits; one view; contours that leave 30000 px around the picture are baked; rows that "
           "aren't finite are left out without a word.",
-          LeftOut::IsSilent, Untracked::IsTold, HoldsFeather | HoldsFieldLifetimes}},
+          MASK, LeftOut::IsSilent, Untracked::IsTold, HoldsFeather | HoldsFieldLifetimes}},
         {&F::NUKE_ROTO_PAINT_WITH_MATRIX,
          &Row::make<NukeRotoPaintExporter, true>,
-         {IN_VIEWS, NeedsContours, TREE, PASTE_NODE, WITH_MATRIX, LeftOut::IsTold, Untracked::IsTold, ROTO}},
+         {IN_VIEWS, NeedsContours, TREE, PASTE_NODE, WITH_MATRIX, KEYED_ROTO, LeftOut::IsTold, Untracked::IsTold,
+          ROTO}},
         {&F::NUKE_ROTO_PAINT_NO_MATRIX,
          &Row::make<NukeRotoPaintExporter, false>,
-         {IN_VIEWS, NeedsContours, TREE, PASTE_NODE, BAKED, LeftOut::IsTold, Untracked::IsTold, ROTO}},
+         {IN_VIEWS, NeedsContours, TREE, PASTE_NODE, BAKED, BAKED_ROTO, LeftOut::IsTold, Untracked::IsTold, ROTO}},
         {&F::NUKE_ROTO_WITH_MATRIX,
          &Row::make<NukeRotoExporter, true>,
-         {IN_VIEWS, NeedsContours, TREE, PASTE_NODE, WITH_MATRIX, LeftOut::IsTold, Untracked::IsTold, ROTO}},
+         {IN_VIEWS, NeedsContours, TREE, PASTE_NODE, WITH_MATRIX, KEYED_ROTO, LeftOut::IsTold, Untracked::IsTold,
+          ROTO}},
         {&F::NUKE_ROTO_NO_MATRIX,
          &Row::make<NukeRotoExporter, false>,
-         {IN_VIEWS, NeedsContours, TREE, PASTE_NODE, BAKED, LeftOut::IsTold, Untracked::IsTold, ROTO}},
+         {IN_VIEWS, NeedsContours, TREE, PASTE_NODE, BAKED, BAKED_ROTO, LeftOut::IsTold, Untracked::IsTold, ROTO}},
         {&F::NUKE_SPLINE_WARP,
          &Row::make<NukeSplineWarpExporter>,
-         {IN_VIEWS, NeedsContours, TREE, PASTE_NODE, WITH_MATRIX, LeftOut::IsTold, Untracked::IsTold, ROTO}},
+         {IN_VIEWS, NeedsContours, TREE, PASTE_NODE, WITH_MATRIX, KEYED_ROTO, LeftOut::IsTold, Untracked::IsTold,
+          ROTO}},
         {&F::MARLO_BLEND,
          &Row::make<MarloBlendExporter, false>,
-         {IN_VIEWS, NeedsContours, TREE, "Load the file with the blending plug-in.", BAKED, LeftOut::IsTold,
+         {IN_VIEWS, NeedsContours, TREE, "Load the file with the blending plug-in.", BAKED, BAKED_ROTO, LeftOut::IsTold,
           Untracked::IsTold, ROTO}},
         {&F::GLIMMERSET_FXS,
          &Row::make<Korvane::GlimmersetShapeExporter>,
          {IN_VIEWS, NeedsContours, "", "Open the file in Glimmerset.",
-          "No frames that stand in for others are marked; Veil ML contours are refused.", LeftOut::IsTold,
+          "No frames that stand in for others are marked; Veil ML contours are refused.", FXS, LeftOut::IsTold,
           Untracked::IsTold, HoldsFeather | HoldsSecondClips | HoldsFieldLifetimes}},
     };
 }

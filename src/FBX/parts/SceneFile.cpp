@@ -3,6 +3,7 @@
 #include "FBX/parts/SceneFile.h"
 
 #include "FBX/FBX3DExporterBase.h"
+#include "Writing/TextBuffer.h"
 #include "Writing/ThrowHelpers.h"
 
 #include <QDir>
@@ -81,8 +82,9 @@ QByteArray fileOf(FbxManager& manager, FbxScene& scene, int version)
     {
         throwNotWritten(path, file.errorString().toUtf8());
     }
+    requireTextSize(file.size(), FBX3DExporterBase::tr("Export fewer layers, or leave the features out."));
     QByteArray const bytes = file.readAll();
-    if (bytes.isEmpty() || bytes.size() != file.size())
+    if (bytes.isEmpty() || file.error() != QFileDevice::NoError)
     {
         throwNotWritten(path, file.errorString().toUtf8());
     }
