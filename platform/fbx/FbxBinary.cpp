@@ -85,8 +85,7 @@ FbxId fbxFooterId(FbxMoment const& moment)
     return chain(chain(chain(footKey1, time, start), footKey2, start), time, start);
 }
 
-FbxBinary::FbxBinary(int version, int deflateLevel)
-    : m_version(version), m_deflateLevel(deflateLevel), m_bytes(magic, sizeof(magic))
+FbxBinary::FbxBinary(int version) : m_version(version), m_bytes(magic, sizeof(magic))
 {
     raw(static_cast<std::uint32_t>(version));
 }
@@ -269,7 +268,7 @@ void FbxBinary::packArray(char code, std::vector<T> const& values)
     uLongf packed = compressBound(length);
     m_bytes.resize(place + packed);
     if (compress2(reinterpret_cast<Bytef*>(&m_bytes[place]), &packed, reinterpret_cast<Bytef const*>(values.data()),
-                  length, m_deflateLevel) != Z_OK)
+                  length, fbxDeflateLevel) != Z_OK)
     {
         throw std::bad_alloc();
     }

@@ -39,6 +39,9 @@ using FbxId = std::array<unsigned char, 16>;
 FbxId fbxFileId(FbxMoment const& moment);
 FbxId fbxFooterId(FbxMoment const& moment);
 
+/// Level of zlib that arrays are packed with: of all the fastest.
+constexpr int fbxDeflateLevel = 1;
+
 /// One character.
 struct FbxLetter
 {
@@ -62,8 +65,13 @@ public:
     /// Begins a document.
     ///
     /// @param version 7700, or 6100, which has no arrays and 32 bits for every length
-    /// @param deflateLevel of zlib, for arrays of more than 1000 bytes
-    explicit FbxBinary(int version, int deflateLevel = 1);
+    explicit FbxBinary(int version);
+
+    /// Makes room for this many bytes; more are fine.
+    void reserve(std::size_t bytes)
+    {
+        m_bytes.reserve(bytes);
+    }
 
     int version() const
     {
@@ -153,7 +161,6 @@ private:
     void appendLength(std::size_t length);
 
     int m_version;
-    int m_deflateLevel;
     std::string m_bytes;
     std::vector<std::size_t> m_open;
     std::size_t m_leafCount = 0;

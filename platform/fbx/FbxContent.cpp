@@ -235,6 +235,23 @@ bool FbxContent::isAnimated(FbxPropertyRecord const& record) const
     return false;
 }
 
+std::size_t FbxContent::expectedSize() const
+{
+    constexpr std::size_t head = 100000;
+    constexpr std::size_t bytesOfNode = 2000;
+    constexpr std::size_t bytesOfPoint = 64;
+    std::size_t result = head + nodes.size() * bytesOfNode;
+    for (FbxWrittenNode const& written : nodes)
+    {
+        if (FbxMesh const* const mesh = written.node->GetMesh())
+        {
+            auto const most = std::max(mesh->GetControlPointsCount(), mesh->GetPolygonVertexCount());
+            result += static_cast<std::size_t>(most) * bytesOfPoint;
+        }
+    }
+    return result;
+}
+
 std::string FbxContent::currentTake() const
 {
     FbxAnimStack const* const current = scene.GetCurrentAnimationStack();

@@ -78,6 +78,9 @@ public:
     /// Whether curves of the property are written.
     bool isAnimated(FbxPropertyRecord const& record) const;
 
+    /// About how many bytes the document will have, before any is packed.
+    std::size_t expectedSize() const;
+
     /// The name of the stack that programs show first.
     std::string currentTake() const;
 

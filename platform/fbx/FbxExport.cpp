@@ -159,6 +159,7 @@ bool FbxExporter::Export(FbxDocument* document, bool)
     {
         FbxContent content(*scene, writer.version, !settings || settings->GetBoolProp(EXP_FBX_ANIMATION, true));
         FbxBinary out(writer.version);
+        out.reserve(content.expectedSize());
         writer.write(content, out);
         std::string const error = writeFile(mFileName, out.bytes());
         if (!error.empty())

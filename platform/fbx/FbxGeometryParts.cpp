@@ -33,40 +33,24 @@ void FbxParts::geometry(FbxMesh const& mesh, int materialCount)
         coordinates.insert(coordinates.end(), {point[0], point[1], point[2]});
     }
 
-    // Of the corners that are written: their points, with the last one of each polygon marked,
-    // and their numbers in the mesh.
-    std::vector<int> marked;
-    std::vector<int> points;
-    std::vector<int> corners;
-    std::vector<int> polygons;
-    auto const room = static_cast<std::size_t>(mesh.GetPolygonVertexCount());
-    marked.reserve(room);
-    points.reserve(room);
-    corners.reserve(room);
     int const* const all = mesh.GetPolygonVertices();
-    int next = 0;
+    std::vector<int> polygons;
+    std::vector<int> points;
+    polygons.reserve(static_cast<std::size_t>(mesh.GetPolygonCount()));
+    points.reserve(static_cast<std::size_t>(mesh.GetPolygonVertexCount()));
     for (int polygon = 0; polygon < mesh.GetPolygonCount(); ++polygon)
     {
-        int const first = next;
-        int const size = mesh.GetPolygonSize(polygon);
-        next += size;
-        bool const isSound = size >= 3 && std::all_of(all + first, all + next,
-                                                      [&](int point) { return point >= 0 && point < pointCount; });
-        if (!isSound)
+        int const* const first = all + mesh.GetPolygonVertexIndex(polygon);
+        int const* const end = first + mesh.GetPolygonSize(polygon);
+        if (end - first >= 3 && std::all_of(first, end, [&](int point) { return point >= 0 && point < pointCount; }))
         {
-            continue;
+            polygons.push_back(polygon);
+            points.insert(points.end(), first, end);
+            points.back() = -points.back() - 1; // marks the last one
         }
-        polygons.push_back(polygon);
-        for (int corner = first; corner < next; ++corner)
-        {
-            corners.push_back(corner);
-            points.push_back(all[corner]);
-            marked.push_back(all[corner]);
-        }
-        marked.back() = -marked.back() - 1;
     }
     m_out.array("Vertices", coordinates);
-    m_out.array("PolygonVertexIndex", marked);
+    m_out.array("PolygonVertexIndex", points);
 
     int uvCount = 0;
     for (int i = 0; i < mesh.GetElementUVCount(); ++i)
@@ -76,7 +60,7 @@ void FbxParts::geometry(FbxMesh const& mesh, int materialCount)
                               element.GetMappingMode() == FbxLayerElement::eByPolygonVertex;
         if (isMapped && element.GetDirectArray().GetCount() > 0)
         {
-            uvElement(element, uvCount++, corners, points);
+            uvElement(mesh, element, uvCount++, polygons);
         }
     }
     if (materialCount > 0)
@@ -86,8 +70,8 @@ void FbxParts::geometry(FbxMesh const& mesh, int materialCount)
     layers(uvCount, materialCount > 0);
 }
 
-void FbxParts::uvElement(FbxGeometryElementUV const& element, int index, std::vector<int> const& corners,
-                         std::vector<int> const& points)
+void FbxParts::uvElement(FbxMesh const& mesh, FbxGeometryElementUV const& element, int index,
+                         std::vector<int> const& polygons)
 {
     std::vector<FbxVector2> const& direct = element.GetDirectArray().items();
     std::vector<double> coordinates;
@@ -98,10 +82,17 @@ void FbxParts::uvElement(FbxGeometryElementUV const& element, int index, std::ve
     }
     bool const isByPoint = element.GetMappingMode() == FbxLayerElement::eByControlPoint;
     bool const isDirect = element.GetReferenceMode() == FbxLayerElement::eDirect;
-    std::vector<int> indices = isByPoint ? points : corners;
-    for (int& item : indices)
+    std::vector<int> indices;
+    indices.reserve(static_cast<std::size_t>(mesh.GetPolygonVertexCount()));
+    for (int const polygon : polygons)
     {
-        item = inside(isDirect ? item : element.GetIndexArray().GetAt(item), static_cast<int>(direct.size()));
+        int const first = mesh.GetPolygonVertexIndex(polygon);
+        for (int corner = first; corner < first + mesh.GetPolygonSize(polygon); ++corner)
+        {
+            int const item = isByPoint ? mesh.GetPolygonVertices()[corner] : corner;
+            indices.push_back(
+                inside(isDirect ? item : element.GetIndexArray().GetAt(item), static_cast<int>(direct.size())));
+        }
     }
     m_out.open("LayerElementUV", index);
     m_out.leaf("Version", layerElementVersion);

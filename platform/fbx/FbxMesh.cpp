@@ -151,6 +151,11 @@ int FbxMesh::GetPolygonSize(int polygon) const
     return end - mStarts[place];
 }
 
+int FbxMesh::GetPolygonVertexIndex(int polygon) const
+{
+    return polygon >= 0 && polygon < GetPolygonCount() ? mStarts[static_cast<std::size_t>(polygon)] : -1;
+}
+
 int FbxMesh::GetPolygonVertex(int polygon, int corner) const
 {
     if (corner < 0 || corner >= GetPolygonSize(polygon))

@@ -245,6 +245,9 @@ public:
     /// The number of corners; 0 for no polygon.
     int GetPolygonSize(int polygon) const;
 
+    /// Where the polygon's corners begin among all; -1 for no polygon.
+    int GetPolygonVertexIndex(int polygon) const;
+
     /// The point of a corner; -1 for none.
     int GetPolygonVertex(int polygon, int corner) const;
     int GetPolygonVertexCount() const;

@@ -87,6 +87,21 @@ std::vector<FbxParts::Value> FbxParts::valuesOf(FbxDefinitions const& definition
     return result;
 }
 
+std::vector<FbxParts::Value> FbxParts::valuesOf(FbxNode const& node) const
+{
+    std::vector<Value> result = valuesOf(static_cast<FbxObject const&>(node));
+    auto const isSaid = [](Value const& value)
+    {
+        return value.definition->type != FbxPropertyType::OwnVector && !value.isAnimated &&
+               std::equal(std::begin(value.numbers), std::end(value.numbers), value.definition->numbers);
+    };
+    if (!m_isOld)
+    {
+        result.erase(std::remove_if(result.begin(), result.end(), isSaid), result.end());
+    }
+    return result;
+}
+
 double FbxParts::frameRate() const
 {
     FbxGlobalSettings const& settings = m_content.scene.GetGlobalSettings();

@@ -35,6 +35,10 @@ protected:
     /// Default values.
     static std::vector<Value> valuesOf(FbxDefinitions const& definitions);
 
+    /// The values of a node. Version 7.7 leaves out what its template says as well, except for
+    /// the transform.
+    std::vector<Value> valuesOf(FbxNode const& node) const;
+
     /// The values of the settings: a time mode that all readers know, and the span of time.
     std::vector<Value> settings() const;
 
@@ -68,8 +72,8 @@ protected:
     bool const m_isOld;
 
 private:
-    void uvElement(FbxGeometryElementUV const& element, int index, std::vector<int> const& corners,
-                   std::vector<int> const& points);
+    void uvElement(FbxMesh const& mesh, FbxGeometryElementUV const& element, int index,
+                   std::vector<int> const& polygons);
     void materialElement(FbxGeometryElementMaterial const* element, std::vector<int> const& polygons);
     void layers(int uvCount, bool hasMaterial);
 };
