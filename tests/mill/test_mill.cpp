@@ -25,6 +25,7 @@
 #include <QRegularExpression>
 #include <QTemporaryDir>
 
+#include <algorithm>
 #include <clocale>
 #include <cmath>
 #include <limits>
@@ -165,12 +166,19 @@ QMap<QString, QByteArray> filesBelow(QString const& folder)
     return files;
 }
 
-// A readable difference of two texts: the first line in which they differ.
+// A readable difference of two texts: the first line in which they differ. Of binary files, the
+// first byte.
 testing::AssertionResult sameBytes(QByteArray const& expected, QByteArray const& found)
 {
     if (expected == found)
     {
         return testing::AssertionSuccess();
+    }
+    if (expected.contains('\0') && found.contains('\0'))
+    {
+        auto const first = std::mismatch(expected.begin(), expected.end(), found.begin(), found.end()).first;
+        return testing::AssertionFailure() << "byte " << first - expected.begin() << " of " << expected.size()
+                                           << " expected and " << found.size() << " found";
     }
     QList<QByteArray> const a = expected.split('\n');
     QList<QByteArray> const b = found.split('\n');

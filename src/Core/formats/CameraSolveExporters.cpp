@@ -26,10 +26,12 @@ constexpr double POSE_ROWS = 200;
 constexpr double STILL_NULL = 700;
 constexpr FormatBytes SCENE_TEXT(POSE_ROWS, STILL_NULL, POSE_ROWS);
 
-// Nine keys with their times, and a pyramid with its mesh and a point of the layer's mesh.
+// Nine keys with their times, a pyramid with its mesh, and of a layer its node, its meshes and a
+// share of what every file has: definitions, the camera, materials.
 constexpr double POSE_KEYS = 200;
-constexpr double PYRAMID = 3500;
-constexpr FormatBytes SCENE_FBX(POSE_KEYS, PYRAMID, POSE_KEYS);
+constexpr double PYRAMID = 4000;
+constexpr double FBX_LAYER = 12000;
+constexpr FormatBytes SCENE_FBX(POSE_KEYS, PYRAMID, POSE_KEYS, FBX_LAYER);
 
 }
 

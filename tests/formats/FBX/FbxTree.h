@@ -1,25 +1,16 @@
 #pragma once
-// A binary FBX file of version 7 as a tree, read by its layout alone.
+// What tests ask of a scene in an FBX file of version 7.
+
+#include "../../platform/test_fbx_file.h"
 
 #include <QByteArray>
-#include <QByteArrayList>
-#include <QtEndian>
 
-#include <map>
-#include <stdexcept>
 #include <vector>
 
 class FbxTree
 {
 public:
-    /// A record with its values: texts and numbers apart, arrays flat.
-    struct Record
-    {
-        QByteArray name;
-        QByteArrayList texts;
-        std::vector<double> numbers;
-        std::vector<Record> children;
-    };
+    using Node = FbxFile::Node;
 
     struct Curve
     {
@@ -27,212 +18,106 @@ public:
         std::vector<double> values;
     };
 
-    explicit FbxTree(QByteArray const& bytes) : m_bytes(bytes), m_at(27)
+    explicit FbxTree(QByteArray const& bytes) : m_file(bytes.toStdString())
     {
-        while (readRecord(m_root))
-        {
-        }
     }
 
-    /// All records of a name, at any depth.
-    std::vector<Record const*> all(char const* name) const
+    Node const* settings() const
     {
-        std::vector<Record const*> found;
-        collect(m_root, name, found);
-        return found;
+        return m_file.root.find("GlobalSettings");
     }
 
-    /// An object such as Model or Geometry by its own name; null when there is none.
-    Record const* object(char const* kind, QByteArray const& name) const
+    /// An object such as a Model or a Geometry by its own name; null when there is none.
+    Node const* object(char const* kind, QByteArray const& name) const
     {
-        for (Record const* record : all(kind))
+        for (Node const& node : m_file.root.at("Objects").children)
         {
-            if (!record->texts.isEmpty() && record->texts[0].split('\0').value(0) == name)
+            if (node.name == kind && nameOf(node) == name)
             {
-                return record;
+                return &node;
             }
         }
         return nullptr;
     }
 
-    /// The values of a property of an object, or of the settings.
-    std::vector<double> property(Record const* object, char const* name) const
+    /// The values of a property.
+    static std::vector<double> property(Node const* node, char const* name)
     {
-        std::vector<Record const*> found;
-        collect(*object, "P", found);
-        for (Record const* record : found)
+        auto const& entry = node->property(name).properties;
+        std::vector<double> values;
+        for (std::size_t i = 4; i < entry.size(); ++i)
         {
-            if (record->texts.value(0) == name)
-            {
-                return record->numbers;
-            }
+            values.push_back(entry[i].number);
         }
-        return {};
+        return values;
+    }
+
+    static std::vector<double> array(Node const* node, char const* name)
+    {
+        return node->at(name).numbers();
     }
 
     /// The curve of a property's channel, such as "d|X"; empty when there is none.
-    Curve curve(Record const* object, char const* property, char const* channel) const
+    Curve curve(Node const* node, char const* property, char const* channel) const
     {
-        for (double const node : sources(object->numbers[0], property))
+        for (double const curveNode : sources(node->properties[0].number, property))
         {
-            for (double const id : sources(node, channel))
+            for (double const id : sources(curveNode, channel))
             {
-                for (Record const* record : all("AnimationCurve"))
-                {
-                    if (record->numbers[0] == id)
-                    {
-                        return {values(*record, "KeyTime"), values(*record, "KeyValueFloat")};
-                    }
-                }
+                Node const* const found = objectOf(id);
+                return {array(found, "KeyTime"), array(found, "KeyValueFloat")};
             }
         }
         return {};
     }
 
-    /// The name of the model that a model hangs on; empty for the root.
+    /// The name of what a model hangs on; empty for the root.
     QByteArray parentOf(char const* model) const
     {
-        double const id = object("Model", model)->numbers[0];
-        for (Record const* connection : all("C"))
+        double const id = object("Model", model)->properties[0].number;
+        for (Node const& connection : m_file.root.at("Connections").children)
         {
-            for (Record const* parent : all("Model"))
+            Node const* const parent = objectOf(connection.properties[2].number);
+            if (connection.properties[1].number == id && parent && parent->name == "Model")
             {
-                if (connection->numbers[0] == id && connection->numbers[1] == parent->numbers[0])
-                {
-                    return parent->texts[0].split('\0').value(0);
-                }
+                return nameOf(*parent);
             }
         }
         return QByteArray();
     }
 
-    /// The array of a child record.
-    static std::vector<double> values(Record const& record, char const* child)
+private:
+    static QByteArray nameOf(Node const& node)
     {
-        std::vector<Record const*> found;
-        collect(record, child, found);
-        return found.empty() ? std::vector<double>() : found.front()->numbers;
+        return QByteArray::fromStdString(node.properties.at(1).text).split('\0').value(0);
     }
 
-private:
-    static void collect(Record const& record, char const* name, std::vector<Record const*>& found)
+    Node const* objectOf(double id) const
     {
-        for (Record const& child : record.children)
+        for (Node const& node : m_file.root.at("Objects").children)
         {
-            if (child.name == name)
+            if (node.properties.at(0).number == id)
             {
-                found.push_back(&child);
+                return &node;
             }
-            collect(child, name, found);
         }
+        return nullptr;
     }
 
     /// What is connected to a property of an object.
     std::vector<double> sources(double id, char const* property) const
     {
         std::vector<double> found;
-        for (Record const* connection : all("C"))
+        for (Node const& connection : m_file.root.at("Connections").children)
         {
-            if (connection->texts.value(1) == property && connection->numbers[1] == id)
+            auto const& ends = connection.properties;
+            if (ends.size() > 3 && ends[2].number == id && ends[3].text == property)
             {
-                found.push_back(connection->numbers[0]);
+                found.push_back(ends[1].number);
             }
         }
         return found;
     }
 
-    template <typename T>
-    T take()
-    {
-        QByteArray const raw = takeBytes(sizeof(T));
-        return qFromLittleEndian<T>(raw.constData());
-    }
-
-    QByteArray takeBytes(qint64 count)
-    {
-        if (count < 0 || m_at + count > m_bytes.size())
-        {
-            throw std::runtime_error("the file ends in a record");
-        }
-        m_at += count;
-        return m_bytes.mid(static_cast<int>(m_at - count), static_cast<int>(count));
-    }
-
-    bool readRecord(Record& parent)
-    {
-        auto const end = take<qint64>();
-        auto const count = take<qint64>();
-        take<qint64>();
-        Record record;
-        record.name = takeBytes(take<quint8>());
-        if (end == 0)
-        {
-            return false;
-        }
-        for (qint64 i = 0; i < count; ++i)
-        {
-            readValue(record);
-        }
-        while (m_at < end && readRecord(record))
-        {
-        }
-        parent.children.push_back(record);
-        return true;
-    }
-
-    void readValue(Record& record)
-    {
-        char const type = takeBytes(1)[0];
-        if (type == 'S' || type == 'R')
-        {
-            record.texts += takeBytes(take<quint32>());
-            return;
-        }
-        bool const isArray = type >= 'a';
-        auto const count = isArray ? take<quint32>() : 1U;
-        bool const isPacked = isArray && take<quint32>() == 1;
-        QByteArray data = isArray ? takeBytes(take<quint32>()) : takeBytes(sizeOf(type));
-        if (isPacked)
-        {
-            QByteArray length(4, '\0');
-            qToBigEndian(count * static_cast<quint32>(sizeOf(type)), length.data());
-            data = qUncompress(length + data);
-        }
-        for (quint32 i = 0; i < count; ++i)
-        {
-            record.numbers.push_back(number(type, data.constData() + i * static_cast<quint32>(sizeOf(type))));
-        }
-    }
-
-    static int sizeOf(char type)
-    {
-        static std::map<char, int> const sizes{{'C', 1}, {'b', 1}, {'Y', 2}, {'I', 4}, {'i', 4}, {'F', 4},
-                                               {'f', 4}, {'L', 8}, {'l', 8}, {'D', 8}, {'d', 8}};
-        return sizes.at(type);
-    }
-
-    static double number(char type, char const* data)
-    {
-        switch (type)
-        {
-        case 'I':
-        case 'i':
-            return qFromLittleEndian<qint32>(data);
-        case 'L':
-        case 'l':
-            return static_cast<double>(qFromLittleEndian<qint64>(data));
-        case 'F':
-        case 'f':
-            return static_cast<double>(qFromLittleEndian<float>(data));
-        case 'D':
-        case 'd':
-            return qFromLittleEndian<double>(data);
-        default:
-            return *data;
-        }
-    }
-
-    QByteArray m_bytes;
-    qint64 m_at;
-    Record m_root;
+    FbxFile::Reader m_file;
 };

@@ -102,7 +102,7 @@ TEST(FBX, RatesThatItLacksAreToldAndTheNearestIsTaken)
         auto const warnings = std::make_shared<Warnings>();
         FbxTree const file(run(builder, {0}, {}, FBX3DExporterMaya7(), warnings).files.value("out.fbx"));
         EXPECT_EQ(warnings->texts, c.warning.isEmpty() ? QStringList() : QStringList(c.warning)) << c.rate;
-        FbxTree::Record const* const settings = file.all("GlobalSettings").front();
+        FbxTree::Node const* const settings = file.settings();
         EXPECT_EQ(file.property(settings, "TimeMode").at(0), c.mode) << c.rate;
         double const rate = file.property(settings, "CustomFrameRate").at(0);
         auto const curve = file.curve(file.object("Model", "MarloCameraNode"), "Lcl Translation", "d|X");
@@ -177,7 +177,7 @@ TEST(FBX, OptionsAreDeclaredAndFollowed)
     builder.layer().surfacePoints->positions = {0, 0, 0, 4, 0, 0};
     builder.solve().referenceFrame = 3;
     auto const meshX = [](FbxTree const& file)
-    { return FbxTree::values(*file.object("Geometry", "Wall_Surface"), "Vertices").at(0); };
+    { return FbxTree::array(file.object("Geometry", "Wall_Surface"), "Vertices").at(0); };
 
     FbxTree const bare = tree(builder);
     EXPECT_EQ(ofModel(bare, "Point 1", "Lcl Scaling").at(0), 0.01);
@@ -210,8 +210,7 @@ TEST(FBX, ViewsDecideWhichCameraThereIs)
     FbxTree const eye = tree(stereo, {1});
     EXPECT_EQ(ofModel(eye, "MarloCameraNode", "Lcl Translation"), (std::vector<double>{125, 200, 300}));
     EXPECT_EQ(ofModel(eye, "Point 1", "Lcl Translation"), (std::vector<double>{100, 200, 300}));
-    EXPECT_EQ(FbxTree::values(*eye.object("Geometry", "Wall_Surface"), "Vertices"),
-              (std::vector<double>{100, 200, 300}));
+    EXPECT_EQ(FbxTree::array(eye.object("Geometry", "Wall_Surface"), "Vertices"), (std::vector<double>{100, 200, 300}));
     FbxTree const both = tree(stereo, {0, 1});
     EXPECT_EQ(ofModel(both, "MarloCameraNode", "Lcl Translation"), (std::vector<double>{1, 2, 3}));
 }
@@ -331,8 +330,8 @@ TEST(FBX, ALegacySolveHangsOnTheRootAndStartsWhereItsCameraDoes)
     EXPECT_EQ(file.parentOf("Point 1"), QByteArray());
     EXPECT_EQ(ofModel(file, "MarloCameraNode", "Lcl Translation"), (std::vector<double>{0, 0, 0}));
     EXPECT_EQ(ofModel(file, "Point 1", "Lcl Translation"), (std::vector<double>{3, 4, 5}));
-    EXPECT_EQ(FbxTree::values(*file.object("Geometry", "Wall_Surface"), "Vertices"), (std::vector<double>{3, -4, -5}));
-    EXPECT_EQ(file.property(file.all("GlobalSettings").front(), "UnitScaleFactor").at(0), 1);
+    EXPECT_EQ(FbxTree::array(file.object("Geometry", "Wall_Surface"), "Vertices"), (std::vector<double>{3, -4, -5}));
+    EXPECT_EQ(file.property(file.settings(), "UnitScaleFactor").at(0), 1);
     auto const* const camera = file.object("NodeAttribute", "camera");
     EXPECT_EQ(file.property(camera, "ApertureMode").at(0), 1);
     EXPECT_NEAR(file.property(camera, "FieldOfView").at(0), 54.432223, 1e-5) << "36 mm at 35 mm";
