@@ -119,6 +119,49 @@
     </message>
 </context>
 <context>
+    <name>Export::FBX3DExporterBase</name>
+    <message>
+        <source>Warning: FBX 7.7.0 does not support %1 fps. Solve will be exported as %2 fps</source>
+        <translation>Warnung: FBX 7.7.0 kennt keine %1 Bilder je Sekunde. Die Szene wird mit %2 Bildern je Sekunde exportiert</translation>
+    </message>
+    <message>
+        <source>FBX exporter</source>
+        <translation>FBX-Export</translation>
+    </message>
+    <message>
+        <source>The file has no camera, as the solve has none for these views</source>
+        <translation>Die Datei hat keine Kamera, da die Lösung keine für diese Ansichten hat</translation>
+    </message>
+    <message>
+        <source>No 3D solution ready, please solve the scene first</source>
+        <translation>Es gibt noch keine 3D-Lösung, bitte zuerst die Szene berechnen</translation>
+    </message>
+    <message>
+        <source>Keys of FBX are single floats, so that the camera is up to %1 units and points are about %2 pixels off. Bring the origin of the scene near to the camera.</source>
+        <translation>Keyframes von FBX haben einfache Genauigkeit, so dass die Kamera bis zu %1 Einheiten und Punkte etwa %2 Pixel danebenliegen. Lege den Ursprung der Szene in die Nähe der Kamera.</translation>
+    </message>
+    <message>
+        <source>These models stand where they would if their layers, which have no points in this export, were at the origin: %1</source>
+        <translation>Diese Modelle stehen so, als wären ihre Ebenen, die in diesem Export keine Punkte haben, im Ursprung: %1</translation>
+    </message>
+    <message>
+        <source>Several objects have one name, so that some got numbers: %1</source>
+        <translation>Mehrere Objekte haben denselben Namen, so dass einige eine Nummer bekamen: %1</translation>
+    </message>
+    <message>
+        <source>Could not write to file %1</source>
+        <translation>Die Datei %1 konnte nicht geschrieben werden</translation>
+    </message>
+    <message>
+        <source>FBX exporter could not open a temporary file</source>
+        <translation>Der FBX-Export konnte keine temporäre Datei öffnen</translation>
+    </message>
+    <message>
+        <source>Export fewer layers, or leave the features out.</source>
+        <translation>Exportiere weniger Ebenen oder lasse die Merkmale weg.</translation>
+    </message>
+</context>
+<context>
     <name>Export::LensDataFormat</name>
     <message>
         <source>Marlo XML Lens Data</source>

@@ -166,7 +166,8 @@ QMap<QString, QByteArray> filesBelow(QString const& folder)
     return files;
 }
 
-// A readable difference of two texts: the first line in which they differ.
+// A readable difference of two texts: the first line in which they differ. Of binary files, the
+// first byte.
 testing::AssertionResult sameBytes(QByteArray const& expected, QByteArray const& found)
 {
     if (expected == found)

@@ -4,6 +4,8 @@
 #include "Core/formats/ExporterTables.h"
 
 #include "AfterEffects/AE3DMotionExporter.h"
+#include "FBX/FBX3DExporterMaya.h"
+#include "FBX/FBX3DExporterNuke.h"
 #include "Host/CameraSolveExporter.h"
 #include "Interchange/AlembicCameraSolveExporter.h"
 #include "Interchange/KestreliaSolveExporter.h"
@@ -17,6 +19,9 @@ namespace
 
 constexpr char PASTE_CAMERA[] =
     "Copy the text and paste it with Paste Marlo Camera in the Edit menu, which the importer plug-in adds.";
+
+constexpr char IMPORT_FILE[] = "Import the file (File, Import).";
+constexpr FormatHonours OBJECTS_IN_VIEWS(QFlag(HonoursObjects | HonoursViews));
 
 // Position, rotation and scale of a moving object in a frame, and a null that stands still, in
 // bytes.
@@ -38,6 +43,13 @@ constexpr char IMPORT_STAGE[] = "Reference the file, or import it, as any USD fi
 // that it may be.
 constexpr FormatBytes STAGE_TEXT(280, 600, 160);
 
+// Nine keys with their times, a pyramid with its mesh, and of a layer its node, its meshes and a
+// share of what every file has: definitions, the camera, materials.
+constexpr double POSE_KEYS = 200;
+constexpr double PYRAMID = 4000;
+constexpr double FBX_LAYER = 12000;
+constexpr FormatBytes SCENE_FBX(POSE_KEYS, PYRAMID, POSE_KEYS, FBX_LAYER);
+
 }
 
 // exporter, what it honours and needs, what breaks a field, the way in, limits, bytes. The
@@ -57,6 +69,28 @@ std::vector<CameraSolveRow> cameraSolveRows()
          &Row::make<AE3DMotionExporter, 1>,
          {HonoursObjects, NeedsSolve, "", PASTE_CAMERA,
           "Six significant digits; one eye of a stereo pair; no lens; nulls without hierarchy.", SCENE_TEXT}},
+        {&F::FBX_NUKE,
+         &Row::make<FBX3DExporterNuke>,
+         {HonoursObjects, NeedsSolve, "", "Choose the file in a Camera, Axis or ReadGeo node (read from file).",
+          "Rates of FBX only; keys are single floats; one eye of a stereo pair; no lens; meshes at one frame; the far "
+          "plane is at 10000, nearer than many points.",
+          SCENE_FBX}},
+        {&F::FBX_MAYA6,
+         &Row::make<FBX3DExporterMaya6>,
+         {OBJECTS_IN_VIEWS, NeedsSolve, "", IMPORT_FILE,
+          "Rates of FBX only; keys are single floats; no lens; meshes at one frame; many programs read later versions "
+          "only.",
+          SCENE_FBX}},
+        {&F::FBX_MAYA7,
+         &Row::make<FBX3DExporterMaya7>,
+         {OBJECTS_IN_VIEWS, NeedsSolve, "", IMPORT_FILE,
+          "Rates of FBX only; keys are single floats; no lens; meshes at one frame.", SCENE_FBX}},
+        {&F::USD,
+         &Row::make<USDCameraSolveExporter>,
+         {HonoursObjects, NeedsSolve, "", IMPORT_STAGE,
+          "One camera, that of the rig in stereo; no lens; angles and mesh vertices are single floats; names keep only "
+          "letters and digits.",
+          STAGE_TEXT}},
         {&F::KestreliaProjectFile,
          &Row::make<KestreliaSolveExporter>,
          {HonoursObjects, NeedsSolve, "", "Open the file as a project.",
@@ -69,12 +103,6 @@ std::vector<CameraSolveRow> cameraSolveRows()
           "The rig's own camera of a solve in stereo; points as transforms; vertices of meshes are single floats; no "
           "lens.",
           ALEMBIC_SCENE}},
-        {&F::USD,
-         &Row::make<USDCameraSolveExporter>,
-         {HonoursObjects, NeedsSolve, "", IMPORT_STAGE,
-          "One camera, that of the rig in stereo; no lens; angles and mesh vertices are single floats; names keep only "
-          "letters and digits.",
-          STAGE_TEXT}},
     };
 }
 

@@ -1,0 +1,19 @@
+#pragma once
+
+#include <fbxsdk.h>
+
+#include <QByteArray>
+
+namespace Export
+{
+namespace FBXParts
+{
+
+/// The scene as the bytes of a binary file. It goes through a temporary file.
+///
+/// @param version 6 for 6.1, anything else for the current one
+/// @throws KORV_OperationFailed when the temporary file can't be written or read
+QByteArray fileOf(FbxManager& manager, FbxScene& scene, int version);
+
+}
+}
