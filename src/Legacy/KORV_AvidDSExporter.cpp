@@ -78,7 +78,8 @@ Korvane::ExportedFiles KORV_AvidDSExporter::exportTracking(KORV_ProjectManager& 
 
     float const yFactor = squareLines(project, m_helper.heightScale());
     QString const extension = TrackingDataFormat::AVID_DS().extension();
-    QString const stem = path.left(path.size() - extension.size());
+    QString stem = path;
+    stem.chop(extension.size());
     Korvane::ExportedFiles result;
     for (CurveFiles const& files : FILES)
     {
