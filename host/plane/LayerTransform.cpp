@@ -26,7 +26,8 @@ TrackModel const* trackIn(KORV_Layer const& layer, Anm::View const& view)
 
 Mtx_Camera cameraOf(ClipModel const& clip, double frame)
 {
-    MarloHost::LensModel const lens = clip.lens.value_or(MarloHost::LensModel());
+    static MarloHost::LensModel const none;
+    MarloHost::LensModel const& lens = clip.lens ? *clip.lens : none;
     double const lines = clip.interlaced ? clip.height / 2 : clip.height;
     double const aspect = clip.width * clip.pixelAspect / clip.height;
     Mtx_Camera camera;

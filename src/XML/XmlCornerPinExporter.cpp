@@ -34,6 +34,7 @@
 #include "Writing/Setup.h"
 #include "Writing/TextBuffer.h"
 #include "Writing/Values.h"
+#include "XML/parts/FrameElements.h"
 
 #include <algorithm>
 
@@ -45,33 +46,17 @@ namespace
 
 using Corners = Korvane::TrackingExporterTypes;
 
-struct CornerElements
-{
-    Corners::SurfaceCorner corner;
-    char const* x;
-    char const* y;
-};
-
-constexpr CornerElements ELEMENTS[] = {
-    {Corners::LowerLeft, "bottomleftx", "bottomlefty"},
-    {Corners::LowerRight, "bottomrightx", "bottomrighty"},
-    {Corners::UpperLeft, "topleftx", "toplefty"},
-    {Corners::UpperRight, "toprightx", "toprighty"},
-};
+// In the order of the document, behind the numbers of frame and file.
+constexpr Corners::SurfaceCorner CORNERS[] = {Corners::LowerLeft, Corners::LowerRight, Corners::UpperLeft,
+                                              Corners::UpperRight};
 
 constexpr qint64 FRAME_LENGTH = 840;
 
-template <typename Number>
-void writeElement(TextBuffer& out, char const* name, Number const& number)
-{
-    out << "         <" << name << ">\n            " << number << "\n         </" << name << ">\n";
-}
-
 bool isRow(TXI::Pos2 const (&row)[5])
 {
-    return std::all_of(std::begin(ELEMENTS), std::end(ELEMENTS),
-                       [&](CornerElements const& elements)
-                       { return isWritable(row[elements.corner].x) && isWritable(row[elements.corner].y); });
+    return std::all_of(std::begin(CORNERS), std::end(CORNERS),
+                       [&](Corners::SurfaceCorner corner)
+                       { return isWritable(row[corner].x) && isWritable(row[corner].y); });
 }
 
 }
@@ -112,6 +97,9 @@ int KORV_XmlCornerPinExporter::writePoints(TextBuffer& out, ZN_BaseClipInfo cons
 {
     double const step = base.bIsInterlaced() ? 0.5 : 1.0;
     int const firstFile = clip.minIndex(Anm::View::defaultView(), Anm::View::Mapped);
+    std::vector<QByteArray> const elements =
+        frameElements({"FrameNumber", "FileNumber", "bottomleftx", "bottomlefty", "bottomrightx", "bottomrighty",
+                       "topleftx", "toplefty", "toprightx", "toprighty"});
     auto const points = m_helper.surfacePoints();
     int leftOut = 0;
     auto const writeFrame = [&](int row, int frame)
@@ -123,15 +111,15 @@ int KORV_XmlCornerPinExporter::writePoints(TextBuffer& out, ZN_BaseClipInfo cons
             return;
         }
         double const time = frame * step;
-        out << "      <Frame>\n";
-        writeElement(out, "FrameNumber", General{static_cast<double>(static_cast<float>(time))});
-        writeElement(out, "FileNumber", Integer{static_cast<int>(firstFile + time)});
-        for (CornerElements const& elements : ELEMENTS)
+        auto piece = elements.begin();
+        out << *piece++ << General{static_cast<double>(static_cast<float>(time))};
+        out << *piece++ << Integer{static_cast<int>(firstFile + time)};
+        for (Corners::SurfaceCorner const corner : CORNERS)
         {
-            writeElement(out, elements.x, General{corners[elements.corner].x / base.width()});
-            writeElement(out, elements.y, General{corners[elements.corner].y / base.height()});
+            out << *piece++ << General{corners[corner].x / base.width()};
+            out << *piece++ << General{corners[corner].y / base.height()};
         }
-        out << "      </Frame>\n";
+        out << *piece;
     };
     forEachFrame(m_helper, writeFrame);
     return leftOut;

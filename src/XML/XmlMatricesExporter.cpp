@@ -38,6 +38,7 @@
 #include "Writing/TextBuffer.h"
 #include "Writing/ThrowHelpers.h"
 #include "Writing/Values.h"
+#include "XML/parts/FrameElements.h"
 #include "XML/parts/NormalisedMotion.h"
 
 #include <algorithm>
@@ -49,23 +50,10 @@ namespace Export
 namespace
 {
 
-struct Entry
-{
-    char const* name;
-    double Mtx_Mat33::*value;
-};
-
-constexpr std::array<Entry, 9> ENTRIES = {{
-    {"xx", &Mtx_Mat33::xx},
-    {"xy", &Mtx_Mat33::xy},
-    {"xz", &Mtx_Mat33::xz},
-    {"yx", &Mtx_Mat33::yx},
-    {"yy", &Mtx_Mat33::yy},
-    {"yz", &Mtx_Mat33::yz},
-    {"zx", &Mtx_Mat33::zx},
-    {"zy", &Mtx_Mat33::zy},
-    {"zz", &Mtx_Mat33::zz},
-}};
+// In the order of the document, behind the numbers of frame and file.
+constexpr std::array<double Mtx_Mat33::*, 9> ENTRIES = {{&Mtx_Mat33::xx, &Mtx_Mat33::xy, &Mtx_Mat33::xz, &Mtx_Mat33::yx,
+                                                         &Mtx_Mat33::yy, &Mtx_Mat33::yz, &Mtx_Mat33::zx, &Mtx_Mat33::zy,
+                                                         &Mtx_Mat33::zz}};
 
 constexpr qint64 FRAME_LENGTH = 640;
 
@@ -110,25 +98,20 @@ Span trackedSpan(KORV_SelectionManager const& layers, KORV_Layer const& layer,
 bool isMatrix(Mtx_Mat33 const& matrix)
 {
     return std::all_of(ENTRIES.begin(), ENTRIES.end(),
-                       [&](Entry const& entry) { return isWritable(matrix.*entry.value); });
+                       [&](double Mtx_Mat33::*entry) { return isWritable(matrix.*entry); });
 }
 
-template <typename Number>
-void writeElement(TextBuffer& out, char const* name, Number const& number)
+/// @param elements the text around the values
+void writeFrame(TextBuffer& out, std::vector<QByteArray> const& elements, double frameNumber, double fileNumber,
+                Mtx_Mat33 const& matrix)
 {
-    out << "         <" << name << ">\n            " << number << "\n         </" << name << ">\n";
-}
-
-void writeFrame(TextBuffer& out, double frameNumber, double fileNumber, Mtx_Mat33 const& matrix)
-{
-    out << "      <Frame>\n";
-    writeElement(out, "FrameNumber", General{frameNumber});
-    writeElement(out, "FileNumber", General{fileNumber});
-    for (Entry const& entry : ENTRIES)
+    auto piece = elements.begin();
+    out << *piece++ << General{frameNumber} << *piece++ << General{fileNumber};
+    for (double Mtx_Mat33::*const entry : ENTRIES)
     {
-        writeElement(out, entry.name, General{matrix.*entry.value});
+        out << *piece++ << General{matrix.*entry};
     }
-    out << "      </Frame>\n";
+    out << *piece;
 }
 
 }
@@ -163,6 +146,8 @@ Korvane::ExportedFiles KORV_XmlMatricesExporter::exportTracking(KORV_ProjectMana
            "      <Name>\n"
         << "         " << layer->name() << "\n"
         << "      </Name>\n";
+    std::vector<QByteArray> const elements =
+        frameElements({"FrameNumber", "FileNumber", "xx", "xy", "xz", "yx", "yy", "yz", "zx", "zy", "zz"});
     for (double frame = span.first; frame <= span.last; frame += 1.0)
     {
         NormalisedMotion::AtFrame const at = motion.at(static_cast<int>(frame));
@@ -174,7 +159,7 @@ Korvane::ExportedFiles KORV_XmlMatricesExporter::exportTracking(KORV_ProjectMana
         }
         if (isMatrix(at.matrix))
         {
-            writeFrame(out, number, firstFile + frame, at.matrix);
+            writeFrame(out, elements, number, firstFile + frame, at.matrix);
         }
         else
         {
