@@ -113,7 +113,7 @@ TEST(XmlMatrices, CarryTheHelpersPointsToItsPointsBeforeTheyArePrinted)
 
 TEST(XmlMatrices, SpanTheTrackedFramesAndTellOfGaps)
 {
-    ProjectBuilder builder(8);
+    ProjectBuilder builder(9);
     builder.clip().frameOffset = 10;
     builder.clip().footage = {MarloHost::FootageModel::Sequence, "/plates", "a.", ".dpx", 4, 100, {}};
     builder.addLayer("A & B");
