@@ -244,6 +244,13 @@ Stellen Sie sicher, dass Sie die nötigen Berechtigungen haben:
     </message>
 </context>
 <context>
+    <name>KORV_ShakeSSFRotoShapeExporter</name>
+    <message>
+        <source>X-Splines are not supported</source>
+        <translation>X-Splines werden nicht unterstützt</translation>
+    </message>
+</context>
+<context>
     <name>KV::CameraSolveExporter</name>
     <message>
         <source>Include automatic features</source>

@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <numeric>
 
 namespace MarloHost
 {
@@ -132,21 +131,14 @@ LayerMotion::LayerMotion(LayerModel const& layer, TrackModel const& track, Motio
 // The nearest frame that has a map, of two equally near ones the earlier.
 void LayerMotion::findReference()
 {
-    std::vector<std::size_t> indices(m_track.frames.size());
-    std::iota(indices.begin(), indices.end(), 0);
-    auto const distance = [&](std::size_t index)
-    { return std::abs(static_cast<long long>(m_track.frames[index]) - m_choice.referenceFrame); };
-    std::stable_sort(indices.begin(), indices.end(),
-                     [&](std::size_t a, std::size_t b) { return distance(a) < distance(b); });
-    for (std::size_t const index : indices)
+    auto const isUsable = [&](std::size_t index)
     {
-        if (std::optional<Homography> const map =
-                m_choice.undistort ? straightMap(straightSurface(index)) : surfaceMap(index))
-        {
-            m_reference = *map;
-            return;
-        }
-    }
+        std::optional<Homography> const map =
+            m_choice.undistort ? straightMap(straightSurface(index)) : surfaceMap(index);
+        m_reference = map.value_or(m_reference);
+        return map.has_value();
+    };
+    nearestIndexWhere(m_track.frames, m_choice.referenceFrame, isUsable);
 }
 
 std::optional<Homography> LayerMotion::map(std::size_t index) const

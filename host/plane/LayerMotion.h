@@ -4,6 +4,7 @@
 #include "Host/ExportEnums.h"
 #include "marlohost/ProjectModel.h"
 
+#include <algorithm>
 #include <optional>
 #include <vector>
 
@@ -103,5 +104,26 @@ private:
 /// Index into ascending `frames` of the one nearest to `frame`; the earlier of two
 /// that are equally near. `frames` isn't empty.
 std::size_t nearestFrameIndex(std::vector<int> const& frames, int frame);
+
+/// The same among those indices for which something is true; empty when there is none.
+/// Looks at no more of them than it must, the nearest first.
+template <typename Predicate>
+std::optional<std::size_t> nearestIndexWhere(std::vector<int> const& frames, int frame, Predicate const& isWanted)
+{
+    auto after = static_cast<std::size_t>(std::lower_bound(frames.begin(), frames.end(), frame) - frames.begin());
+    std::size_t before = after;
+    while (before > 0 || after < frames.size())
+    {
+        bool const takeAfter =
+            before == 0 || (after < frames.size() && static_cast<long long>(frames[after]) - frame <
+                                                         static_cast<long long>(frame) - frames[before - 1]);
+        std::size_t const index = takeAfter ? after++ : --before;
+        if (isWanted(index))
+        {
+            return index;
+        }
+    }
+    return std::nullopt;
+}
 
 }

@@ -1,6 +1,8 @@
 #pragma once
 
+#include "Host/Anm.h"
 #include "Host/HostApi.h"
+#include "mtx/Camera.h"
 
 #include <QString>
 
@@ -22,6 +24,11 @@ public:
     unsigned int id() const;
     QString const& name() const;
     ZN_ClipInfo const& info() const;
+
+    /// The pinhole that the clip was seen through at a frame, in pixels of its raster (of one
+    /// field in interlaced material), without the distortion of its lens; y0 is measured from
+    /// the top edge.
+    Mtx_Camera camera(Anm::Context const& context) const;
 
 private:
     std::unique_ptr<Data> m_data;

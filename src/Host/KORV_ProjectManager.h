@@ -2,7 +2,9 @@
 // The root of a project and the managers that it owns.
 
 #include "Host/Anm.h"
+#include "Host/ExportEnums.h"
 #include "Host/HostApi.h"
+#include "mtx/Camera.h"
 
 #include <QFlags>
 #include <QList>
@@ -149,6 +151,30 @@ public:
 
     KORV_Layer const* topLayer() const;
     bool hasLayers() const;
+
+    /// Whether the layer has tracking data of its own at the frame and in the view of the
+    /// context.
+    bool isLayerTrackedAtFrame(KORV_Layer const& layer, Anm::Context context) const;
+
+    /// Raster of the clip that the layer was tracked on, of one field in interlaced material.
+    /// Parts of pixels of a smaller scale count as pixels.
+    QSize layerFrameSize(KORV_Layer const& layer, Anm::ProxyScale const& scale) const;
+
+    /// The motion of the layer's plane as the camera of its base clip sees it: with H the
+    /// motion in pixels (y up), K the matrix of KORV_Clip::camera() with y0 measured from
+    /// the bottom edge, and D = diag(1, -1, 1), it is
+    ///
+    ///     D inverse(K(frame)) H(frame) K(start) D.
+    ///
+    /// H goes from the surface's reference frame to the frame; stabilized motion brings the
+    /// plane at the frame to where it is in the start frame. A frame that can't be used takes
+    /// the H of the nearest one that can; without any the plane stands still.
+    ///
+    /// @param context frame and view that the motion is asked of
+    /// @param start the frame whose camera the motion starts from; its view has no effect
+    /// @param standsIn set to whether H isn't that of the frame itself; may be null
+    Mtx_Mat33 layerTransform(KORV_Layer const& layer, Anm::Context const& context, ZN_TRACKING_OPTION option,
+                             Anm::Context const& start, bool* standsIn) const;
 
     /// The layers by numeric id.
     std::map<unsigned int, boost::shared_ptr<Korvane::ItemItf>> const& layerItems() const;

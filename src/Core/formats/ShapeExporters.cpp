@@ -5,6 +5,7 @@
 
 #include "AfterEffects/MarloShapeAEExporter.h"
 #include "Host/ShapeExporter.h"
+#include "Legacy/KORV_ShakeSSFRotoShapeExporter.h"
 #include "Nuke/MarloBlendExporter.h"
 #include "Nuke/NukeRotoExporters.h"
 #include "Premiere/PremiereShapeExporter.h"
@@ -43,6 +44,7 @@ constexpr double FXS_MATRIX = 9 * 24 + 64;
 constexpr FormatBytes BAKED_ROTO(160, ROTO_POINT, ROTO_POINT);
 constexpr FormatBytes KEYED_ROTO(ROTO_MATRIX, ROTO_POINT, 0);
 constexpr FormatBytes MASK(160, MASK_POINT, MASK_POINT);
+constexpr FormatBytes SHAKE_SHAPE(16, 0, 170);
 constexpr FormatBytes FXS(FXS_MATRIX, FXS_POINT, 0);
 
 }
@@ -60,6 +62,12 @@ std::vector<ShapeRow> shapeRows()
           "Six significant digits; one view; contours that leave 30000 px around the picture are baked; rows that "
           "aren't finite are left out without a word.",
           MASK, LeftOut::IsSilent, Untracked::IsTold, HoldsFeather | HoldsFieldLifetimes | MODES}},
+        {&F::SHAKE_SSF_SCRIPT,
+         &Row::make<KORV_ShakeSSFRotoShapeExporter>,
+         {HonoursLayers, NeedsContours, "", "Load the file into a RotoShape node.",
+          "Four decimals; one view; a key for each frame, in all shapes from the first frame of any layer to the last; "
+          "X-splines become Bezier curves, open ones are closed; no inversion and no subtraction.",
+          SHAKE_SHAPE, LeftOut::IsTold, Untracked::IsTold, HoldsFeather}},
         {&F::NUKE_ROTO_PAINT_WITH_MATRIX,
          &Row::make<NukeRotoPaintExporter, true>,
          {IN_VIEWS, NeedsContours, TREE, PASTE_NODE, WITH_MATRIX, KEYED_ROTO, LeftOut::IsTold, Untracked::IsTold,

@@ -11,11 +11,15 @@
 #include "Interchange/AlembicMeshExporter.h"
 #include "Interchange/AlembicVertexTransformExporter.h"
 #include "Interchange/Kestrelia2DTrackersExporter.h"
+#include "Legacy/KORV_AvidDSExporter.h"
+#include "Legacy/KORV_ShakeScriptExporter.h"
 #include "Nuke/MarloBlendTrackingExporter.h"
 #include "Nuke/NukeAsciiExporter.h"
 #include "Nuke/NukeCornerPinExporter.h"
 #include "Nuke/NukeMeshExporter.h"
 #include "Nuke/NukeTrackerExporter.h"
+#include "XML/XmlCornerPinExporter.h"
+#include "XML/XmlMatricesExporter.h"
 
 namespace Export
 {
@@ -28,6 +32,9 @@ constexpr FormatHonours MOTION_IN_VIEWS(QFlag(HonoursMotion | HonoursInvert | Ho
 
 // What means something to Tcl, whose words Nuke's scripts are made of.
 constexpr char TCL[] = "{}[]\"\\;$";
+
+// What means something to XML, in texts that are written as they are.
+constexpr char MARKUP[] = "<>&";
 
 constexpr char PASTE_KEYFRAMES[] =
     "Copy the text and paste it onto a layer, with the current time at the start of the clip.";
@@ -51,6 +58,10 @@ constexpr char CURVE_LIMITS[] =
 // " x1001 1234.56", in bytes.
 constexpr double KEYFRAME_ROW = 44;
 constexpr double CURVE_KEY = 20;
+constexpr FormatBytes SHAKE_KEYS(3 * 8 * 16, 0, 0);
+constexpr FormatBytes RAW_CURVES(8 * 40, 0, 0);
+constexpr FormatBytes MATRIX_ELEMENTS(700, 0, 0);
+constexpr FormatBytes CORNER_ELEMENTS(820, 0, 0);
 constexpr FormatBytes PIN_ROWS(4 * KEYFRAME_ROW, 0, 0);
 constexpr FormatBytes FLAME_LINES(5 * 30, 0, 0);
 constexpr FormatBytes STABILIZER_KEYS(4 * 2 * 130, 0, 0);
@@ -91,6 +102,19 @@ std::vector<TrackingRow> trackingRows()
         {&F::IFFFSE_POINTS_FLAME_2014,
          &Row::make<KORV_IFFFSEPointsExporterFlame2014>,
          {MOTION, NeedsTrack, "", LOAD_TRACKERS, TRACKER_LIMITS, FLAME_LINES}},
+        {&F::SHAKE_SCRIPT,
+         &Row::make<KORV_ShakeScriptExporter>,
+         {MOTION, NeedsTrack, "",
+          "Open the file as a script or paste the text into the node view, and connect the inputs of the node that is "
+          "wanted.",
+          "Six significant digits; one view; the match move has more corners than those that Shake saves; interlaced "
+          "material in field lines.",
+          SHAKE_KEYS}},
+        {&F::AVID_DS,
+         &Row::make<KORV_AvidDSExporter>,
+         {MOTION, NeedsTrack, "", "Load each of the eight curves into the parameter that its name says.",
+          "Six significant digits, also of times; one view; y in lines of square pixels by the clip that is shown.",
+          RAW_CURVES}},
         {&F::NUKE_ASCII,
          &Row::make<NukeAsciiExporter>,
          {MOTION_IN_VIEWS, NeedsTrack, "",
@@ -109,6 +133,18 @@ std::vector<TrackingRow> trackingRows()
           "Six significant digits; the mesh as it was tracked; meshes of interlaced material move at half their "
           "speed.",
           MESH_CURVES}},
+        {&F::XML_MATRICES,
+         &Row::make<KORV_XmlMatricesExporter>,
+         {HonoursMotion | HonoursInvert, NeedsTrack, MARKUP, "By programs that read the matrices.",
+          "Six significant digits; one view, over the span that is tracked in the first one; plain motion counts from "
+          "the surface's reference frame; the lens stays on; frame and file numbers of interlaced material count "
+          "fields.",
+          MATRIX_ELEMENTS, LeftOut::IsTold, Untracked::IsRefused}},
+        {&F::XML_CORNERPIN,
+         &Row::make<KORV_XmlCornerPinExporter>,
+         {MOTION, NeedsTrack, MARKUP, "Load the file as the corner pin of the effect.",
+          "Six significant digits; one view; frame numbers without the clip's offset, halves for fields.",
+          CORNER_ELEMENTS}},
         {&F::AE_CORNER_PIN,
          &Row::make<AECornerPinExporter>,
          {MOTION, NeedsTrack, "", PASTE_KEYFRAMES, PIN_LIMITS, PIN_ROWS}},
