@@ -24,7 +24,7 @@ from scene_model import SceneModel, keyed
 from solve_scene import SINGLE, SceneContents
 
 VERIFIES = {
-    "kestrelia_3D": "numbers within 1e-9, the lens within half a unit of a single, points in the picture within 0.001 px",
+    "kestrelia_3D": "numbers within 1e-9, the lens within half a unit of a single, points seen within 0.001 px",
     "kestrelia_2D": "corners of every frame within 1e-6 px",
 }
 SOLVE, FLAT = VERIFIES
