@@ -274,13 +274,13 @@ TEST_F(FbxExports, KeysOfVersion7AreRuns)
     FbxCamera* const camera = shot();
     FbxAnimCurve* const curve = camera->FocalLength.GetCurve(layer);
     using Def = FbxAnimCurveDef;
-    fill(curve, {18, 20, 30, 40, 50, 60, 70});
+    fill(curve, {18, 20, 30, 40, 55, 60, 70});
     // Held, next, cubic by itself, cubic with own slopes and weights; then two linear ones.
     curve->KeySetInterpolation(1, Def::eInterpolationConstant);
     curve->KeySetInterpolation(2, Def::eInterpolationConstant);
     curve->KeySetConstantMode(2, Def::eConstantNext);
     curve->KeySetInterpolation(3, Def::eInterpolationCubic);
-    curve->KeySet(4, curve->KeyGetTime(4), 50, Def::eInterpolationCubic, Def::eTangentBreak, 1, -2, Def::eWeightedAll,
+    curve->KeySet(4, curve->KeyGetTime(4), 55, Def::eInterpolationCubic, Def::eTangentBreak, 1, -2, Def::eWeightedAll,
                   0.25F, 0.5F);
     Node const file = read(binary7);
     std::vector<Node const*> const curves = file.at("Objects").all("AnimationCurve");
@@ -293,7 +293,7 @@ TEST_F(FbxExports, KeysOfVersion7AreRuns)
     EXPECT_EQ(written.at("KeyAttrRefCount").numbers(), (std::vector<double>{1, 1, 1, 1, 1, 2}));
     std::vector<double> const data = written.at("KeyAttrDataFloat").numbers();
     ASSERT_EQ(data.size(), 24U);
-    EXPECT_NEAR(data[12], (50 - 30) * 24 / 2.0, 1e-4);
+    EXPECT_NEAR(data[12], (55 - 30) * 24 / 2.0, 1e-4);
     EXPECT_NEAR(data[13], (60 - 40) * 24 / 2.0, 1e-4);
     EXPECT_EQ(data[16], 1);
     EXPECT_EQ(data[17], -2);
