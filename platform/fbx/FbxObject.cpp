@@ -74,7 +74,7 @@ void FbxManager::adoptObject(FbxObject* object)
 {
     std::unique_ptr<FbxObject, void (*)(FbxObject*)> guard(object, [](FbxObject* orphan) { delete orphan; });
     mData->objects.push_back(object);
-    guard.release();
+    static_cast<void>(guard.release());
 }
 
 void FbxManager::destroy(FbxObject* object, bool recursive)

@@ -4,7 +4,7 @@
 #include "FbxTime.h"
 #include "FbxTypes.h"
 
-#include <memory>
+#include <iterator>
 #include <type_traits>
 
 #define FBXSDK_CURVENODE_TRANSLATION "T"
@@ -148,7 +148,7 @@ private:
         }
         else
         {
-            result.count = static_cast<int>(sizeof(value.mData) / sizeof(value.mData[0]));
+            result.count = static_cast<int>(std::size(value.mData));
             for (int i = 0; i < result.count; ++i)
             {
                 result.numbers[i] = value[i];
@@ -179,7 +179,7 @@ private:
         else
         {
             T result;
-            for (std::size_t i = 0; i < sizeof(result.mData) / sizeof(result.mData[0]); ++i)
+            for (std::size_t i = 0; i < std::size(result.mData); ++i)
             {
                 result[static_cast<int>(i)] = value.numbers[i];
             }

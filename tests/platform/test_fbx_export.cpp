@@ -247,6 +247,8 @@ TEST_F(FbxExports, HeadSaysWhenAndHowLongATickIs)
 TEST_F(FbxExports, CameraAndTransformsOfVersion7)
 {
     FbxCamera* const camera = shot();
+    camera->InterestPosition.Set(FbxVector4(0, 2, -1));
+    camera->Position.Set(FbxVector4(4, 5, 6));
     Node const file = read(binary7);
     Node const& model = object(file, "Model", fullName("top", "Model"));
     EXPECT_EQ(model.properties[2].text, "Camera");
@@ -260,6 +262,8 @@ TEST_F(FbxExports, CameraAndTransformsOfVersion7)
     EXPECT_EQ(attribute.value("ApertureMode"), 3);
     EXPECT_EQ(attribute.value("FilmHeight"), 18 / 25.4);
     EXPECT_EQ(attribute.property("FocalLength").properties.at(3).text, "A+");
+    EXPECT_EQ(attribute.at("LookAt").numbers(), (std::vector<double>{0, 2, -1}));
+    EXPECT_EQ(attribute.at("Position").numbers(), (std::vector<double>{4, 5, 6}));
     // Those who look at the angles alone see the same lens.
     EXPECT_NEAR(attribute.value("FieldOfView"), 90, 1e-12);
     EXPECT_NEAR(attribute.value("FieldOfViewX"), 90, 1e-12);
@@ -274,17 +278,18 @@ TEST_F(FbxExports, KeysOfVersion7AreRuns)
     FbxCamera* const camera = shot();
     FbxAnimCurve* const curve = camera->FocalLength.GetCurve(layer);
     using Def = FbxAnimCurveDef;
-    fill(curve, {18, 20, 30, 40, 50, 60, 70});
+    fill(curve, {18, 20, 30, 40, 55, 60, 70});
     // Held, next, cubic by itself, cubic with own slopes and weights; then two linear ones.
     curve->KeySetInterpolation(1, Def::eInterpolationConstant);
     curve->KeySetInterpolation(2, Def::eInterpolationConstant);
     curve->KeySetConstantMode(2, Def::eConstantNext);
     curve->KeySetInterpolation(3, Def::eInterpolationCubic);
-    curve->KeySet(4, curve->KeyGetTime(4), 50, Def::eInterpolationCubic, Def::eTangentBreak, 1, -2, Def::eWeightedAll,
+    curve->KeySet(4, curve->KeyGetTime(4), 55, Def::eInterpolationCubic, Def::eTangentBreak, 1, -2, Def::eWeightedAll,
                   0.25F, 0.5F);
     Node const file = read(binary7);
     std::vector<Node const*> const curves = file.at("Objects").all("AnimationCurve");
     Node const& written = *curves.at(2);
+    EXPECT_EQ(written.at("Default").properties[0].number, 18);
     EXPECT_EQ(written.at("KeyTime").numbers().size(), 7U);
     EXPECT_EQ(written.at("KeyTime").numbers()[0], 1001.0 * frameTicks);
     EXPECT_EQ(written.at("KeyValueFloat").properties[0].code, 'f');
@@ -293,7 +298,7 @@ TEST_F(FbxExports, KeysOfVersion7AreRuns)
     EXPECT_EQ(written.at("KeyAttrRefCount").numbers(), (std::vector<double>{1, 1, 1, 1, 1, 2}));
     std::vector<double> const data = written.at("KeyAttrDataFloat").numbers();
     ASSERT_EQ(data.size(), 24U);
-    EXPECT_NEAR(data[12], (50 - 30) * 24 / 2.0, 1e-4);
+    EXPECT_NEAR(data[12], (55 - 30) * 24 / 2.0, 1e-4);
     EXPECT_NEAR(data[13], (60 - 40) * 24 / 2.0, 1e-4);
     EXPECT_EQ(data[16], 1);
     EXPECT_EQ(data[17], -2);
@@ -384,6 +389,23 @@ TEST_F(FbxExports, ModesThatFewReadersKnowGoByTheirRate)
         EXPECT_EQ(file.at("GlobalSettings").value("CustomFrameRate"), writtenRate) << mode;
     }
     EXPECT_EQ(read(binary6).at("Objects").at("GlobalSettings").value("TimeMode"), FbxTime::eCustom);
+}
+
+TEST_F(FbxExports, AxesAreRightHandedWithYUpInBothVersions)
+{
+    scene->GetGlobalSettings().SetTimeMode(FbxTime::eFilmFullFrame);
+    FbxSystemUnit::m.ConvertScene(scene);
+    Node const file = read(binary7);
+    Node const old = read(binary6);
+    std::map<std::string, double> const expected{{"UpAxis", 1},           {"UpAxisSign", 1}, {"FrontAxis", 2},
+                                                 {"FrontAxisSign", 1},    {"CoordAxis", 0},  {"CoordAxisSign", 1},
+                                                 {"UnitScaleFactor", 100}};
+    for (auto const& [name, value] : expected)
+    {
+        EXPECT_EQ(file.at("GlobalSettings").value(name), value) << name;
+        EXPECT_EQ(old.at("Objects").at("GlobalSettings").value(name), value) << name;
+    }
+    EXPECT_EQ(old.at("Version5").at("Settings").at("FrameRate").properties[0].text, "23.976");
 }
 
 TEST_F(FbxExports, MeshesAreWrittenWithoutWhatIsBroken)
