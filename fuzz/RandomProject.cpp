@@ -73,7 +73,7 @@ private:
         switch (upTo(0, 7))
         {
         case 0:
-            return m_dice.pick({0.0, -0.0, 0.5, 1e-7, -1e-300, 1e6, 16777217.0, -99999.95, 1e15, 30000.5});
+            return m_dice.pick({0.0, -0.0, 0.5, 1e-7, -1e-300, 1e6, 9999999.5, -99999.95, 1e-300, 30000.5});
         case 1:
             return upTo(-1000000, 1000000) + upTo(0, 65535) / 65537.0;
         default:
@@ -252,7 +252,7 @@ private:
         made.closed = chance();
         made.active = upTo(0, 7) != 0;
         made.inImage = upTo(0, 7) == 0;
-        int const points = upTo(1, 6);
+        int const points = upTo(3, 6);
         bool const hasFeather = chance();
         std::vector<int> frames = ascendingFrames();
         frames.resize(std::max<std::size_t>(frames.size(), 1));
@@ -286,6 +286,7 @@ private:
             if (made.tracks.empty() || chance())
             {
                 MeshTrackModel tracked{view, ascendingFrames(), {}};
+                tracked.frames.resize(std::max<std::size_t>(1, tracked.frames.size()));
                 tracked.positions = numbers(2 * made.vertexCount * static_cast<int>(tracked.frames.size()));
                 made.tracks.push_back(tracked);
             }

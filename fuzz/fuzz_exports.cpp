@@ -23,19 +23,8 @@
 #include <cstdio>
 #include <cstdlib>
 
-#include <map>
-#include <string>
 namespace
 {
-std::map<std::string, long> STAT;
-struct Pr
-{
-    ~Pr()
-    {
-        for (auto& [k, v] : STAT)
-            fprintf(stderr, "STAT %ld %s\n", v, k.c_str());
-    }
-} PR;
 
 using namespace Export;
 
@@ -210,12 +199,10 @@ void exportTo(FormatEntry const& format, KORV_ProjectManager& project, Choices c
         }
         result = wrapper->getExportResult(project, QStringLiteral("out"));
     }
-    catch (std::exception const& e)
+    catch (std::exception const&)
     {
-        STAT["exp refused " + std::string(e.what()).substr(0, 70)]++;
         return; // refused
     }
-    STAT["exported " + format.key().toStdString()]++;
     double bytes = 0;
     for (QByteArray const& content : result.files)
     {
@@ -253,14 +240,10 @@ extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size
         services.callbacks = std::make_shared<Silent>();
         project = MarloHost::makeProject(model, QStringLiteral("/fuzz.json"), services);
     }
-    catch (KORV_Exception const& e)
+    catch (KORV_Exception const&)
     {
-        std::string m = e.message().toStdString();
-        auto c = m.find(": ", 11);
-        STAT["refused " + (c == std::string::npos ? m : m.substr(c)).substr(0, 60)]++;
         return 0;
     }
-    STAT["made"]++;
     Choices const choices = randomChoices(*project, dice);
     for (FormatEntry const& format : formats)
     {
