@@ -13,27 +13,27 @@ constexpr int MOST_FRAMES = 12;
 class Maker
 {
 public:
-    explicit Maker(FuzzedDataProvider& bytes) : m_bytes(bytes)
+    explicit Maker(Dice& dice) : m_dice(dice)
     {
     }
 
     ProjectModel make()
     {
         m_frames = upTo(1, MOST_FRAMES);
-        m_project.frameRate = m_bytes.PickValueInArray({24.0, 25.0, 23.976, 30000.0 / 1001, 1.0, 240.0});
+        m_project.frameRate = m_dice.pick({24.0, 25.0, 23.976, 30000.0 / 1001, 1.0, 240.0});
         for (int i = upTo(1, 2); i > 0; --i)
         {
             addClip();
         }
         if (chance())
         {
-            m_project.views = {QStringLiteral("left"), QStringLiteral("right")};
+            m_project.views = QStringList{QStringLiteral("left"), QStringLiteral("right")};
         }
         for (int i = upTo(0, 2); i > 0; --i)
         {
             addGroup();
         }
-        for (int i = upTo(0, 3); i > 0; --i)
+        for (int i = upTo(0, 7) == 0 ? 0 : upTo(1, 3); i > 0; --i)
         {
             addLayer();
         }
@@ -54,12 +54,12 @@ public:
 private:
     bool chance()
     {
-        return m_bytes.ConsumeBool();
+        return m_dice.chance();
     }
 
     int upTo(int least, int most)
     {
-        return m_bytes.ConsumeIntegralInRange(least, most);
+        return m_dice.upTo(least, most);
     }
 
     int frame()
@@ -73,9 +73,9 @@ private:
         switch (upTo(0, 7))
         {
         case 0:
-            return m_bytes.PickValueInArray({0.0, -0.0, 0.5, 1e-7, -1e-300, 1e6, 16777217.0, -99999.95, 1e15, 30000.5});
+            return m_dice.pick({0.0, -0.0, 0.5, 1e-7, -1e-300, 1e6, 9999999.5, -99999.95, 1e-300, 30000.5});
         case 1:
-            return m_bytes.ConsumeFloatingPointInRange(-1e6, 1e6);
+            return upTo(-1000000, 1000000) + upTo(0, 65535) / 65537.0;
         default:
             return upTo(-2000, 4000) / 16.0;
         }
@@ -97,7 +97,7 @@ private:
         static char const* const odd[] = {"Layer ", "a/b\\..", "\"q\" <&>", "Grüße 日本", "%1 %2", "{x} [y];$z",
                                           "]]>",    "#",       "'",         "🎬",          " ",     "\u00a0b",
                                           "--",     "x:y|z*?", "é",         "0",          "_",     "&amp;"};
-        return QString::fromUtf8(m_bytes.PickValueInArray(odd)) + QString::number(++m_names);
+        return QString::fromUtf8(m_dice.pick(odd)) + QString::number(++m_names);
     }
 
     std::vector<int> ascendingFrames()
@@ -110,14 +110,16 @@ private:
         return frames;
     }
 
-    KeyedNumber keyed(double usual)
+    /// A number about the usual one, at rest or keyed.
+    KeyedNumber keyed(double usual, double spread)
     {
+        auto const near = [&] { return usual + spread * upTo(-16, 16) / 16.0; };
         KeyedNumber made;
-        made.value = chance() ? usual : number();
-        if (chance())
+        made.value = near();
+        made.frames = chance() ? ascendingFrames() : std::vector<int>();
+        for (std::size_t i = 0; i < made.frames.size(); ++i)
         {
-            made.frames = ascendingFrames();
-            made.values = numbers(static_cast<int>(made.frames.size()));
+            made.values.push_back(near());
         }
         return made;
     }
@@ -138,9 +140,9 @@ private:
         clip.name = name();
         clip.width = upTo(0, 9) == 0 ? upTo(1, 16384) : 1920;
         clip.height = upTo(0, 9) == 0 ? upTo(1, 8192) * 2 : 1080;
-        clip.pixelAspect = m_bytes.PickValueInArray({1.0, 2.0, 0.5, 1.0667, 12.0 / 11});
+        clip.pixelAspect = m_dice.pick({1.0, 2.0, 0.5, 1.0667, 12.0 / 11});
         clip.frameCount = m_frames;
-        clip.frameOffset = m_bytes.PickValueInArray({0, 1001, -7, 16777216, 9999999});
+        clip.frameOffset = m_dice.pick({0, 1001, -7, 86400, 9999999});
         clip.interlaced = chance();
         clip.lowerFieldFirst = chance();
         if (chance())
@@ -150,8 +152,9 @@ private:
         if (chance())
         {
             LensModel lens;
-            lens.radial[0] = keyed(-0.1);
-            lens.tangential[0] = keyed(0.001);
+            lens.radial[0].value = upTo(-20, 20) / 1000.0;
+            lens.tangential[0].value = upTo(-10, 10) / 10000.0;
+            lens.centreX = keyed(0, 0.05);
             clip.lens = lens;
         }
         m_project.clips.push_back(clip);
@@ -172,7 +175,7 @@ private:
         group.name = name();
         group.hidden = chance();
         group.moving = chance();
-        group.pose = pose(group.moving);
+        group.pose = group.moving ? pose(true) : PoseModel();
         m_project.groups.push_back(group);
     }
 
@@ -194,7 +197,7 @@ private:
         }
         layer.referenceFrame = frame();
         layer.corners = {600, 300, 900, 310, 590, 700, 910, 690};
-        layer.corners[static_cast<std::size_t>(upTo(0, 7))] = number();
+        layer.corners[static_cast<std::size_t>(upTo(0, 7))] += upTo(-64, 64) / 16.0;
         for (QString const& view : m_project.views)
         {
             if (chance())
@@ -205,7 +208,7 @@ private:
         if (chance())
         {
             AdjustKeyModel key{frame(), {}};
-            key.offsets[static_cast<std::size_t>(upTo(0, 7))] = number();
+            key.offsets[static_cast<std::size_t>(upTo(0, 7))] = upTo(-500, 500) / 16.0;
             layer.adjust.push_back(key);
         }
         layer.pose = pose(layer.moving);
@@ -249,7 +252,7 @@ private:
         made.closed = chance();
         made.active = upTo(0, 7) != 0;
         made.inImage = upTo(0, 7) == 0;
-        int const points = upTo(1, 6);
+        int const points = upTo(3, 6);
         bool const hasFeather = chance();
         std::vector<int> frames = ascendingFrames();
         frames.resize(std::max<std::size_t>(frames.size(), 1));
@@ -280,9 +283,10 @@ private:
         made.faceIndices = {0, 1, 2};
         for (QString const& view : m_project.views)
         {
-            if (chance())
+            if (made.tracks.empty() || chance())
             {
                 MeshTrackModel tracked{view, ascendingFrames(), {}};
+                tracked.frames.resize(std::max<std::size_t>(1, tracked.frames.size()));
                 tracked.positions = numbers(2 * made.vertexCount * static_cast<int>(tracked.frames.size()));
                 made.tracks.push_back(tracked);
             }
@@ -318,10 +322,10 @@ private:
         solve.referenceFrame = frame();
         solve.scene = pose(false);
         solve.camera.pose = pose(true);
-        solve.camera.focalLength = keyed(35);
+        solve.camera.focalLength = keyed(35, 30);
         if (m_project.views.size() == 2 && chance())
         {
-            solve.stereo = StereoModel{chance(), keyed(6), keyed(1), {keyed(0), keyed(0)}};
+            solve.stereo = StereoModel{chance(), keyed(6, 2), keyed(1, 5), {keyed(0, 20), keyed(0, 20)}};
         }
         for (int i = upTo(0, 2); i > 0; --i)
         {
@@ -334,7 +338,7 @@ private:
         m_project.solve = std::move(solve);
     }
 
-    FuzzedDataProvider& m_bytes;
+    Dice& m_dice;
     ProjectModel m_project;
     int m_frames = 1;
     int m_names = 0;
@@ -342,12 +346,12 @@ private:
 
 }
 
-MarloHost::ProjectModel randomProject(FuzzedDataProvider& bytes)
+MarloHost::ProjectModel randomProject(Dice& dice)
 {
-    return Maker(bytes).make();
+    return Maker(dice).make();
 }
 
-void spoil(MarloHost::ProjectModel& project, FuzzedDataProvider& bytes)
+void spoil(MarloHost::ProjectModel& project, Dice& dice)
 {
     std::vector<std::vector<double>*> lists;
     for (MarloHost::LayerModel& layer : project.layers)
@@ -378,11 +382,11 @@ void spoil(MarloHost::ProjectModel& project, FuzzedDataProvider& bytes)
     }
     for (std::vector<double>* const list : lists)
     {
-        if (!list->empty() && bytes.ConsumeIntegralInRange(0, 3) == 0)
+        if (!list->empty() && dice.upTo(0, 3) == 0)
         {
             constexpr double INF = std::numeric_limits<double>::infinity();
-            (*list)[bytes.ConsumeIntegralInRange<std::size_t>(0, list->size() - 1)] =
-                bytes.PickValueInArray({std::nan(""), INF, -INF, 1e308, 5e-324});
+            (*list)[static_cast<std::size_t>(dice.upTo(0, static_cast<int>(list->size()) - 1))] =
+                dice.pick({std::nan(""), INF, -INF, 1e308, 5e-324});
         }
     }
 }

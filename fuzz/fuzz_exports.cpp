@@ -73,23 +73,22 @@ private:
     bool m_isChecked;
 };
 
-Choices randomChoices(KORV_ProjectManager const& project, FuzzedDataProvider& bytes)
+Choices randomChoices(KORV_ProjectManager const& project, Dice& dice)
 {
     Choices choices;
     choices.views = {Anm::View::defaultView()};
-    if (bytes.ConsumeBool() && project.views()->viewCount() > 1)
+    if (dice.chance() && project.views()->viewCount() > 1)
     {
         choices.views.push_back(project.views()->view(1));
     }
-    choices.layers.mode = bytes.PickValueInArray({ZN::SelectedLayer, ZN::AllLayers, ZN::VisibleLayers});
-    choices.motion = bytes.PickValueInArray({ZN_TRACKING_OPTION_BASIC, ZN_TRACKING_OPTION_ADJUSTED,
-                                             ZN_TRACKING_OPTION_OFFSET, ZN_TRACKING_OPTION_STABILIZED});
-    choices.invert = bytes.ConsumeBool();
-    choices.undistort = bytes.ConsumeBool();
-    choices.objects =
-        bytes.PickValueInArray({KV::CameraSolveExporter::SelectedObjects, KV::CameraSolveExporter::VisibleObjects,
-                                KV::CameraSolveExporter::AllObjects});
-    choices.isChecked = bytes.ConsumeBool();
+    choices.layers.mode = dice.pick({ZN::SelectedLayer, ZN::AllLayers, ZN::VisibleLayers});
+    choices.motion = dice.pick({ZN_TRACKING_OPTION_BASIC, ZN_TRACKING_OPTION_ADJUSTED, ZN_TRACKING_OPTION_OFFSET,
+                                ZN_TRACKING_OPTION_STABILIZED});
+    choices.invert = dice.chance();
+    choices.undistort = dice.chance();
+    choices.objects = dice.pick({KV::CameraSolveExporter::SelectedObjects, KV::CameraSolveExporter::VisibleObjects,
+                                 KV::CameraSolveExporter::AllObjects});
+    choices.isChecked = dice.chance();
     return choices;
 }
 
@@ -128,11 +127,11 @@ std::unique_ptr<ExporterWrapper> wrapperOf(FormatEntry const& format, KORV_Proje
     return std::make_unique<LensExporterWrapper>(FIRST_CLIP, std::any(), name, exporter);
 }
 
-/// A bound of what the estimate promises as a rule: small projects have X-splines that become
-/// as many Bezier points as a segment may get, and few frames but many names.
+/// The estimate is that of usual X-splines; here are some that become as many Bezier points as a
+/// segment may get (eight times the usual ones), and at each frame, where their weights change.
 double mostBytes(FormatEntry const& format, KORV_ProjectManager const& project, Choices const& choices)
 {
-    constexpr double XSPLINES = 8;
+    constexpr double XSPLINES = 8 * 4;
     ExportScope scope;
     for (auto const& layer : Korvane::ShapeExportHelper::getLayersToExport(project, choices.layers.mode,
                                                                            {project.toolManager()->currentLayerID()}))
@@ -210,11 +209,14 @@ void exportTo(FormatEntry const& format, KORV_ProjectManager& project, Choices c
         bytes += content.size();
         if (char const* const fault = faultOf(format, content))
         {
+            std::fwrite(content.constData(), 1, static_cast<std::size_t>(content.size()), stderr);
             stop(format, fault);
         }
     }
-    if (bytes > mostBytes(format, project, choices))
+    double const most = mostBytes(format, project, choices);
+    if (bytes > most)
     {
+        std::fprintf(stderr, "%.0f bytes instead of %.0f\n", bytes, most);
         stop(format, "is larger than estimated");
     }
 }
@@ -224,15 +226,15 @@ void exportTo(FormatEntry const& format, KORV_ProjectManager& project, Choices c
 extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size)
 {
     static std::vector<FormatEntry> const formats = offeredFormats();
-    FuzzedDataProvider bytes(data, size);
-    MarloHost::ProjectModel model = randomProject(bytes);
+    Dice dice(data, size);
+    MarloHost::ProjectModel model = randomProject(dice);
     boost::shared_ptr<KORV_ProjectManager> project;
     try
     {
         model = MarloHost::readProject(MarloHost::writeProject(model), QStringLiteral("fuzz.json"));
-        if (bytes.ConsumeBool())
+        if (dice.chance())
         {
-            spoil(model, bytes);
+            spoil(model, dice);
         }
         MarloHost::HostServices services;
         services.callbacks = std::make_shared<Silent>();
@@ -242,7 +244,7 @@ extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size
     {
         return 0;
     }
-    Choices const choices = randomChoices(*project, bytes);
+    Choices const choices = randomChoices(*project, dice);
     for (FormatEntry const& format : formats)
     {
         exportTo(format, *project, choices);

@@ -510,6 +510,29 @@ TEST_P(Mill, AnExportIsNoLargerThanEstimatedAndALongOneNotMuchSmaller)
     }
 }
 
+TEST_P(Mill, AFewBytesCannotAskForMillionsOfFrames)
+{
+    ProjectBuilder builder = smallProject();
+    builder.clip().frameCount = 10000000;
+    builder.layer().outPoint = builder.clip().frameCount - 1;
+    auto const project = builder.make();
+    double const limit = exportSizeLimit(GetParam(), 0);
+    if (estimatedBytes(GetParam(), *project, {{project->currentLayer()}}, limit) <= limit)
+    {
+        GTEST_SKIP() << "is small whatever the number of frames";
+    }
+    QStringList const arguments{"export", writeProjectFile(builder), GetParam().key(), "-o", path("out") + "/"};
+    ToolRun const refused = runTool(arguments);
+    EXPECT_EQ(refused.status, 1);
+    EXPECT_TRUE(
+        refused.errors.startsWith("marlo-export: " + GetParam().key().toUtf8() + ": The export would take about "))
+        << refused.errors.toStdString();
+    EXPECT_TRUE(refused.errors.endsWith("--frames A-B, or fewer layers.\n")) << refused.errors.toStdString();
+    EXPECT_EQ(refused.errors.count('\n'), 1);
+    EXPECT_EQ(filesBelow(path("out")), (QMap<QString, QByteArray>()));
+    EXPECT_EQ(runTool(arguments + QStringList{"--frames", "1003-1006"}).status, 0);
+}
+
 /// The folders of goldens by key: tests/formats/FAMILY/golden/KEY.
 QMap<QString, QString> goldenFolders()
 {
