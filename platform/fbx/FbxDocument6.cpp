@@ -17,8 +17,6 @@ namespace
 
 constexpr int modelVersion = 232;
 constexpr int materialVersion = 102;
-constexpr int keyVersion = 4005;
-constexpr double takeModelVersion = 1.1;
 
 /// Flags of an attribute's property on a node end with this.
 constexpr char ofAttribute[] = "N";
@@ -38,9 +36,6 @@ public:
     void write();
 
 private:
-    /// What curves drive of one object, in the order of their making.
-    using CurveNodes = std::vector<FbxAnimCurveNode const*>;
-
     void definitions();
     void objects();
     void oldProperties(std::vector<Value> const& own, std::vector<Value> const& attribute);
@@ -50,19 +45,8 @@ private:
     void material(FbxWrittenMaterial const& written);
     void connections();
     void rigConnections(FbxCameraStereo const& rig);
-    void takes();
-    void take(FbxTake const& take);
-    void transform(CurveNodes const& nodes);
-    void curveNode(FbxAnimCurveNode const& node, char const* name, int layerType);
-    void channel(FbxAnimCurveNode const& node, int index);
-    void key(std::vector<FbxAnimCurveKey> const& keys, std::size_t index);
     void tail();
     void summary(std::size_t start);
-
-    static std::string nodeName(FbxWrittenNode const& written)
-    {
-        return fbxFullName(written.name, "Model");
-    }
 };
 
 void Document6::write()
@@ -77,7 +61,7 @@ void Document6::write()
     definitions();
     objects();
     connections();
-    takes();
+    fbxWriteTakes6(m_content, m_out);
     tail();
     m_out.finish(m_content.moment);
     summary(m_out.size());
@@ -160,7 +144,7 @@ void Document6::oldProperties(std::vector<Value> const& own, std::vector<Value> 
 void Document6::model(FbxWrittenNode const& written)
 {
     FbxNodeAttribute const* const own = written.node->GetNodeAttribute();
-    m_out.open("Model", nodeName(written), subclass(own));
+    m_out.open("Model", fbxModelName(written), subclass(own));
     m_out.leaf("Version", modelVersion);
     oldProperties(valuesOf(*written.node), own ? valuesOf(*own) : std::vector<Value>());
     m_out.leaf("MultiLayer", 0);
@@ -225,11 +209,11 @@ void Document6::connections()
     m_out.open("Connections");
     for (FbxWrittenNode const& written : m_content.nodes)
     {
-        m_out.leaf("Connect", "OO", nodeName(written),
-                   written.parent < 0 ? root : nodeName(m_content.nodes[static_cast<std::size_t>(written.parent)]));
+        m_out.leaf("Connect", "OO", fbxModelName(written),
+                   written.parent < 0 ? root : fbxModelName(m_content.nodes[static_cast<std::size_t>(written.parent)]));
         for (int i = 0; i < written.node->GetMaterialCount(); ++i)
         {
-            m_out.leaf("Connect", "OO", materials[written.node->GetMaterial(i)], nodeName(written));
+            m_out.leaf("Connect", "OO", materials[written.node->GetMaterial(i)], fbxModelName(written));
         }
         if (auto const* const rig = dynamic_cast<FbxCameraStereo const*>(written.node->GetNodeAttribute()))
         {
@@ -250,170 +234,6 @@ void Document6::rigConnections(FbxCameraStereo const& rig)
     };
     connect(rig.GetLeftCamera(), "LeftCamera");
     connect(rig.GetRightCamera(), "RightCamera");
-}
-
-void Document6::takes()
-{
-    m_out.open("Takes");
-    m_out.leaf("Current", m_content.currentTake());
-    for (FbxTake const& one : m_content.takes)
-    {
-        take(one);
-    }
-    m_out.close();
-}
-
-void Document6::take(FbxTake const& take)
-{
-    // Curves by the node they belong to. A property that more than one layer drives has the
-    // curves of the first: takes have no layers.
-    std::unordered_map<FbxObject const*, CurveNodes> curves;
-    std::unordered_map<FbxPropertyRecord const*, bool> known;
-    for (FbxAnimLayer const* const layer : take.layers)
-    {
-        for (FbxAnimCurveNode const* const node : m_content.curveNodes(layer))
-        {
-            if (known.emplace(node->record(), true).second)
-            {
-                curves[node->record()->owner].push_back(node);
-            }
-        }
-    }
-    m_out.open("Take", take.name);
-    takeHead(take);
-    auto const object = [&](std::string const& name, FbxObject const* node, FbxObject const* attribute)
-    {
-        auto const ofNode = curves.find(node);
-        auto const ofItsAttribute = curves.find(attribute);
-        if (ofNode == curves.end() && ofItsAttribute == curves.end())
-        {
-            return;
-        }
-        m_out.open("Model", name);
-        m_out.leaf("Version", takeModelVersion);
-        if (ofNode != curves.end())
-        {
-            transform(ofNode->second);
-        }
-        for (FbxAnimCurveNode const* const one : ofItsAttribute != curves.end() ? ofItsAttribute->second : CurveNodes())
-        {
-            curveNode(*one, one->GetName(), 0);
-        }
-        m_out.close();
-    };
-    for (FbxWrittenNode const& written : m_content.nodes)
-    {
-        object(nodeName(written), written.node, written.node->GetNodeAttribute());
-    }
-    for (FbxCamera const* const eye : m_content.looseEyes)
-    {
-        object(m_content.attributeName(eye), nullptr, eye);
-    }
-    m_out.close();
-}
-
-void Document6::transform(CurveNodes const& nodes)
-{
-    constexpr char const* parts[] = {FBXSDK_CURVENODE_TRANSLATION, FBXSDK_CURVENODE_ROTATION, FBXSDK_CURVENODE_SCALING};
-    auto const named = [&](char const* name) -> FbxAnimCurveNode const*
-    {
-        auto const found =
-            std::find_if(nodes.begin(), nodes.end(),
-                         [&](FbxAnimCurveNode const* node) { return std::strcmp(node->GetName(), name) == 0; });
-        return found == nodes.end() ? nullptr : *found;
-    };
-    if (named(parts[0]) || named(parts[1]) || named(parts[2]))
-    {
-        m_out.open("Channel", "Transform");
-        for (int i = 0; i < 3; ++i)
-        {
-            if (FbxAnimCurveNode const* const node = named(parts[i]))
-            {
-                curveNode(*node, parts[i], i + 1);
-            }
-        }
-        m_out.close();
-    }
-    for (FbxAnimCurveNode const* const node : nodes)
-    {
-        if (std::none_of(std::begin(parts), std::end(parts),
-                         [&](char const* part) { return std::strcmp(node->GetName(), part) == 0; }))
-        {
-            curveNode(*node, node->GetName(), 0);
-        }
-    }
-}
-
-void Document6::curveNode(FbxAnimCurveNode const& node, char const* name, int layerType)
-{
-    m_out.open("Channel", name);
-    if (node.GetChannelsCount() == 1)
-    {
-        channel(node, 0);
-    }
-    for (int i = 0; node.GetChannelsCount() > 1 && i < static_cast<int>(node.GetChannelsCount()); ++i)
-    {
-        m_out.open("Channel", node.GetChannelName(i).Buffer());
-        channel(node, i);
-        m_out.close();
-    }
-    if (layerType > 0)
-    {
-        m_out.leaf("LayerType", layerType);
-    }
-    m_out.close();
-}
-
-void Document6::channel(FbxAnimCurveNode const& node, int index)
-{
-    FbxAnimCurve const* const curve = node.GetCurve(static_cast<unsigned int>(index));
-    m_out.leaf("Default", node.record()->numbers[index]);
-    if (curve && curve->KeyGetCount() > 0)
-    {
-        m_out.leaf("KeyVer", keyVersion);
-        m_out.leaf("KeyCount", curve->KeyGetCount());
-        m_out.beginLeaf("Key");
-        for (std::size_t i = 0; i < curve->keys().size(); ++i)
-        {
-            key(curve->keys(), i);
-        }
-        m_out.endLeaf();
-    }
-    m_out.leaf("Color", 1.0, 1.0, 1.0);
-}
-
-void Document6::key(std::vector<FbxAnimCurveKey> const& keys, std::size_t index)
-{
-    using Def = FbxAnimCurveDef;
-    FbxKeyForm const form = fbxKeyForm(keys, index);
-    m_out.put(keys[index].time.Get());
-    m_out.put(static_cast<double>(keys[index].value));
-    if (form.flags & Def::eInterpolationConstant)
-    {
-        m_out.put(FbxLetter{'C'});
-        m_out.put(FbxLetter{form.flags & Def::eConstantNext ? 'n' : 's'});
-        return;
-    }
-    if (form.flags & Def::eInterpolationLinear)
-    {
-        m_out.put(FbxLetter{'L'});
-        return;
-    }
-    m_out.put(FbxLetter{'U'});
-    m_out.put(FbxLetter{form.flags & Def::eTangentGenericBreak ? 'b' : 's'});
-    m_out.put(static_cast<double>(form.slopes[0]));
-    m_out.put(static_cast<double>(form.slopes[1]));
-    bool const right = form.flags & Def::eWeightedRight;
-    bool const left = form.flags & Def::eWeightedNextLeft;
-    m_out.put(FbxLetter{right && left ? 'a' : right ? 'r' : left ? 'l' : 'n'});
-    if (right)
-    {
-        m_out.put(static_cast<double>(form.weights[0]));
-    }
-    if (left)
-    {
-        m_out.put(static_cast<double>(form.weights[1]));
-    }
 }
 
 void Document6::tail()

@@ -296,6 +296,11 @@ FbxLetter FbxParts::shading(FbxNodeAttribute const* attribute)
     return {attribute && attribute->GetAttributeType() == FbxNodeAttribute::eMesh ? 'T' : 'Y'};
 }
 
+std::string fbxModelName(FbxWrittenNode const& written)
+{
+    return fbxFullName(written.name, "Model");
+}
+
 bool FbxKeyForm::operator==(FbxKeyForm const& other) const
 {
     return flags == other.flags && slopes[0] == other.slopes[0] && slopes[1] == other.slopes[1] &&

@@ -96,4 +96,10 @@ FbxKeyForm fbxKeyForm(std::vector<FbxAnimCurveKey> const& keys, std::size_t inde
 void fbxWrite7(FbxContent& content, FbxBinary& out);
 void fbxWrite6(FbxContent& content, FbxBinary& out);
 
+/// The takes of version 6.1.
+void fbxWriteTakes6(FbxContent& content, FbxBinary& out);
+
+/// What a node goes by in version 6.1.
+std::string fbxModelName(FbxWrittenNode const& written);
+
 }
