@@ -429,6 +429,10 @@ TEST(FBX, NamesAreUniqueAndCleanAndToldOnce)
     FbxTree const file(result.files["out.fbx"]);
     EXPECT_EQ(file.parentOf("MarloScene_0001"), "MarloScene");
     EXPECT_NE(file.object("Model", "twin_0002"), nullptr);
+    SolveBuilder root;
+    root.addPoints("Scene", {0, 0, 0});
+    EXPECT_EQ(run(root).messages.size(), 0);
+    EXPECT_EQ(run(root, {0}, {}, FBX3DExporterMaya6()).messages.size(), 1) << "is what 6.1 calls the root";
     EXPECT_NE(file.object("Model", QString(odd).replace('\x01', '_').replace('\n', '_').toUtf8()), nullptr);
 }
 
