@@ -235,6 +235,11 @@ Korvane::ExportedFiles FBX3DExporterBase::exportCameraSolve(KORV_ProjectManager&
     SceneContext context{
         *this, project, solve, accuracy, choices, referenceOf(project, spec, choices), solve.isOldSolveData()};
     context.manager = manager.get();
+    if (m_fbxVersion == VERSION_6)
+    {
+        // Objects are told apart by their names there, and the root goes by this one.
+        context.names.take(QStringLiteral("Scene"));
+    }
     setUpScene(context);
     if (!context.isOldSolve)
     {

@@ -15,7 +15,10 @@ class MARLO_EXPORT_API FBX3DExporterBase : public KV::CameraSolveExporter
     Q_OBJECT
 
 public:
-    /// @param fbxVersion 6 for a file of version 6.1, anything else for the current one
+    /// The version word of files of version 6.1.
+    static constexpr int VERSION_6 = 6;
+
+    /// @param fbxVersion VERSION_6, anything else for a file of the current version
     explicit FBX3DExporterBase(int fbxVersion);
     ~FBX3DExporterBase() override;
 

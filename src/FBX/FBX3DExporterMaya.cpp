@@ -15,7 +15,6 @@ namespace Export
 namespace
 {
 
-constexpr int VERSION_6 = 6;
 constexpr int VERSION_7 = 7;
 
 constexpr double QUARTER_TURN = 1.5707963267948966;

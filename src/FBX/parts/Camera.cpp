@@ -4,7 +4,6 @@
 
 #include "FBX/parts/Keys.h"
 #include "Host/ZN_ClipInfo.h"
-#include "text/NumberText.h"
 #include "Writing/Values.h"
 
 #include <algorithm>
@@ -89,7 +88,7 @@ void tellCoarseKeys(SceneContext& context, CameraAnimData const& data)
         context.messages += FBX3DExporterBase::tr("Keys of FBX are single floats, so that the camera is up to %1 units "
                                                   "and points are about %2 pixels off. Bring the origin of the scene "
                                                   "near to the camera.")
-                                .arg(Text::fixedText(off, 3), Text::fixedText(pixels, 2));
+                                .arg(QString::number(off, 'g', 2), QString::number(pixels, 'g', 2));
     }
 }
 

@@ -20,7 +20,6 @@ namespace
 
 constexpr char SOURCE[] = "FBX\\FBX3DExporterBase";
 constexpr char TEMPORARY_NAME[] = "FBXtemp.XXXXXX.fbx";
-constexpr int VERSION_6 = 6;
 
 /// The registry names its writers; those of text are never taken.
 int binaryWriter(FbxIOPluginRegistry const& registry, int version)
@@ -36,7 +35,7 @@ int binaryWriter(FbxIOPluginRegistry const& registry, int version)
             (description.contains(QLatin1String("6.0")) ? version6 : current) = writer;
         }
     }
-    return version == VERSION_6 ? version6 : current;
+    return version == FBX3DExporterBase::VERSION_6 ? version6 : current;
 }
 
 [[noreturn]] void throwNotWritten(QString const& path, char const* why)

@@ -11,7 +11,7 @@ namespace FBXParts
 
 /// The scene as the bytes of a binary file. It goes through a temporary file.
 ///
-/// @param version 6 for 6.1, anything else for the current one
+/// @param version as FBX3DExporterBase takes it
 /// @throws KORV_OperationFailed when the temporary file can't be written or read
 QByteArray fileOf(FbxManager& manager, FbxScene& scene, int version);
 

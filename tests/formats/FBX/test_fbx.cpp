@@ -61,6 +61,11 @@ FbxTree tree(SolveBuilder const& builder, std::vector<int> const& views = {0}, s
     return FbxTree(run(builder, views, options, exporter).files.value("out.fbx"));
 }
 
+Sabrel::Matrix33 matrixOf(Mtx_Vector4 const& degrees)
+{
+    return SFMEulerAngles::eul_to_matrix(SFMEulerAngles::eul_to_radians(degrees));
+}
+
 std::vector<double> ofModel(FbxTree const& file, char const* model, char const* property)
 {
     return file.property(file.object("Model", model), property);
@@ -184,6 +189,9 @@ TEST(FBX, OptionsAreDeclaredAndFollowed)
     EXPECT_NE(bare.object("Model", "Feature 1"), nullptr);
     EXPECT_EQ(ofModel(bare, "MarloScene", "Lcl Scaling").at(0), 2.5);
     EXPECT_EQ(meshX(bare), 0);
+    EXPECT_TRUE(bare.curve(bare.object("Model", "Wall"), "Lcl Translation", "d|X").ticks.empty()) << "is at rest";
+    EXPECT_EQ(bare.curve(bare.object("Model", "Point 1"), "Lcl Translation", "d|X").ticks.size(), 10U);
+    EXPECT_TRUE(bare.curve(bare.object("Model", "Feature 1"), "Lcl Translation", "d|X").ticks.empty());
 
     FbxTree const chosen = tree(
         builder, {0}, Options{{"useReferenceFrame", true}, {"sceneAtOrigin", true}, {"pointSizeMode", "suggested"}});
@@ -199,6 +207,9 @@ TEST(FBX, OptionsAreDeclaredAndFollowed)
 TEST(FBX, ViewsDecideWhichCameraThereIs)
 {
     SolveBuilder mono;
+    Korvane::ExportedFiles const alone = run(mono, {0}, Options{{"pointSizeMode", "suggested"}});
+    EXPECT_EQ(alone.messages, QStringList()) << "without points";
+    EXPECT_EQ(FbxTree(alone.files["out.fbx"]).parentOf("MarloCameraNode"), "MarloScene");
     Korvane::ExportedFiles const pair = run(mono, {0, 1});
     EXPECT_EQ(pair.messages, QStringList("out.fbx: The file has no camera, as the solve has none for these views"));
     EXPECT_EQ(FbxTree(pair.files["out.fbx"]).object("Model", "MarloCameraNode"), nullptr);
@@ -211,6 +222,8 @@ TEST(FBX, ViewsDecideWhichCameraThereIs)
     EXPECT_EQ(ofModel(eye, "MarloCameraNode", "Lcl Translation"), (std::vector<double>{125, 200, 300}));
     EXPECT_EQ(ofModel(eye, "Point 1", "Lcl Translation"), (std::vector<double>{100, 200, 300}));
     EXPECT_EQ(FbxTree::array(eye.object("Geometry", "Wall_Surface"), "Vertices"), (std::vector<double>{100, 200, 300}));
+    FbxTree const sized = tree(stereo, {1}, Options{{"pointSizeMode", "suggested"}});
+    EXPECT_NEAR(ofModel(sized, "Point 1", "Lcl Scaling").at(0), 25 * 0.2 * 36 / 35, 1e-12);
     FbxTree const both = tree(stereo, {0, 1});
     EXPECT_EQ(ofModel(both, "MarloCameraNode", "Lcl Translation"), (std::vector<double>{1, 2, 3}));
 }
@@ -255,13 +268,11 @@ TEST(FBX, ARigHasItsDistancesAndShiftsAtTheKeysOfTheProject)
 
 TEST(FBX, RotationsOfTheAxesThatEachProgramExpects)
 {
-    using namespace SFMEulerAngles;
     Mtx_Vector4 const angles{20, -35, 130, 0};
-    auto const matrix = [](Mtx_Vector4 const& degrees) { return eul_to_matrix(eul_to_radians(degrees)); };
-    auto const about = [&](double y) { return matrix({0, y, 0, 0}); };
-    Sabrel::Matrix33 const plain = matrix(angles);
+    auto const about = [](double y) { return matrixOf({0, y, 0, 0}); };
+    Sabrel::Matrix33 const plain = matrixOf(angles);
     // Legacy angles are (x, -y, z) of the transposed rotation.
-    Sabrel::Matrix33 const old = matrix({20, 35, 130, 0}).transposed();
+    Sabrel::Matrix33 const old = matrixOf({20, 35, 130, 0}).transposed();
     FBX3DExporterMaya7 const maya;
     FBX3DExporterNuke const nuke;
     struct Case
@@ -282,7 +293,7 @@ TEST(FBX, RotationsOfTheAxesThatEachProgramExpects)
              Case{"old in Nuke", nuke.adjustObjectRotation(angles, false, true), old},
          })
     {
-        Sabrel::Matrix33 const found = matrix(c.found);
+        Sabrel::Matrix33 const found = matrixOf(c.found);
         for (std::size_t i = 0; i < 9; ++i)
         {
             EXPECT_NEAR(found.m[i], c.expected.m[i], 1e-12) << c.name << " " << i;
@@ -290,31 +301,40 @@ TEST(FBX, RotationsOfTheAxesThatEachProgramExpects)
     }
 }
 
-TEST(FBX, AnglesGoOnThroughThePoleAndPastHalfATurn)
+TEST(FBX, AnglesGoOnThroughThePolesAndPastHalfATurn)
 {
-    // A level camera that looks along -z stands on the pole of the file's angles, in the midst
-    // of a roll; then it pans all the way round.
-    SolveBuilder builder(25);
+    // A level camera that looks along the z axis, either way, stands on a pole of the file's
+    // angles: frames 1, 2, 5, 6. From then on it rolls.
+    std::vector<double> turns{20, 30, 40, 0, 0, 50, 0, 0, 70, 0, 60, 70, 0, 120, 70, 0, 180, 70, 0, 180, 90};
+    for (int frame = 7; frame < 20; ++frame)
+    {
+        turns.insert(turns.end(), {0, 250, 60.0 * frame});
+    }
+    SolveBuilder builder(20);
     MarloHost::PoseModel& pose = builder.solve().camera.pose;
-    for (int frame = 0; frame < 25; ++frame)
+    pose.rotations = turns;
+    pose.positions.resize(turns.size());
+    for (int frame = 0; frame < 20; ++frame)
     {
         pose.frames.push_back(frame);
-        pose.positions.insert(pose.positions.end(), {0, 0, 0});
-        double const turn = frame < 5 ? 0 : 30.0 * (frame - 4);
-        pose.rotations.insert(pose.rotations.end(), {0, turn, frame < 5 ? 10.0 * frame : 40.0});
     }
     FbxTree const file = tree(builder);
-    for (char const* channel : {"d|X", "d|Y", "d|Z"})
+    auto const key = [&](char const* channel, std::size_t frame)
+    { return file.curve(file.object("Model", "MarloCameraNode"), "Lcl Rotation", channel).values.at(frame); };
+    for (std::size_t frame = 0; frame < 20; ++frame)
     {
-        auto const curve = file.curve(file.object("Model", "MarloCameraNode"), "Lcl Rotation", channel);
-        ASSERT_EQ(curve.values.size(), 25U);
-        for (std::size_t i = 1; i < 25; ++i)
+        Mtx_Vector4 const found{key("d|X", frame), key("d|Y", frame), key("d|Z", frame), 0};
+        double const* const turn = &turns[3 * frame];
+        Sabrel::Matrix33 const expected = matrixOf({turn[0], turn[1], turn[2], 0}) * matrixOf({0, 90, 0, 0});
+        for (std::size_t i = 0; i < 9; ++i)
         {
-            EXPECT_LT(std::abs(curve.values[i] - curve.values[i - 1]), 100) << channel << " frame " << i;
+            EXPECT_NEAR(matrixOf(found).m[i], expected.m[i], 1e-6) << "frame " << frame;
         }
+        bool const isPole = frame == 1 || frame == 2 || frame == 5 || frame == 6;
+        EXPECT_LT(std::abs(found.z - key("d|Z", frame - (frame > 0))), isPole ? 1e-6 : 181) << "frame " << frame;
+        double const step = frame > 7 ? found.z - key("d|Z", frame - 1) : 60;
+        EXPECT_NEAR(std::abs(step), 60, 1e-4) << "frame " << frame;
     }
-    auto const z = file.curve(file.object("Model", "MarloCameraNode"), "Lcl Rotation", "d|Z");
-    EXPECT_EQ(std::vector<double>(z.values.begin(), z.values.begin() + 5), std::vector<double>(5, 0.0));
 }
 
 TEST(FBX, ALegacySolveHangsOnTheRootAndStartsWhereItsCameraDoes)
@@ -355,6 +375,47 @@ TEST(FBX, WhatMovesHangsInItsGroupAndItsScaleIsKeyed)
     EXPECT_TRUE(run(builder).messages.value(0).endsWith("at the origin: hat")) << "the carrier isn't exported";
 }
 
+TEST(FBX, FilmIsSqueezedAsPixelsAre)
+{
+    SolveBuilder builder;
+    builder.clip().pixelAspect = 2;
+    builder.clip().filmBack = MarloHost::FilmBackModel{50, 20};
+    auto const ofCamera = [&](char const* property)
+    {
+        FbxTree const file = tree(builder);
+        return FbxTree::property(file.object("NodeAttribute", "camera"), property).at(0);
+    };
+    EXPECT_EQ(ofCamera("AspectWidth"), 3840);
+    EXPECT_EQ(ofCamera("AspectHeight"), 1080);
+    EXPECT_EQ(ofCamera("FilmSqueezeRatio"), 2);
+    EXPECT_NEAR(ofCamera("FilmWidth"), 25 / 25.4, 1e-6);
+    EXPECT_NEAR(ofCamera("FilmHeight"), 50 / 25.4 * 1080 / 3840, 1e-6);
+    builder.solve().legacy = true;
+    EXPECT_EQ(ofCamera("AspectWidth"), 3840);
+    EXPECT_NEAR(ofCamera("FilmWidth"), 40 / 25.4, 1e-6) << "no wider film in old solves";
+    EXPECT_NEAR(ofCamera("FilmHeight"), 16 / 25.4, 1e-6);
+}
+
+TEST(FBX, AMeshHasFacesAndTheUVsOfItsPoints)
+{
+    SolveBuilder builder;
+    builder.addPoints("Wall", {7, 7, 7});
+    MarloHost::PointCloudModel mesh;
+    mesh.positions = {0, 0, 0, 1, 0, 0, 1, 1, 0, 0, 1, 0};
+    mesh.faceCounts = {3, 3};
+    mesh.faceIndices = {0, 1, 2, 3, 0, 2};
+    mesh.uvs = {0, 0.125, 1, 0.25, 1, 0.5, 0, 0.75};
+    builder.layer().meshPoints = mesh;
+    FbxTree const file = tree(builder);
+    FbxTree::Node const* const geometry = file.object("Geometry", "Wall_TrackMesh");
+    EXPECT_EQ(FbxTree::array(geometry, "Vertices"), mesh.positions);
+    EXPECT_EQ(FbxTree::array(geometry, "PolygonVertexIndex"), (std::vector<double>{0, 1, -3, 3, 0, -3}));
+    FbxTree::Node const* const uvs = geometry->find("LayerElementUV");
+    EXPECT_EQ(FbxTree::array(uvs, "UV"), mesh.uvs);
+    EXPECT_EQ(FbxTree::array(uvs, "UVIndex"), (std::vector<double>{0, 1, 2, 3, 0, 2}));
+    EXPECT_EQ(file.parentOf("Wall_TrackMesh"), "Wall");
+}
+
 TEST(FBX, NamesAreUniqueAndCleanAndToldOnce)
 {
     SolveBuilder builder;
@@ -368,6 +429,10 @@ TEST(FBX, NamesAreUniqueAndCleanAndToldOnce)
     FbxTree const file(result.files["out.fbx"]);
     EXPECT_EQ(file.parentOf("MarloScene_0001"), "MarloScene");
     EXPECT_NE(file.object("Model", "twin_0002"), nullptr);
+    SolveBuilder root;
+    root.addPoints("Scene", {0, 0, 0});
+    EXPECT_EQ(run(root).messages.size(), 0);
+    EXPECT_EQ(run(root, {0}, {}, FBX3DExporterMaya6()).messages.size(), 1) << "is what 6.1 calls the root";
     EXPECT_NE(file.object("Model", QString(odd).replace('\x01', '_').replace('\n', '_').toUtf8()), nullptr);
 }
 
