@@ -26,11 +26,12 @@ SolveBuilder shot()
     return builder;
 }
 
-Korvane::ExportedFiles run(ProjectBuilder const& builder, Options const& options = {{"includeFeatures", true}})
+Korvane::ExportedFiles run(ProjectBuilder const& builder, Options const& options = {{"includeFeatures", true}},
+                           std::vector<Anm::View> const& views = {Anm::View::defaultView()})
 {
     KV::ExportSpec spec;
     spec.layers = KV::Layers::FilterByPoints();
-    spec.views = {Anm::View::defaultView()};
+    spec.views = views;
     spec.customData = options;
     return AlembicCameraSolveExporter().exportCameraSolve(*builder.make(), "out.abc", spec,
                                                           KV::CameraSolveExporter::AllObjects);
@@ -142,6 +143,24 @@ TEST(AlembicSolve, ObjectsAreThereWhenTheOptionsAndTheSolveSaySo)
     auto const withoutCamera = run(builder);
     EXPECT_EQ(OpenArchive(withoutCamera.files.value("out.abc")).names("scene/Shot 1"),
               std::vector<std::string>{"Trackers"});
+}
+
+TEST(AlembicSolve, ViewsChooseNoOtherCameraAndThatIsTold)
+{
+    SolveBuilder builder = shot();
+    builder.model.views = QStringList{"left", "right"};
+    Anm::View const left(0);
+    Anm::View const right(1);
+    EXPECT_EQ(run(builder, {}, {left, right}).messages, QStringList())
+        << "a solve with one camera has it for all views";
+    builder.solve().stereo = MarloHost::StereoModel();
+    auto const rig = run(builder, {}, {left});
+    EXPECT_EQ(rig.messages.size(), 1) << rig.messages.join('\n').toStdString();
+    EXPECT_EQ(run(builder, {}, {right}).files, rig.files);
+
+    auto const nothing = run(builder, {}, {});
+    EXPECT_TRUE(nothing.files.isEmpty());
+    EXPECT_EQ(nothing.messages.size(), 1);
 }
 
 TEST(AlembicSolve, NamesAreUniqueInTheWholeArchiveAndThatIsToldOnce)
