@@ -53,7 +53,7 @@ constexpr FormatBytes MESH_CURVES(0, 512, 2 * CURVE_KEY);
 
 // Arrays of single floats; transforms of double ones, each with a place in a table.
 constexpr FormatBytes ALEMBIC_POINTS(256, 64, 12);
-constexpr FormatBytes ALEMBIC_TRANSFORMS(64, 4096, 160);
+constexpr FormatBytes ALEMBIC_TRANSFORMS(64, 1024, 64);
 
 }
 
