@@ -77,7 +77,8 @@ QByteArray writeAlembic(AlembicTime const& time, std::function<void(AlembicConte
     }
     catch (Alembic::Util::Exception const& error)
     {
-        throwExternalException("AlembicArchive", __LINE__, QStringLiteral("Alembic"), QString::fromUtf8(error.what()));
+        throwExternalException("AlembicArchive", __LINE__, QString::fromUtf8(error.what()).simplified(),
+                               QStringLiteral("Alembic"));
     }
     return memory.take();
 }
