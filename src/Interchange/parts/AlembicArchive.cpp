@@ -33,7 +33,7 @@ Alembic::AbcCoreAbstract::MetaData metaData(double samplesPerSecond)
     data.set(Abc::kApplicationNameKey, APPLICATION);
     data.set(Abc::kUserDescriptionKey, DESCRIPTION);
     data.set(Abc::kDateWrittenKey, date.toStdString());
-    data.set(Abc::kDCCFPSKey, QByteArray::number(samplesPerSecond, 'g', 17).toStdString());
+    data.set(Abc::kDCCFPSKey, QString::number(samplesPerSecond, 'g', QLocale::FloatingPointShortest).toStdString());
     return data;
 }
 

@@ -2,6 +2,7 @@
 // don't reach.
 
 #include "AlembicReading.h"
+#include "Host/KORV_Exception.h"
 #include "Interchange/AlembicCameraSolveExporter.h"
 #include "Projection.h"
 #include "SolveBuilder.h"
@@ -205,6 +206,13 @@ TEST(AlembicSolve, ASolveFarFromTheOriginIsToldOf)
     // Transforms are doubles.
     std::string const first = archive.names("scene/Shot 1/Trackers").at(0);
     EXPECT_DOUBLE_EQ(worldOf(archive, "scene/Shot 1/Trackers/" + first, 0)[3][0], 1e6 + 0.03);
+}
+
+TEST(AlembicSolve, AnEndlessSceneIsRefused)
+{
+    SolveBuilder builder(2);
+    builder.addPoints("wall", {0, 1e300, 0});
+    EXPECT_THROW(run(builder), KORV_OperationFailed);
 }
 
 TEST(AlembicSolve, ValuesThatAreNotFiniteAreHeldAndCounted)
