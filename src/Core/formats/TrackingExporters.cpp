@@ -32,8 +32,8 @@ constexpr char PASTE_KEYFRAMES[] =
 constexpr char PASTE_NODE[] = "Paste the text into the node graph, or open the file as a script.";
 
 constexpr char ALEMBIC_LIMITS[] = "Single floats; the mesh as it was tracked, without UVs; its camera doesn't see it; "
-                                  "square pixels, and lines of fields "
-                                  "in interlaced material.";
+                                  "pixels count as square, and lines "
+                                  "of fields as lines.";
 constexpr char SIX_DIGITS[] = "Six significant digits.";
 constexpr char PIN_LIMITS[] = "Six significant digits; pins of interlaced material land one field height low.";
 constexpr char CURVE_LIMITS[] =

@@ -137,6 +137,18 @@ TEST(KestreliaSolve, ASetupNeedsFramesAndARate)
     }
 }
 
+TEST(KestreliaSolve, APoseHasTheAxesOfAThingAsItsRows)
+{
+    // A quarter turn about x, then one about z: x points along y, y along z, z along x.
+    KestreliaLib::Pose const pose = Rig3D::toKestreliaPose({1, 2, 3}, {90, 0, 90}, {2, 3, 4});
+    std::array<double, 9> const axes{0, 2, 0, 0, 0, 3, 4, 0, 0};
+    for (std::size_t i = 0; i < axes.size(); ++i)
+    {
+        EXPECT_NEAR(pose.axes[i], axes[i], 1e-15) << i;
+    }
+    EXPECT_TRUE(pose.position == (KestreliaLib::Vector3{1, 2, 3}));
+}
+
 TEST(KestreliaSolve, AnEyeOfARigIsItsOwnCameraWithTheShiftOfItsPicture)
 {
     SolveBuilder builder(2);
@@ -239,7 +251,7 @@ TEST(KestreliaSolve, WhatIsNotFiniteIsLeftOutAndCounted)
 TEST(Kestrelia2D, LayersAreThoseOfTheChoiceThatHaveARange)
 {
     ProjectBuilder builder(10);
-    builder.addLayer("first").range(2, 4).track([](int) { return ProjectBuilder::identity(); });
+    builder.addLayer("first").range(2, 4); // tracked beyond its range
     builder.layer().selected = true;
     builder.addLayer("untracked").layer().tracks.clear();
     builder.addLayer("hidden").layer().hidden = true;
@@ -266,6 +278,10 @@ TEST(Kestrelia2D, LayersAreThoseOfTheChoiceThatHaveARange)
         EXPECT_EQ(scene.shots[0].lastFrame, last);
         EXPECT_EQ(result.messages,
                   groups.size() == 1 ? QStringList() : told("Layer \"untracked\" has no tracking data"));
+        if (groups.front() == "first")
+        {
+            EXPECT_EQ(scene.shots[0].trackers[0].image.frames, (std::vector<int>{2, 3, 4}));
+        }
         if (groups.back() == "gaps")
         {
             KestreliaLib::Tracker const& corner = scene.shots[0].trackers[4 * groups.size() - 3];
