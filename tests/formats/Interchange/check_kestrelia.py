@@ -24,7 +24,7 @@ from scene_model import SceneModel, keyed
 from solve_scene import SINGLE, SceneContents
 
 VERIFIES = {
-    "kestrelia_3D": "poses, points and vertices within 1e-9, the lens is single, points seen within 0.001 px",
+    "kestrelia_3D": "numbers within 1e-9, the lens within half a unit of a single, points seen within 0.001 px",
     "kestrelia_2D": "corners of every frame within 1e-6 px",
 }
 SOLVE, FLAT = VERIFIES
@@ -103,10 +103,10 @@ class Solve:
                 self.judge_holder(findings, tracker, node)
 
     def judge_holder(self, findings: Findings, tracker: Record, node: solve_scene.Node) -> None:
-        """Features are in groups; what moves hangs on an object of its layer."""
+        """Features are in groups, points of layers may be; what moves hangs on an object of its layer."""
         holder = self.contents.nodes[node.holder]
         group = dict(self.shot.all("group")).get(tracker.one("group", [None])[0], "none")
-        if not re.fullmatch(r"Marlo Features \d+" if holder.kind == "set" else plain(holder.name), group):
+        if not re.fullmatch(r"Marlo Features \d+" if holder.kind == "set" else f"none|{plain(holder.name)}", group):
             findings.problem(f"{tracker.name} of {holder.name} is in the group {group}")
         layer = self.contents.nodes[holder.holder] if holder.kind == "set" and holder.holder is not None else holder
         moving = [item.world is layer.world and item.moving for item in self.model.layers]
