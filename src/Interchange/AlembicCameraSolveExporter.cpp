@@ -85,6 +85,10 @@ Korvane::ExportedFiles AlembicCameraSolveExporter::exportCameraSolve(KORV_Projec
         result.files.insert(path, writeAlembicScene(scene, sceneScale(model, choices), messages));
         result.failedCount = model.failedCount();
     }
+    else
+    {
+        messages += QStringLiteral("There is nothing to export without a view and a clip");
+    }
     appendFailures(result, path, messages);
     return result;
 }

@@ -38,12 +38,14 @@ void writeVertex(AlembicContents& contents, QString const& prefix, std::size_t v
         Abc::XformSample translation;
         translation.setTranslation(Abc::V3d(positions[row]));
         transform.getSchema().set(translation);
-        Abc::OPointsSchema::Sample sample{Abc::P3fArraySample(&origin, 1)};
         if (row == 0)
         {
-            sample.setIds(Abc::UInt64ArraySample(&id, 1));
+            point.getSchema().set({Abc::P3fArraySample(&origin, 1), Abc::UInt64ArraySample(&id, 1)});
         }
-        point.getSchema().set(sample);
+        else
+        {
+            point.getSchema().setFromPrevious();
+        }
     }
 }
 

@@ -28,7 +28,8 @@ constexpr FormatHonours OBJECTS_IN_VIEWS(QFlag(HonoursObjects | HonoursViews));
 constexpr double POSE_ROWS = 200;
 constexpr double STILL_NULL = 700;
 constexpr FormatBytes SCENE_TEXT(POSE_ROWS, STILL_NULL, POSE_ROWS);
-constexpr FormatBytes ALEMBIC_SCENE(1024, 2048, 64, 65536);
+// The poses of camera, screen and trackers and the lens; a transform with its name, at rest or moving.
+constexpr FormatBytes ALEMBIC_SCENE(1024, 512, 64, 32768);
 
 // Of a matchmove project: twelve numbers in all their digits for a pose and two for the lens,
 // and a tracker with its name, or a line of three numbers; as much again for vertices.

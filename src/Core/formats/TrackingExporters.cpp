@@ -41,8 +41,8 @@ constexpr char PASTE_KEYFRAMES[] =
 constexpr char PASTE_NODE[] = "Paste the text into the node graph, or open the file as a script.";
 
 constexpr char ALEMBIC_LIMITS[] = "Single floats; the mesh as it was tracked, without UVs; its camera doesn't see it; "
-                                  "square pixels, and lines of fields "
-                                  "in interlaced material.";
+                                  "pixels count as square, and lines "
+                                  "of fields as lines.";
 constexpr char LOAD_TRACKERS[] = "Load each file into the tracker of its number.";
 constexpr char LOAD_STABILIZER[] = "Load the setup in the stabilizer's menu.";
 
@@ -74,7 +74,7 @@ constexpr FormatBytes TRACKER_LINES(4 * 60, 0, 0);
 
 // Arrays of single floats; transforms of double ones, each with a place in a table.
 constexpr FormatBytes ALEMBIC_POINTS(256, 64, 12);
-constexpr FormatBytes ALEMBIC_TRANSFORMS(64, 4096, 160);
+constexpr FormatBytes ALEMBIC_TRANSFORMS(64, 1024, 64);
 
 }
 

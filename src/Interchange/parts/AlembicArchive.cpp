@@ -33,7 +33,7 @@ Alembic::AbcCoreAbstract::MetaData metaData(double samplesPerSecond)
     data.set(Abc::kApplicationNameKey, APPLICATION);
     data.set(Abc::kUserDescriptionKey, DESCRIPTION);
     data.set(Abc::kDateWrittenKey, date.toStdString());
-    data.set(Abc::kDCCFPSKey, QByteArray::number(samplesPerSecond, 'g', 17).toStdString());
+    data.set(Abc::kDCCFPSKey, QString::number(samplesPerSecond, 'g', QLocale::FloatingPointShortest).toStdString());
     return data;
 }
 
@@ -77,7 +77,8 @@ QByteArray writeAlembic(AlembicTime const& time, std::function<void(AlembicConte
     }
     catch (Alembic::Util::Exception const& error)
     {
-        throwExternalException("AlembicArchive", __LINE__, QStringLiteral("Alembic"), QString::fromUtf8(error.what()));
+        throwExternalException("AlembicArchive", __LINE__, QString::fromUtf8(error.what()).simplified(),
+                               QStringLiteral("Alembic"));
     }
     return memory.take();
 }

@@ -20,7 +20,11 @@
 #include "Interchange/parts/AlembicMemory.h"
 #include "Interchange/parts/AlembicScreen.h"
 #include "Interchange/parts/SceneBounds.h"
+#include "Writing/ThrowHelpers.h"
 #include "text/NumberText.h"
+
+#include <algorithm>
+#include <limits>
 
 namespace Export
 {
@@ -74,6 +78,7 @@ public:
             addSample(node, sceneMatrix);
             root = node;
         }
+        refuseBeyondSingle(sceneMatrix);
         for (Shot const& shot : m_scene.shots)
         {
             writeShot(root, shot);
@@ -94,6 +99,23 @@ private:
     Abc::OXform child(Abc::OObject const& parent, char const* name)
     {
         return Abc::OXform(parent, m_contents.names.claimOwn(QString::fromLatin1(name)), m_contents.timeSampling);
+    }
+
+    // Vertices are single floats, and so is most of what importers make of the rest.
+    void refuseBeyondSingle(M44d const& sceneMatrix) const
+    {
+        constexpr double MOST = std::numeric_limits<float>::max();
+        Imath::Box3d const reach(V3d(-MOST), V3d(MOST));
+        for (Imath::Box3d const& box : m_bounds.frames())
+        {
+            Imath::Box3d const seen = Imath::transform(box, sceneMatrix);
+            if (!box.isEmpty() && !(reach.intersects(seen.min) && reach.intersects(seen.max)))
+            {
+                throwOperationFailed("AlembicSceneWriter", __LINE__, QStringLiteral("refuseBeyondSingle"),
+                                     QStringLiteral("The scene reaches farther than the numbers of an Alembic file: "
+                                                    "points or meshes are beyond 1e38 units"));
+            }
+        }
     }
 
     void writeShot(Abc::OObject const& root, Shot const& shot)

@@ -168,6 +168,21 @@ TEST(AlembicMesh, NamesAreMadeFitAndThatIsToldOnceAndIsNoFailure)
     }
 }
 
+TEST(AlembicMesh, WhatTheLibraryRefusesEndsTheExportWithItsWords)
+{
+    ProjectBuilder builder = triangle();
+    builder.model.frameRate = std::numeric_limits<double>::infinity();
+    try
+    {
+        run<AlembicMeshExporter>(builder);
+        FAIL() << "was written";
+    }
+    catch (KORV_ExternalException const& failure)
+    {
+        EXPECT_TRUE(failure.message().contains("Time per cycle must be greater than 0")) << failure.what();
+    }
+}
+
 TEST(AlembicMesh, WhatCannotBeOneFileIsRefusedBeforeItIsMade)
 {
     ProjectBuilder builder(1800);

@@ -2,6 +2,7 @@
 // don't reach.
 
 #include "AlembicReading.h"
+#include "Host/KORV_Exception.h"
 #include "Interchange/AlembicCameraSolveExporter.h"
 #include "Projection.h"
 #include "SolveBuilder.h"
@@ -26,11 +27,12 @@ SolveBuilder shot()
     return builder;
 }
 
-Korvane::ExportedFiles run(ProjectBuilder const& builder, Options const& options = {{"includeFeatures", true}})
+Korvane::ExportedFiles run(ProjectBuilder const& builder, Options const& options = {{"includeFeatures", true}},
+                           std::vector<Anm::View> const& views = {Anm::View::defaultView()})
 {
     KV::ExportSpec spec;
     spec.layers = KV::Layers::FilterByPoints();
-    spec.views = {Anm::View::defaultView()};
+    spec.views = views;
     spec.customData = options;
     return AlembicCameraSolveExporter().exportCameraSolve(*builder.make(), "out.abc", spec,
                                                           KV::CameraSolveExporter::AllObjects);
@@ -144,6 +146,24 @@ TEST(AlembicSolve, ObjectsAreThereWhenTheOptionsAndTheSolveSaySo)
               std::vector<std::string>{"Trackers"});
 }
 
+TEST(AlembicSolve, ViewsChooseNoOtherCameraAndThatIsTold)
+{
+    SolveBuilder builder = shot();
+    builder.model.views = QStringList{"left", "right"};
+    Anm::View const left(0);
+    Anm::View const right(1);
+    EXPECT_EQ(run(builder, {}, {left, right}).messages, QStringList())
+        << "a solve with one camera has it for all views";
+    builder.solve().stereo = MarloHost::StereoModel();
+    auto const rig = run(builder, {}, {left});
+    EXPECT_EQ(rig.messages.size(), 1) << rig.messages.join('\n').toStdString();
+    EXPECT_EQ(run(builder, {}, {right}).files, rig.files);
+
+    auto const nothing = run(builder, {}, {});
+    EXPECT_TRUE(nothing.files.isEmpty());
+    EXPECT_EQ(nothing.messages.size(), 1);
+}
+
 TEST(AlembicSolve, NamesAreUniqueInTheWholeArchiveAndThatIsToldOnce)
 {
     SolveBuilder builder(2);
@@ -186,6 +206,13 @@ TEST(AlembicSolve, ASolveFarFromTheOriginIsToldOf)
     // Transforms are doubles.
     std::string const first = archive.names("scene/Shot 1/Trackers").at(0);
     EXPECT_DOUBLE_EQ(worldOf(archive, "scene/Shot 1/Trackers/" + first, 0)[3][0], 1e6 + 0.03);
+}
+
+TEST(AlembicSolve, AnEndlessSceneIsRefused)
+{
+    SolveBuilder builder(2);
+    builder.addPoints("wall", {0, 1e300, 0});
+    EXPECT_THROW(run(builder), KORV_OperationFailed);
 }
 
 TEST(AlembicSolve, ValuesThatAreNotFiniteAreHeldAndCounted)
