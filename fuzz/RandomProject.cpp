@@ -8,7 +8,8 @@ namespace
 
 using namespace MarloHost;
 
-constexpr int MOST_FRAMES = 12;
+// Exports take time: the least that has something of all.
+constexpr int MOST_FRAMES = 6;
 
 class Maker
 {
@@ -33,7 +34,7 @@ public:
         {
             addGroup();
         }
-        for (int i = upTo(0, 7) == 0 ? 0 : upTo(1, 3); i > 0; --i)
+        for (int i = upTo(0, 7) == 0 ? 0 : upTo(1, 2); i > 0; --i)
         {
             addLayer();
         }
@@ -212,7 +213,7 @@ private:
             layer.adjust.push_back(key);
         }
         layer.pose = pose(layer.moving);
-        for (int i = upTo(0, 3); i > 0; --i)
+        for (int i = upTo(0, 2); i > 0; --i)
         {
             layer.contours.push_back(contour());
         }
@@ -252,7 +253,7 @@ private:
         made.closed = chance();
         made.active = upTo(0, 7) != 0;
         made.inImage = upTo(0, 7) == 0;
-        int const points = upTo(3, 6);
+        int const points = upTo(3, 5);
         bool const hasFeather = chance();
         std::vector<int> frames = ascendingFrames();
         frames.resize(std::max<std::size_t>(frames.size(), 1));

@@ -17,9 +17,9 @@
 #include "marlohost/ProjectFile.h"
 
 #include <QDomDocument>
-#include <QRegularExpression>
 #include <QVariant>
 
+#include <cctype>
 #include <cstdio>
 #include <cstdlib>
 
@@ -144,12 +144,25 @@ double mostBytes(FormatEntry const& format, KORV_ProjectManager const& project, 
     return (turnsXSplines ? XSPLINES : 1) * estimatedBytes(format, project, scope, 1e12);
 }
 
-/// A number's word for what isn't finite, whatever stands around it.
-bool holdsNonFiniteWord(QString const& text)
+bool isPartOfWord(char c)
 {
-    static QRegularExpression const word(QStringLiteral("(?<![A-Za-z0-9_])[-+]?(nan|inf|infinity)(?![A-Za-z0-9_])"),
-                                         QRegularExpression::CaseInsensitiveOption);
-    return word.match(text).hasMatch();
+    return std::isalnum(static_cast<unsigned char>(c)) != 0 || c == '_';
+}
+
+/// A number's word for what isn't finite, whatever stands around it.
+bool holdsNonFiniteWord(QByteArray const& text)
+{
+    for (char const* const word : {"nan", "inf"})
+    {
+        for (int at = text.indexOf(word); at >= 0; at = text.indexOf(word, at + 1))
+        {
+            if ((at == 0 || !isPartOfWord(text[at - 1])) && !isPartOfWord(text.constData()[at + 3]))
+            {
+                return true;
+            }
+        }
+    }
+    return false;
 }
 
 /// @return what is wrong, null when nothing is
@@ -159,12 +172,11 @@ char const* faultOf(FormatEntry const& format, QByteArray const& content)
     {
         return nullptr; // not a text
     }
-    QString const text = QString::fromUtf8(content);
-    if (text.toUtf8() != content)
+    if (QString::fromUtf8(content).toUtf8() != content)
     {
         return "isn't UTF-8";
     }
-    if (holdsNonFiniteWord(text))
+    if (holdsNonFiniteWord(content))
     {
         return "holds a number that isn't finite";
     }
