@@ -41,10 +41,11 @@ struct ExportScope
 MARLO_EXPORT_API double estimatedBytes(FormatEntry const& format, KORV_ProjectManager const& project,
                                        ExportScope const& scope, double enough);
 
-/// The most bytes that an export may be estimated at: 10,000 for each byte of the project
+/// The most bytes that an export may be estimated at: 20,000 for each byte of the project
 /// file, but 64 megabytes for any project, and no more than surely doesn't fit the two
-/// gigabytes of one file. Real tracks stay far below it, since each frame of a track takes more
-/// in the project file than in most exports.
+/// gigabytes of one file. Real tracks stay below it: a frame of a track takes as much in the
+/// project file as in a pin, and what multiplies it, baked points of contours, is some thousand
+/// times that where X-splines of a long shot fill a file of gigabytes.
 ///
 /// @param projectBytes size of the project file
 MARLO_EXPORT_API double exportSizeLimit(FormatEntry const& format, qint64 projectBytes);

@@ -27,7 +27,7 @@ namespace
 {
 
 constexpr double FOR_ANY_PROJECT = 64.0 * 1024 * 1024;
-constexpr double FOR_EACH_BYTE = 10000;
+constexpr double FOR_EACH_BYTE = 20000;
 
 /// How many times too high an estimate may be: the tests of all formats hold it to this.
 constexpr double OVERESTIMATE = 20;
