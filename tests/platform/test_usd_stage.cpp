@@ -170,8 +170,6 @@ TEST(UsdStage, AChangeBlockHidesWhatIsMadeInIt)
         }
         EXPECT_TRUE(stage->GetRootLayer()->GetPrimAtPath(path));
         EXPECT_FALSE(stage->GetPrimAtPath(path));
-        EXPECT_FALSE(UsdGeomXformCommonAPI(stage->GetPrimAtPath(path)).SetTranslate(GfVec3d(1.0)));
-        EXPECT_TRUE(mark.Clear());
         EXPECT_FALSE(UsdGeomXform::Define(stage, SdfPath("/Other"))) << "is written, but can't be got yet";
         EXPECT_TRUE(mark.Clear());
     }
@@ -189,8 +187,6 @@ TEST(UsdStage, ValuesOfAnotherTypeAreRefused)
     EXPECT_FALSE(focal.Set(36.0));
     EXPECT_TRUE(mark.Clear());
     EXPECT_FALSE(focal.Set(36, 1.0));
-    EXPECT_TRUE(mark.Clear());
-    EXPECT_FALSE(UsdAttribute().Set(1.0F));
     EXPECT_TRUE(mark.Clear());
     EXPECT_EQ(valueIn(textOf(stage), "focalLength"), "35");
 }
