@@ -115,7 +115,8 @@ std::vector<TrackingRow> trackingRows()
         {&F::FUSION_COMP,
          &Row::make<KORV_FusionCompExporter>,
          {MOTION, NeedsTrack, "", "Open the file as a composition.",
-          "Six significant digits; one view; ranges start at the clip's offset and fields halve keys, not times; the "
+          "Six significant digits; one view; ranges start at the clip's offset, in fields where keys are in frames; "
+          "the "
           "path of a corner that never moves has shares that read nan.",
           FUSION_PATHS}},
         {&F::AE_CORNER_PIN,
