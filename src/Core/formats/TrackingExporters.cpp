@@ -116,8 +116,7 @@ std::vector<TrackingRow> trackingRows()
          &Row::make<KORV_FusionCompExporter>,
          {MOTION, NeedsTrack, "", "Open the file as a composition.",
           "Six significant digits; one view; ranges start at the clip's offset, in fields where keys are in frames; "
-          "the "
-          "path of a corner that never moves has shares that read nan.",
+          "the path of a corner that never moves has shares that read nan.",
           FUSION_PATHS}},
         {&F::AE_CORNER_PIN,
          &Row::make<AECornerPinExporter>,

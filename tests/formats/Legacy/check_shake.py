@@ -140,7 +140,8 @@ def _compare(findings, points, expected, contour, place):
         drawn = expected.drawn()
         findings.compare("shapes, px", points[drawn], expected.points[drawn], _bound(points)[drawn], place)
         # What closes an open curve is straight.
-        findings.compare("closing, px", points[~drawn], np.repeat(points[:, VERTEX], (~drawn).sum(axis=1), axis=0), 0.0, place)
+        ends = np.repeat(points[:, VERTEX], (~drawn).sum(axis=1), axis=0)
+        findings.compare("closing, px", points[~drawn], ends, 0.0, place)
         return
     away = apart(Outline(points, None, contour.closed), expected)
     findings.compare("x-spline, px", away, np.zeros(len(away)), X_SPLINE + 2 * _bound(points).max(), place)

@@ -90,7 +90,8 @@ def faults_of(data):
     faults.edit("a file late", [values[3 * width + 1]], lambda text: str(int(text) + 1))
     faults.swap("two values", [values[2 * width + 2]], [values[2 * width + 5]])
     faults.drop("a frame less", faults.places(r"^      <Frame>.*?</Frame>\n")[4])
-    faults.replace_all((("name", " Poster\n", " poster\n"), ("order", "InfoDoc>\n", "InfoDoc>\n\n"), ("end", "   </Object>\n", "")))
+    faults.replace_all((("name", " Poster\n", " poster\n"), ("order", "InfoDoc>\n", "InfoDoc>\n\n"),
+                        ("end", "   </Object>\n", "")))
     return faults
 
 
