@@ -1,6 +1,7 @@
 #include "Project.h"
 
 #include <QFileInfo>
+#include <QHash>
 
 using MarloHost::FootageModel;
 
@@ -124,6 +125,19 @@ ZN_ClipInfo::~ZN_ClipInfo() = default;
 int ZN_ClipInfo::footageKind() const
 {
     return m_data->model->footage.kind;
+}
+
+// By the ending of the file names.
+int ZN_ClipInfo::fileFormat() const
+{
+    static QHash<QString, FileFormat> const formats = {
+        {QStringLiteral("png"), PngFormat},    {QStringLiteral("tif"), TiffFormat},
+        {QStringLiteral("tiff"), TiffFormat},  {QStringLiteral("jpg"), JpegFormat},
+        {QStringLiteral("jpeg"), JpegFormat},  {QStringLiteral("dpx"), DpxFormat},
+        {QStringLiteral("cin"), CineonFormat}, {QStringLiteral("sgi"), SgiFormat},
+        {QStringLiteral("tga"), TargaFormat},
+    };
+    return formats.value(QFileInfo(firstFileName()).suffix().toLower(), OtherFormat);
 }
 
 QString ZN_ClipInfo::clipDirectory(Anm::View const&, Anm::View::Mapping) const

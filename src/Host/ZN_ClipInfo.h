@@ -117,10 +117,26 @@ public:
         Solid = 2
     };
 
+    /// What the pictures are stored as; others have numbers that aren't here.
+    enum FileFormat
+    {
+        OtherFormat = -1,
+        PngFormat = 0,
+        TiffFormat = 4,
+        JpegFormat = 5,
+        DpxFormat = 6,
+        CineonFormat = 7,
+        SgiFormat = 8,
+        TargaFormat = 9
+    };
+
     explicit ZN_ClipInfo(std::unique_ptr<Data> data);
     ~ZN_ClipInfo() override;
 
     int footageKind() const;
+
+    /// A value of FileFormat.
+    int fileFormat() const;
 
     // The file of a frame is directory / prefix, index filled up with zeros to
     // indexWidth, suffix. A media file has no index: width 0, and all of its name is

@@ -3,6 +3,7 @@
 #include "ProjectBuilder.h"
 
 #include "Host/KORV_Clip.h"
+#include "Host/ZN_ClipInfo.h"
 
 #include <gtest/gtest.h>
 
@@ -50,6 +51,17 @@ TEST(LayerTransform, TrackedFramesAndFrameSizes)
     EXPECT_FALSE(layers.isLayerTrackedAtFrame(layer, at(5, 7))) << "in no view at all";
     EXPECT_EQ(layers.layerFrameSize(layer, Anm::ProxyScale::Full), QSize(1000, 250));
     EXPECT_EQ(layers.layerFrameSize(layer, Anm::ProxyScale::Eighth), QSize(125, 32));
+}
+
+TEST(LayerTransform, FileFormatsAreToldByTheEndingOfNames)
+{
+    for (auto const& [suffix, format] :
+         std::vector<std::pair<char const*, int>>{{".v1.DPX", 6}, {".jpeg", 5}, {".png", 0}, {".exr", -1}, {"", -1}})
+    {
+        ProjectBuilder builder = shot();
+        builder.clip().footage = {MarloHost::FootageModel::Sequence, "/a.tga/b", "c.", suffix, 4, 1, {}};
+        EXPECT_EQ(builder.make()->pGetParameterManager()->getClipInfo(1, false)->fileFormat(), format) << suffix;
+    }
 }
 
 // The picture is four times as wide as high: a height of it is 250 pixels across, and 250 lines of a field.

@@ -44,7 +44,7 @@ constexpr double FXS_MATRIX = 9 * 24 + 64;
 constexpr FormatBytes BAKED_ROTO(160, ROTO_POINT, ROTO_POINT);
 constexpr FormatBytes KEYED_ROTO(ROTO_MATRIX, ROTO_POINT, 0);
 constexpr FormatBytes MASK(160, MASK_POINT, MASK_POINT);
-constexpr FormatBytes SHAKE_SHAPE(16, 0, 170);
+constexpr FormatBytes SHAKE_SHAPE(160, 0, 170);
 constexpr FormatBytes FXS(FXS_MATRIX, FXS_POINT, 0);
 
 }

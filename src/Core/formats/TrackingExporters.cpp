@@ -7,6 +7,7 @@
 #include "AfterEffects/AETransformExporter.h"
 #include "Autodesk/KORV_IFFFSEPointsExporter.h"
 #include "Autodesk/KORV_IFFFSEStabilizerExporter.h"
+#include "Fusion/FusionCompExporter.h"
 #include "Host/TrackingExporter.h"
 #include "Interchange/AlembicMeshExporter.h"
 #include "Interchange/AlembicVertexTransformExporter.h"
@@ -58,7 +59,8 @@ constexpr char CURVE_LIMITS[] =
 // " x1001 1234.56", in bytes.
 constexpr double KEYFRAME_ROW = 44;
 constexpr double CURVE_KEY = 20;
-constexpr FormatBytes SHAKE_KEYS(3 * 8 * 16, 0, 0);
+constexpr FormatBytes FUSION_PATHS(4 * 150, 0, 0, 8192);
+constexpr FormatBytes SHAKE_KEYS(3 * 8 * 16, 0, 0, 8192);
 constexpr FormatBytes RAW_CURVES(8 * 40, 0, 0);
 constexpr FormatBytes MATRIX_ELEMENTS(700, 0, 0);
 constexpr FormatBytes CORNER_ELEMENTS(820, 0, 0);
@@ -145,6 +147,12 @@ std::vector<TrackingRow> trackingRows()
          {MOTION, NeedsTrack, MARKUP, "Load the file as the corner pin of the effect.",
           "Six significant digits; one view; frame numbers without the clip's offset, halves for fields.",
           CORNER_ELEMENTS}},
+        {&F::FUSION_COMP,
+         &Row::make<KORV_FusionCompExporter>,
+         {MOTION, NeedsTrack, "", "Open the file as a composition.",
+          "Six significant digits; one view; ranges start at the clip's offset, in fields where keys are in frames; "
+          "the path of a corner that never moves has shares that read nan.",
+          FUSION_PATHS}},
         {&F::AE_CORNER_PIN,
          &Row::make<AECornerPinExporter>,
          {MOTION, NeedsTrack, "", PASTE_KEYFRAMES, PIN_LIMITS, PIN_ROWS}},
