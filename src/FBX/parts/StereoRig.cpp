@@ -50,22 +50,27 @@ double valueAt(Number const& parameter, Anm::Time const& time)
 {
     Anm::View const view = Anm::View::defaultView();
     unsigned int const count = parameter.keyframeCount(view);
-    for (unsigned int key = 0; key < count; ++key)
+    if (count == 0)
     {
-        Anm::Time const end = parameter.keyframeTime(key, view);
-        if (time < end && key > 0)
-        {
-            double const start = parameter.keyframeTime(key - 1, view).value();
-            double const before = parameter.keyframeValue(key - 1, view);
-            double const fraction = (time.value() - start) / (end.value() - start);
-            return before + fraction * (parameter.keyframeValue(key, view) - before);
-        }
-        if (!(end < time))
-        {
-            return parameter.keyframeValue(key, view);
-        }
+        return parameter.staticValue(view);
     }
-    return count > 0 ? parameter.keyframeValue(count - 1, view) : parameter.staticValue(view);
+    // The first key that isn't earlier, by halves: rigs may be keyed in every frame.
+    unsigned int first = 0;
+    for (unsigned int end = count; first < end;)
+    {
+        unsigned int const middle = first + (end - first) / 2;
+        bool const isEarlier = parameter.keyframeTime(middle, view) < time;
+        first = isEarlier ? middle + 1 : first;
+        end = isEarlier ? end : middle;
+    }
+    if (first == 0 || first == count || !(time < parameter.keyframeTime(first, view)))
+    {
+        return parameter.keyframeValue(std::min(first, count - 1), view);
+    }
+    double const start = parameter.keyframeTime(first - 1, view).value();
+    double const fraction = (time.value() - start) / (parameter.keyframeTime(first, view).value() - start);
+    double const before = parameter.keyframeValue(first - 1, view);
+    return before + fraction * (parameter.keyframeValue(first, view) - before);
 }
 
 /// Sets a property to what `valueOf` makes of a time, with a key wherever one of the
