@@ -1,9 +1,11 @@
 #include "ExportPlan.h"
 
 #include "CameraViewsExporter.h"
+#include "Core/ExportSize.h"
 #include "Core/LensExporter.h"
 #include "Failure.h"
 #include "FormatOptions.h"
+#include "Host/KORV_Exception.h"
 #include "Host/KORV_Layer.h"
 #include "Host/KORV_ProjectManager.h"
 #include "PlacedExporter.h"
@@ -98,6 +100,21 @@ void checkPaths(std::vector<Export::BatchItem> const& items)
     }
 }
 
+void refuseHopelessSize(Session& session, FormatEntry const& format, ExportedParts const& parts,
+                        PartsCheck const& check)
+{
+    Export::ExportScope const scope{parts.layers, parts.views.size(), check.objects, check.clipId};
+    try
+    {
+        Export::requireExportSize(format, session.project(), scope, session.fileBytes(),
+                                  QStringLiteral("Take fewer frames with --frames A-B, or fewer layers."));
+    }
+    catch (KORV_OperationFailed const& error)
+    {
+        throw Failure(Refused, format.key() + QStringLiteral(": ") + error.message());
+    }
+}
+
 }
 
 void tellOfLayersLeftOut(Session& session, ZN::LayerExportMode mode, LayerChoice const& layers,
@@ -123,6 +140,7 @@ void checkParts(Session& session, FormatEntry const& format, ExportedParts const
     {
         refuseUnsafeNames(session, format, parts);
     }
+    refuseHopelessSize(session, format, parts, check);
     plan.losses = lossesOf(session, format, parts);
     QStringList clips;
     for (KORV_Layer const* layer : parts.layers)
@@ -175,7 +193,9 @@ ExportPlan planExports(Session& session, FormatEntry const& format, ExportChoice
                               Export::ExportFileInfo(), path});
     }
     checkPaths(plan.items);
-    checkParts(session, format, all, {choices.undistort, writing.unsafeNames}, plan, record);
+    unsigned int const clipId = format.kind() == Kind::Lens ? session.clipId(choices.clip) : 0;
+    checkParts(session, format, all,
+               {choices.undistort, writing.unsafeNames, choices.objects, clipId}, plan, record);
     // Of many layers some may have nothing.
     plan.obstacle = plan.items.empty() ? plan.obstacle : QString();
     return plan;

@@ -34,10 +34,17 @@ struct PartsCheck
 {
     bool undistort = false;
     bool unsafeNames = false;
+
+    /// Of camera formats.
+    KV::CameraSolveExporter::ObjectsToExport objects = KV::CameraSolveExporter::AllObjects;
+
+    /// Of lens formats.
+    unsigned int clipId = 1;
 };
 
 /// Notes what a format can't hold of the parts, and warns of lenses that aren't there.
-/// @throws Failure as a refusal of names that would leave their field
+/// @throws Failure as a refusal of names that would leave their field, and of exports that are
+///         much too large for the project
 void checkParts(Session& session, FormatEntry const& format, ExportedParts const& parts, PartsCheck const& check,
                 ExportPlan& plan, ExportRecord& record);
 

@@ -115,6 +115,10 @@ ExportPlan PresetPlanner::makePlan(FormatEntry const& format, ExportInfo info, E
         tracking->referenceFrame = referenceFrameOf(*tracking, views.front());
         check.undistort = tracking->undistort;
     }
+    else if (auto const* const camera = std::get_if<Export::UserCameraSolveOptions>(&info.options))
+    {
+        check.objects = camera->objectsToExport;
+    }
 
     // A layer that was renamed or mistyped is no reason to pass over what was asked for.
     if (layers.selection.mode == ZN::SpecifiedLayer && !layers.current)

@@ -9,6 +9,8 @@
 #include "Host/ZN_ClipInfo.h"
 #include "marlohost/ProjectFile.h"
 
+#include <QFileInfo>
+
 #include <algorithm>
 #include <cmath>
 
@@ -47,7 +49,7 @@ private:
 };
 
 Session::Session(QString const& projectPath, std::optional<FrameRange> const& frames, FramesOf what)
-    : m_warnings(std::make_shared<Warnings>())
+    : m_fileBytes(QFileInfo(projectPath).size()), m_warnings(std::make_shared<Warnings>())
 {
     MarloHost::ProjectModel model = readModel(projectPath);
     if (frames && what == FramesOf::Scene)
@@ -186,6 +188,11 @@ int Session::hostFrame(double shownFrame) const
 int Session::lastFrame() const
 {
     return m_facts.frameCount - 1;
+}
+
+qint64 Session::fileBytes() const
+{
+    return m_fileBytes;
 }
 
 unsigned int Session::clipId(std::optional<QString> const& name) const

@@ -78,6 +78,9 @@ public:
     /// The last host frame of the project; the first is 0.
     int lastFrame() const;
 
+    /// Size of the project file.
+    qint64 fileBytes() const;
+
     /// The id of the clip of that name, or of the displayed one.
     /// @throws Failure as wrong usage that lists the clips
     unsigned int clipId(std::optional<QString> const& name) const;
@@ -89,6 +92,7 @@ private:
     class Warnings;
 
     ProjectFacts m_facts;
+    qint64 m_fileBytes;
 
     /// Places in `m_facts.layers` by the ids of the layers.
     QHash<unsigned int, std::size_t> m_placeById;

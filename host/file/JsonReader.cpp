@@ -1,5 +1,7 @@
 #include "JsonReader.h"
 
+#include "JsonText.h"
+
 #include <QStringList>
 
 #include <algorithm>
@@ -7,17 +9,6 @@
 
 namespace MarloHost
 {
-
-namespace
-{
-
-/// Also the two that only end lines.
-bool isControl(QChar c)
-{
-    return c.category() == QChar::Other_Control || c == QChar::LineSeparator || c == QChar::ParagraphSeparator;
-}
-
-}
 
 JsonCursor::JsonCursor(JsonTree& tree) : JsonCursor(tree, 0)
 {
@@ -60,13 +51,10 @@ QString JsonCursor::string() const
     }
     std::string_view const bytes = m_tree->text(m_index);
     QString const text = QString::fromUtf8(bytes.data(), static_cast<int>(bytes.size()));
-    // Every text here is a name, a path or a word. Those that end a line would make records of
-    // their own in what is exported, and a terminal would obey the others.
-    auto const control = std::find_if(text.begin(), text.end(), isControl);
-    if (control != text.end())
+    QString const fault = controlCharacterFault(text);
+    if (!fault.isEmpty())
     {
-        fail(QStringLiteral("holds the control character U+%1; names and paths must not")
-                 .arg(QString::number(control->unicode(), 16).toUpper().rightJustified(4, QLatin1Char('0'))));
+        fail(fault);
     }
     return text;
 }

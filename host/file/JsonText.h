@@ -13,6 +13,12 @@
 namespace MarloHost
 {
 
+/// What is wrong with a text that has a control character, in words that follow its name; empty
+/// where it has none. Every text of a project file is a name, a path or a word: characters that
+/// end a line would make records of their own in what is exported, and a terminal would obey
+/// the others.
+QString controlCharacterFault(QString const& text);
+
 /// Appends indented JSON. Objects and arrays nest by the calls between open and
 /// close; flat arrays of numbers take a given number to a line.
 class JsonText
@@ -129,6 +135,11 @@ private:
 
     void quote(QString const& value)
     {
+        QString const fault = controlCharacterFault(value);
+        if (!fault.isEmpty())
+        {
+            throw KORV_BadArgument(__FILE__, __LINE__, QStringLiteral("\"%1\" ").arg(value) + fault, QString());
+        }
         m_text += '"';
         for (char const c : value.toUtf8())
         {
@@ -136,10 +147,6 @@ private:
             {
                 m_text += '\\';
                 m_text += c;
-            }
-            else if (static_cast<unsigned char>(c) < 0x20)
-            {
-                m_text += "\\u00" + QByteArray(1, static_cast<char>(c)).toHex();
             }
             else
             {

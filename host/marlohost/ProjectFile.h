@@ -39,7 +39,8 @@ MARLO_HOST_API ProjectModel readProject(QByteArray const& json, QString const& f
 MARLO_HOST_API ProjectModel readProjectFile(QString const& path);
 
 /// The text of a project file; readProject() gives the same model back.
-/// @throws KORV_BadArgument for a number that JSON can't hold
+/// @throws KORV_BadArgument for a number that JSON can't hold, and for a name with a control
+///         character, which readProject() would refuse
 MARLO_HOST_API QByteArray writeProject(ProjectModel const& model);
 
 /// What stands around a project in a running program.

@@ -26,6 +26,7 @@
 #include "Host/ZN_ClipInfo.h"
 #include "Writing/Results.h"
 #include "Writing/ThrowHelpers.h"
+#include "Writing/Values.h"
 #include "text/NumberText.h"
 
 #include <boost/make_shared.hpp>
@@ -159,6 +160,12 @@ void AE3DMotionExporter::prepareToExport(KORV_ProjectManager& project,
     {
         solve.setFocalDistanceFromCamera(*camera);
         solve.setFilmSize(static_cast<float>(camera->filmSize().staticValue(solve.view()) * POINTS_PER_MILLIMETRE));
+    }
+    // All positions are scaled by it, and the header can't leave it out.
+    if (!isWritable(static_cast<double>(solve.focalDistance())))
+    {
+        throwOperationFailed("AfterEffects\\AE3DMotionExporter", __LINE__, QStringLiteral("prepareToExport"),
+                             QStringLiteral("The focal length of the camera isn't finite in its first frame"));
     }
     // A scene unit at the distance 1 fills as many pixels as the focal length has.
     double const focalLength =

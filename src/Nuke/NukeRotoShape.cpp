@@ -27,6 +27,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 
 namespace Export
 {
@@ -80,9 +81,12 @@ BezierCurves bezierCurves(Korvane::ExportedShape::Curves const& curves)
     return beziers;
 }
 
+/// Also once differences and slopes are made of it: what a float can't hold is no place in a
+/// picture.
 bool isFinite(Mtx_Vector2 const& vector)
 {
-    return isWritable(vector.x) && isWritable(vector.y);
+    constexpr double MOST = std::numeric_limits<float>::max();
+    return isWritable(vector.x) && isWritable(vector.y) && std::abs(vector.x) < MOST && std::abs(vector.y) < MOST;
 }
 
 bool isFinite(Korvane::ExportBezierCurve const& curve)

@@ -86,7 +86,7 @@ enum class Untracked
 ///
 /// bytes, of all its files together. Too little refuses nothing of what is too large, and too
 /// much refuses what people need: a figure is the most that usual values take (numbers in
-/// all their digits, long names), not what the worst imaginable ones could.
+/// all their digits, names of usual length), not what the worst imaginable ones could.
 ///
 /// What is counted:
 /// - layers: those that one export holds; of formats of solves the camera and every object,
@@ -94,16 +94,19 @@ enum class Untracked
 /// - views: those that one export holds.
 /// - frames: of the layer's range, fields in interlaced material; of formats of solves and
 ///   lenses those of the project.
-/// - points: of what the format needs: control points of the contours, vertices of the mesh,
-///   points of the solve (a mesh's vertices among them). None for the others: corners are
-///   part of `perFrame`.
-/// - keyed points: points times the keys that the user set on them (one where there is none).
+/// - points: of what the format needs: control points of the contours (four for one of an
+///   X-spline, which becomes so many Bezier points as a rule), vertices of the mesh, points of
+///   the solve that move (a mesh's vertices among them; those at rest count as keyed ones only).
+///   None for the others: corners are part of `perFrame`.
+/// - keyed points: points times the frames in which contours of the layer are keyed, its first
+///   and last one among them; once where nothing is keyed.
 /// - pixels: of one picture of the clip.
 ///
 /// There is no FormatBytes without figures: a row of the table that lacks it doesn't compile.
 struct FormatBytes
 {
-    /// Of each frame of a layer in a view: its row or keys, whatever the number of points.
+    /// Of each frame of a layer in a view: its row or keys, whatever the number of points. No less
+    /// than some hundred bytes, which the helpers take for a frame.
     double perFrame;
 
     /// Of each keyed point, once: what is written for keys or of the point itself.
@@ -118,7 +121,7 @@ struct FormatBytes
     /// Of each pixel of each frame, of formats that write pictures.
     double perPixelFrame;
 
-    constexpr FormatBytes(double ofFrame, double ofPoint, double ofPointFrame, double ofLayer = 16384,
+    constexpr FormatBytes(double ofFrame, double ofPoint, double ofPointFrame, double ofLayer = 4096,
                           double ofPixelFrame = 0)
         : perFrame(ofFrame),
           perPoint(ofPoint),

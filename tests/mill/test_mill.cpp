@@ -3,6 +3,7 @@
 
 #include "Core/ExportFunctions.h"
 #include "Core/ExportEnvironment.h"
+#include "Core/ExportSize.h"
 #include "Core/ExporterFactories.h"
 #include "Core/ExporterWrapper.h"
 #include "Core/FormatList.h"
@@ -412,6 +413,89 @@ TEST_P(Mill, ALayerWithoutTrackingDataIsToldOrRefused)
         return;
     }
     EXPECT_EQ(result.messages, QStringList(target + ": Layer \"Poster\" has no tracking data"));
+}
+
+/// A project as large as the golden's, or larger.
+struct SizedProject
+{
+    char const* name;
+    bool isLong;
+    int extraContours;
+    bool isXSpline;
+    int extraFeatures;
+};
+
+constexpr SizedProject SIZED_PROJECTS[] = {
+    {"a few frames", false, 0, false, 0},
+    {"many frames", true, 0, false, 0},
+    {"many Bezier curves and features", true, 10, false, 300},
+    {"many X-splines", true, 6, true, 0},
+};
+
+ProjectBuilder projectOf(SizedProject const& sized)
+{
+    constexpr int MANY_FRAMES = 500;
+    ProjectBuilder builder = smallProject();
+    if (sized.isLong)
+    {
+        builder.clip().frameCount = MANY_FRAMES;
+        builder.range(0, MANY_FRAMES - 1)
+            .track(
+                [](int frame) {
+                    return ProjectBuilder::similarity(960.123, 540.321, 0.001 * frame, 1 + 1e-4 * frame, 0.37 * frame,
+                                                      1);
+                });
+    }
+    for (int i = 0; i < sized.extraContours; ++i)
+    {
+        builder.layer().contours.push_back(builder.layer().contours[sized.isXSpline ? 1 : 0]);
+    }
+    std::vector<double>& features = builder.model.solve->features[0].points.positions;
+    for (int i = 0; i < sized.extraFeatures; ++i)
+    {
+        features.insert(features.end(), {0.123456 * i, -12345.6 + i, 1e-3 * i});
+    }
+    return builder;
+}
+
+TEST_P(Mill, AnExportIsNoLargerThanEstimatedAndALongOneNotMuchSmaller)
+{
+    for (SizedProject const& sized : SIZED_PROJECTS)
+    {
+        ProjectBuilder const builder = projectOf(sized);
+        auto const project = builder.make("/shots/mill.json");
+        double const estimate = estimatedBytes(GetParam(), *project, {{project->currentLayer()}}, 1e12);
+        double bytes = 0;
+        for (QByteArray const& content : exported(GetParam(), builder, path("out")).files)
+        {
+            bytes += content.size();
+        }
+        EXPECT_LE(bytes, estimate) << sized.name;
+        EXPECT_GE(sized.isLong ? 20 * bytes : estimate, estimate) << sized.name;
+    }
+}
+
+TEST_P(Mill, AFewBytesCannotAskForMillionsOfFrames)
+{
+    ProjectBuilder builder = smallProject();
+    builder.clip().frameCount = 10000000;
+    builder.layer().outPoint = builder.clip().frameCount - 1;
+    auto const project = builder.make();
+    double const limit = exportSizeLimit(GetParam(), 0);
+    if (estimatedBytes(GetParam(), *project, {{project->currentLayer()}}, limit) <= limit)
+    {
+        GTEST_SKIP() << "is small whatever the number of frames";
+    }
+    QStringList const arguments{"export", writeProjectFile(builder), GetParam().key(), "-o", path("out") + "/"};
+    ToolRun const refused = runTool(arguments);
+    EXPECT_EQ(refused.status, 1);
+    EXPECT_TRUE(
+        refused.errors.startsWith("marlo-export: " + GetParam().key().toUtf8() + ": The export would take about "))
+        << refused.errors.toStdString();
+    EXPECT_TRUE(refused.errors.endsWith("--frames A-B, or fewer layers.\n")) << refused.errors.toStdString();
+    EXPECT_EQ(refused.errors.count('\n'), 1);
+    EXPECT_EQ(filesBelow(path("out")), (QMap<QString, QByteArray>()));
+    EXPECT_EQ(runTool(arguments + QStringList{"--frames", "1003-1006"}).status, 0);
 }
 
 /// The folders of goldens by key: tests/formats/FAMILY/golden/KEY.

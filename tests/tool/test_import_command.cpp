@@ -162,6 +162,7 @@ TEST_F(ImportCommand, RefusalsWriteNothing)
          {"--size", "640x480", "--start", "10000000"},
          3,
          "t.txt: from frame 10000000 on the last one is beyond"},
+        {TABLE, {"--size", "640x480", "--name", "a\nb"}, 1, "holds the control character U+000A; names and paths"},
         {TABLE, {"--size", "640x480", "--gaps", "fill"}, 2, "\"fill\" isn't one of hold|interpolate"},
         {TABLE, {"--size", "640x480", "--fps", "30/1/1"}, 2, "isn't a rate"},
         {TABLE, {"--size", "640x480", "-o", "-"}, 2, ""},

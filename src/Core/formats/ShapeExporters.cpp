@@ -29,14 +29,17 @@ constexpr char WITH_MATRIX[] =
     "Five significant digits and at most three decimals: 0.05 px from 1000 px on. X-splines become Bezier curves.";
 
 // A point of a contour, with its tangents, its feather and theirs, at a key or in a frame, and
-// the matrix of a layer in a frame, in bytes.
-constexpr double ROTO_POINT = 300;
+// the matrix of a layer in a frame, in bytes. Masks hold eight rows of motion for each contour;
+// contours that leave the picture are baked.
+constexpr double ROTO_POINT = 12 * 50;
+constexpr double ROTO_MATRIX = 640;
 constexpr double MASK_POINT = 300;
-constexpr double ROTO_MATRIX = 320;
-constexpr FormatBytes BAKED_ROTO(64, ROTO_POINT, ROTO_POINT);
-constexpr FormatBytes KEYED_ROTO(ROTO_MATRIX, ROTO_POINT, ROTO_POINT);
-constexpr FormatBytes MASK(64, MASK_POINT, MASK_POINT);
-constexpr FormatBytes FXS(64, MASK_POINT, MASK_POINT);
+constexpr double FXS_POINT = 12 * 20;
+constexpr double FXS_MATRIX = 9 * 24 + 64;
+constexpr FormatBytes BAKED_ROTO(160, ROTO_POINT, ROTO_POINT);
+constexpr FormatBytes KEYED_ROTO(ROTO_MATRIX, ROTO_POINT, 0);
+constexpr FormatBytes MASK(160, MASK_POINT, MASK_POINT);
+constexpr FormatBytes FXS(FXS_MATRIX, FXS_POINT, 0);
 
 }
 

@@ -36,15 +36,15 @@ constexpr char CURVE_LIMITS[] =
 
 // A row of keyframe text, "\t1001\t1234.56\t789.012\t\n", and a key of a curve,
 // " x1001 1234.56", in bytes.
-constexpr double KEYFRAME_ROW = 36;
+constexpr double KEYFRAME_ROW = 44;
 constexpr double CURVE_KEY = 20;
 constexpr FormatBytes PIN_ROWS(4 * KEYFRAME_ROW, 0, 0);
-constexpr FormatBytes TRANSFORM_ROWS(5 * KEYFRAME_ROW, 0, 0);
+constexpr FormatBytes TRANSFORM_ROWS(3 * KEYFRAME_ROW, 0, 0);
 constexpr FormatBytes PIN_CURVES(4 * 2 * CURVE_KEY, 0, 0);
+constexpr FormatBytes MESH_CURVES(4 * CURVE_KEY, 512, 2 * CURVE_KEY);
 
 // A line of a tracker, "    image 1001 1234.5678901234567 789.0123456789012", for each of four.
 constexpr FormatBytes TRACKER_LINES(4 * 60, 0, 0);
-constexpr FormatBytes MESH_CURVES(0, 512, 2 * CURVE_KEY);
 
 }
 

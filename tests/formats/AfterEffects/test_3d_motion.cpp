@@ -80,6 +80,16 @@ QStringList rows(QString const& document, QString const& title)
     return block.left(block.indexOf("\n\n")).split('\n').mid(1);
 }
 
+TEST(Motion3D, IsRefusedWhereTheHeaderWouldNotBeFinite)
+{
+    ProjectBuilder builder = scene();
+    for (double const millimetres : {std::nan(""), 1e300})
+    {
+        builder.model.solve->camera.focalLength = {millimetres, {}, {}};
+        EXPECT_THROW(textOf(builder), KORV_OperationFailed);
+    }
+}
+
 TEST(Motion3D, FeaturesAreLeftOutOnRequest)
 {
     ProjectBuilder builder = scene();

@@ -215,6 +215,11 @@ TEST(RotoShape, WhatCanNotBeWrittenIsRefusedOrLeftOut)
     partly.blur.append(bezier(1002, LENS));
     EXPECT_EQ(partly.text(), Shape().text());
     EXPECT_EQ(partly.leftOut, 1u);
+
+    // Finite, but what handles and slopes are made of isn't.
+    spans[1].control2.y = -1e308;
+    partly.mask.back() = bezier(1002, spans);
+    EXPECT_EQ(partly.text(), Shape().text());
 }
 
 QByteArray exported(Korvane::ShapeExporter const& exporter, ProjectBuilder const& builder,
