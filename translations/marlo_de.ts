@@ -590,4 +590,56 @@ Stellen Sie sicher, dass Sie die nötigen Berechtigungen haben:
         <translation>2D-Tracker-Daten für Dorin FX Kestrelia.</translation>
     </message>
 </context>
+<context>
+    <name>Export::KestreliaSolveExporter</name>
+    <message>
+        <source>Auto feature tracks will not be exported for this solve; please re-solve to get the required data.</source>
+        <translation>Automatische Features werden für diese Lösung nicht exportiert; bitte neu berechnen, um die nötigen Daten zu erhalten.</translation>
+    </message>
+    <message>
+        <source>Could not initialise Kestrelia project</source>
+        <translation>Das Kestrelia-Projekt konnte nicht angelegt werden</translation>
+    </message>
+    <message>
+        <source>Empty Kestrelia project</source>
+        <translation>Leeres Kestrelia-Projekt</translation>
+    </message>
+</context>
+<context>
+    <name>Kestrelia2DTrackersExporter</name>
+    <message>
+        <source>Could not initialise Kestrelia project</source>
+        <translation>Das Kestrelia-Projekt konnte nicht angelegt werden</translation>
+    </message>
+    <message>
+        <source>Names in the project</source>
+        <translation>Namen im Projekt</translation>
+    </message>
+</context>
+<context>
+    <name>KestreliaNames</name>
+    <message>
+        <source>%1 and %2 more</source>
+        <translation>%1 und %2 weitere</translation>
+    </message>
+    <message>
+        <source>Several things have one name: %1. All but the first got numbers.</source>
+        <translation>Mehrere Dinge haben einen Namen: %1. Alle außer dem ersten haben Nummern bekommen.</translation>
+    </message>
+</context>
+<context>
+    <name>MatchmoveScene</name>
+    <message>
+        <source>The camera is the one between the eyes of the stereo rig, which no picture was taken with.</source>
+        <translation>Die Kamera ist die zwischen den Augen des Stereo-Rigs, mit der kein Bild aufgenommen wurde.</translation>
+    </message>
+    <message>
+        <source>The file holds the camera of one eye, that of the first view.</source>
+        <translation>Die Datei enthält die Kamera eines Auges, die der ersten Ansicht.</translation>
+    </message>
+    <message>
+        <source>A model isn&apos;t exported: %1</source>
+        <translation>Ein Modell wird nicht exportiert: %1</translation>
+    </message>
+</context>
 </TS>
