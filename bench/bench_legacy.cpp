@@ -1,4 +1,4 @@
-// The texts for Shake, Avid DS and Quantel and the motion matrices: whole exports over 10,000
+// The texts for Shake, Avid DS, Quantel and Fusion and the motion matrices: whole exports over 10,000
 // frames, of which motion and points are a part, against the digits of the numbers in them;
 // and over twice as many frames.
 
@@ -6,6 +6,7 @@
 #include "ProjectBuilder.h"
 #include "Ratios.h"
 
+#include "Fusion/FusionCompExporter.h"
 #include "Host/KORV_ProjectManager.h"
 #include "Host/ShapeExporter.h"
 #include "Host/TrackingExporter.h"
@@ -149,5 +150,6 @@ int main(int argc, char** argv)
     addBenchmarks<Export::KORV_AvidDSExporter>("avidDS", ratios);
     addBenchmarks<Export::KORV_XmlCornerPinExporter>("quantel", ratios);
     addBenchmarks<Export::KORV_XmlMatricesExporter>("matrices", ratios);
+    addBenchmarks<Export::KORV_FusionCompExporter>("fusion", ratios);
     return Bench::runBenchmarks(argc, argv, ratios);
 }

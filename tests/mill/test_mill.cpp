@@ -627,7 +627,8 @@ QByteArray quotedName(QByteArray name)
 
 /// Whether a text with a name in it is that of a harmless name but for the name, as the
 /// language reads it that the text is in: values of XML, words in quotes, words in braces (in
-/// which none of Tcl's characters may be), or fields of tabs and lines.
+/// which none of Tcl's characters may be), or fields of tabs and lines. Other characters than
+/// Latin letters and digits may have become "_".
 testing::AssertionResult holdsOneField(QByteArray const& text, QString const& name, QByteArray const& harmless,
                                        QByteArray const& harmlessName)
 {
@@ -657,7 +658,9 @@ testing::AssertionResult holdsOneField(QByteArray const& text, QString const& na
     {
         return testing::AssertionFailure() << "a word in braces or quotes holds " << raw.toStdString();
     }
-    return sameBytes(harmless, QByteArray(text).replace(raw, harmlessName));
+    // What a format makes of a name that can't name a variable.
+    QByteArray const safe = QString(name).replace(QRegularExpression("[^A-Za-z0-9]"), "_").toUtf8();
+    return sameBytes(harmless, QByteArray(text).replace(raw, harmlessName).replace(safe, harmlessName));
 }
 
 /// The name as a text has it: names of a stage keep only letters and digits.
