@@ -194,8 +194,7 @@ ExportPlan planExports(Session& session, FormatEntry const& format, ExportChoice
     }
     checkPaths(plan.items);
     unsigned int const clipId = format.kind() == Kind::Lens ? session.clipId(choices.clip) : 0;
-    checkParts(session, format, all,
-               {choices.undistort, writing.unsafeNames, choices.objects, clipId}, plan, record);
+    checkParts(session, format, all, {choices.undistort, writing.unsafeNames, choices.objects, clipId}, plan, record);
     // Of many layers some may have nothing.
     plan.obstacle = plan.items.empty() ? plan.obstacle : QString();
     return plan;

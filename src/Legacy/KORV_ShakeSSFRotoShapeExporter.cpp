@@ -31,7 +31,6 @@
 #include "Host/ExporterHelper.h"
 #include "Host/KORV_Layer.h"
 #include "Host/KORV_ProjectManager.h"
-#include "Host/MessageBox.h"
 #include "Writing/Results.h"
 #include "Writing/Setup.h"
 #include "Writing/TextBuffer.h"
@@ -133,31 +132,6 @@ void requireSize(Layers const& layers, Range const& range)
     requireTextSize(points * NUMBERS_PER_VERTEX * LEAST_NUMBER * (qint64(range.last) - range.first + 1), sizeAdvice());
 }
 
-void warnOfLosses(KORV_ProjectManager const& project, KORV_Layer const& layer)
-{
-    QStringList losses;
-    if (layer.invert().staticValue(Anm::View::defaultView()))
-    {
-        losses += QStringLiteral("the shape file has no place for its inversion, what is inside of its contours shows");
-    }
-    if (layer.blendMode().value(Anm::View::defaultView()) == ZN_BLEND_SUBTRACT)
-    {
-        losses += QStringLiteral("the shape file has no place for its blend mode, it adds instead of subtracting");
-    }
-    for (boost::shared_ptr<Korvane::Contour const> const& contour : layer.activeContours())
-    {
-        if (!contour->isClosed())
-        {
-            losses += QStringLiteral("its open contour \"%1\" is written closed").arg(contour->name());
-        }
-    }
-    QString const title = QStringLiteral("Layer \"%1\"").arg(layer.name());
-    for (QString const& loss : losses)
-    {
-        KORV_MessageBox(&project.callbacks()).warning(title.toStdString(), loss.toStdString(), KORV_MESSAGEBOX_OK);
-    }
-}
-
 /// The twelve numbers of a vertex: x and y of six positions.
 using Vertex = std::array<float, NUMBERS_PER_VERTEX>;
 
@@ -244,7 +218,6 @@ KORV_ShakeSSFRotoShapeExporter::exportShape(KORV_ProjectManager& project, QStrin
     int shapeCount = 0;
     for (boost::shared_ptr<KORV_Layer const> const& layer : layers)
     {
-        warnOfLosses(project, *layer);
         shapes.emplace_back(project, range.first, range.last, *layer, view, OUTLINE_FLAGS, 1.0, QPointF(0, 0),
                             options.viewMode != 0);
         shapeCount += shapes.back().numShapes();

@@ -120,6 +120,13 @@ void withShortInterlacedLayer(ProjectBuilder& project)
     project.layer().contours[0].keys[0].feather = project.layer().contours[0].keys[0].points;
 }
 
+void withOpenInvertedSubtractingLayer(ProjectBuilder& project)
+{
+    project.layer().contours[0].closed = false;
+    project.layer().invert = true;
+    project.layer().subtract = true;
+}
+
 INSTANTIATE_TEST_SUITE_P(
     Choices, Warns,
     testing::Values(
@@ -138,17 +145,24 @@ INSTANTIATE_TEST_SUITE_P(
         Case{{MOTION, "--each-layer", "--clip", "clip"}, {"--objects chooses", "--clip has no effect"}},
         Case{{PIN, "--objects", "all"}, {"--objects has no effect"}}));
 
-INSTANTIATE_TEST_SUITE_P(Losses, Warns,
-                         testing::Values(Case{{FXS, "--layers", "all"},
-                                              {"doesn't hold that layers are hidden: \"Wall\"",
-                                               "holds no groups: layers \"Wall\""},
-                                              withMoreThanFxsHolds},
-                                         Case{{ROTO, "--layers", "all"},
-                                              {"holds no groups", "holds one clip: layers \"Floor\""},
-                                              withMoreThanFxsHolds},
-                                         Case{{PIN}, {}, withMoreThanFxsHolds},
-                                         Case{{ROTO}, {"set the lifetimes of \"Wall\""}, withShortInterlacedLayer},
-                                         Case{{FXS}, {}, withShortInterlacedLayer}));
+INSTANTIATE_TEST_SUITE_P(
+    Losses, Warns,
+    testing::Values(
+        Case{{FXS, "--layers", "all"},
+             {"doesn't hold that layers are hidden: \"Wall\"", "holds no groups: layers \"Wall\""},
+             withMoreThanFxsHolds},
+        Case{{ROTO, "--layers", "all"}, {"holds no groups", "holds one clip: layers \"Floor\""}, withMoreThanFxsHolds},
+        Case{{PIN}, {}, withMoreThanFxsHolds},
+        Case{{ROTO}, {"set the lifetimes of \"Wall\""}, withShortInterlacedLayer},
+        Case{{FXS}, {}, withShortInterlacedLayer},
+        Case{{"shake_rotoshape"},
+             {"holds no open contours: those of layers \"Wall\"", "doesn't hold that layers are inverted: \"Wall\"",
+              "doesn't hold that layers subtract: \"Wall\""},
+             withOpenInvertedSubtractingLayer},
+        Case{{"premiere_shape"},
+             {"holds no open contours", "doesn't hold that layers subtract"},
+             withOpenInvertedSubtractingLayer},
+        Case{{ROTO}, {}, withOpenInvertedSubtractingLayer}));
 
 class Loud : public testing::Test
 {
