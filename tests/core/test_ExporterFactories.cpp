@@ -239,7 +239,8 @@ TEST(ExporterMap, AFailingExporterLeavesTheRowsBeforeItAndTheNextCallStartsOver)
         }
         return std::make_shared<FakeTrackingExporter>();
     };
-    Map exporters({{&T::AE_TRANSFORM, makeFirst, {}}, {&T::AE_POWER_PIN, makeSecond, {}, true}},
+    FormatTraits const traits{{}, {}, "", "", "", {0, 0, 0}};
+    Map exporters({{&T::AE_TRANSFORM, makeFirst, traits}, {&T::AE_POWER_PIN, makeSecond, traits, true}},
                   [](T const& format, TXIHost const*) { return format.internalName() == "after_effects_transform"; });
     EXPECT_EQ(thrown<std::runtime_error>([&] { exporters.built(nullptr); }), QString("no licence"));
     secondFails = false;
