@@ -239,8 +239,8 @@ TEST(ExporterMap, AFailingExporterLeavesTheRowsBeforeItAndTheNextCallStartsOver)
         }
         return std::make_shared<FakeTrackingExporter>();
     };
-    static FormatTraits const TRAITS{{}, {}, "", "", "", FormatBytes(0, 0, 0)};
-    Map exporters({{&T::AE_TRANSFORM, makeFirst, TRAITS}, {&T::AE_POWER_PIN, makeSecond, TRAITS, true}},
+    FormatTraits const traits{{}, {}, "", "", "", {0, 0, 0}};
+    Map exporters({{&T::AE_TRANSFORM, makeFirst, traits}, {&T::AE_POWER_PIN, makeSecond, traits, true}},
                   [](T const& format, TXIHost const*) { return format.internalName() == "after_effects_transform"; });
     EXPECT_EQ(thrown<std::runtime_error>([&] { exporters.built(nullptr); }), QString("no licence"));
     secondFails = false;
