@@ -103,9 +103,14 @@ std::vector<LayerChoice> chooseLayers(Session& session, ExportChoices const& cho
         return {choices.layers ? layersByMode(session, *choices.layers) : currentOrOnlyLayer(session)};
     }
     std::vector<LayerChoice> each;
+    QStringList const names = namesOf(session.layers());
     for (KORV_Layer const* layer : session.layers(choices.layers.value_or(ZN::AllLayers)))
     {
-        each.push_back({layer, {ZN::SelectedLayer, QString()}});
+        // By name where that says which: formats that hold several layers take all that are
+        // selected in the project for the current one.
+        bool const isAlone = names.count(layer->name()) == 1;
+        each.push_back({layer, isAlone ? Export::LayerSelection{ZN::SpecifiedLayer, layer->name()}
+                                       : Export::LayerSelection{ZN::SelectedLayer, QString()}});
     }
     if (each.empty())
     {

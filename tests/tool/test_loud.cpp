@@ -184,6 +184,23 @@ TEST_F(Loud, AllTellsOfAChoiceInOneLineForAllFormats)
     EXPECT_TRUE(run.err.contains("--invert has no effect on camera formats; "));
 }
 
+TEST_F(Loud, EachLayerIsAloneInItsFileWhateverIsSelected)
+{
+    ProjectBuilder project = fullProject();
+    for (MarloHost::LayerModel& layer : project.model.layers)
+    {
+        layer.selected = true;
+    }
+    folder.write("shot.json", project);
+    ASSERT_EQ(folder.run({"export", "shot.json", "kestrelia_2D", "--each-layer", "-o", "o/{layer}"}).status, 0);
+    for (MarloHost::LayerModel const& layer : project.model.layers)
+    {
+        QByteArray const text = folder.read("o/" + layer.name + ".kst");
+        EXPECT_EQ(text.count("group 1 \"" + layer.name.toUtf8() + '"'), 1) << text.constData();
+        EXPECT_EQ(text.count("\n  tracker "), 4);
+    }
+}
+
 TEST_F(Loud, AMeshFormatWithoutAMeshIsSkippedByAllAndRefusedByExport)
 {
     folder.write("shot.json", fullProject());
