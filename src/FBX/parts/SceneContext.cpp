@@ -79,8 +79,7 @@ std::vector<Vector3> SceneContext::adjustRotations(std::vector<Vector3> const& r
         {
             euler = (exporter.*adjust)(euler, isStereoRig, isOldSolve);
         }
-        bool const isKnown = areWritable(std::initializer_list<double>{euler.x, euler.y, euler.z});
-        if (!isOldSolve && isKnown)
+        if (areWritable(std::initializer_list<double>{euler.x, euler.y, euler.z}))
         {
             Mtx_Vector4 const radians = SFMEulerAngles::eul_to_radians(euler);
             previous = previous ? SFMEulerAngles::eul_continued(steadyAtPole(radians, *previous), *previous) : radians;

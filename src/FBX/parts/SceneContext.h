@@ -91,7 +91,7 @@ struct SceneContext
     using Adjust = Mtx_Vector4 (FBX3DExporterBase::*)(Mtx_Vector4 const&, bool, bool) const;
 
     /// Rotations over time as the file has them, each the triple of its rotation that is
-    /// nearest to the one before. Those of an old solve are principal angles.
+    /// nearest to the one before.
     ///
     /// @param adjust an operation of the exporter; null keeps the angles
     std::vector<Sabrel::Vector3> adjustRotations(std::vector<Sabrel::Vector3> const& rotations, Adjust adjust) const;
