@@ -4,13 +4,11 @@ usage: check_premiere_mask.py MARLO_EXPORT SOURCE_DIR SCRATCH_DIR
 """
 
 import base64
-import re
 import struct
 import sys
 from functools import lru_cache
 from typing import Any, Callable, Dict, Iterator, List, Tuple
 from xml.etree import ElementTree
-from xml.sax.saxutils import escape
 
 import numpy as np
 
@@ -28,138 +26,56 @@ VERIFIES = {
 }
 KEY, = VERIFIES
 
-TICKS, NEVER, LENGTH, START = 254016000000, -91445760000000000, 27367929388800, -101606400000000000
+TICKS, NEVER = 254016000000, -91445760000000000
 
 # Allowance for the arithmetic of doubles, in coordinates from 0 to 1.
 ARITHMETIC = 1e-10
-UUID = re.compile(r"[0-9a-f]{8}(-[0-9a-f]{4}){3}-[0-9a-f]{12}")
 
-# ---- the document that is expected; "*" stands for an identifier, "?" for what is judged by its numbers
-
-
-def tag(name: str, content: str = "", **attributes: Any) -> str:
-    return f"<{name}" + "".join(f' {key}="{value}"' for key, value in attributes.items()) + f">{content}</{name}>"
-
-
-def leaves(text: str) -> str:
-    return "".join(tag(name, escape(value)) for name, _, value in (leaf.partition(" ") for leaf in text.split("|")))
-
-
-def parameter(row: Tuple[Any, ...], ident: int, mask: "Mask") -> str:
-    kind, name, number, control, value, lower, upper = row
-    keys, varying = "", False
-    if name == "Mask Opacity":
-        keys, varying = "|Keyframes " + mask.pulse(), True
-    named = f"Name {name}|" if name else ""
-    if kind == "path":
-        return path(named, number, control, ident, len(mask.layer.frames()) > 1)
-    value = str(mask.layer.record.get("invert", False)).lower() if control == 4 else value
-    head = f"{named}IsTimeVarying {str(varying).lower()}|ParameterControlType {control}|StartKeyframe {NEVER},{value},0,0,0,0,0,0"
-    return tag("VideoComponentParam", leaves(f"{head}{keys}|LowerBound {lower}|UpperBound {upper}|ParameterID {number}"),
-               ObjectID=ident, ClassID=kind, Version=8)
-
-
-def path(named: str, number: int, control: int, ident: int, moves: bool, outlines: bool = True) -> str:
-    content = leaves(f"{named}IsTimeVarying {str(moves).lower()}|ParameterControlType {control}|StartKeyframePosition {NEVER}")
-    content += tag("Keyframes", "?") if moves else ""
-    content += tag("StartKeyframeValue", "?", BinaryHash="*", Encoding="base64") if outlines else ""
-    return tag("ArbVideoComponentParam", content + leaves(f"ParameterID {number}"), ObjectID=ident,
-               ClassID="313e54d4-6903-49ad-b0bf-8262cdd10f4e", Version=2)
-
-
-_FLAG, _NUMBER = "cc12343e-f113-4d3b-ae05-b287db77d461", "a4ff2d6e-7ac2-44f8-9d52-17d9ca50e542"
+# Class and version, and what comes before and behind what may be keys.
+_FILTER, _PATH = "d10da199-beea-4dd1-b941-ed3a78766d50 7", "313e54d4-6903-49ad-b0bf-8262cdd10f4e 2"
+_FLAG, _NUMBER = "cc12343e-f113-4d3b-ae05-b287db77d461 8", "a4ff2d6e-7ac2-44f8-9d52-17d9ca50e542 8"
+# Class, name, number, control, value and its bounds.
 PARAMETERS = (
     (_FLAG, "Track:", 1, 11, "false", "false", "false"), (_FLAG, "", 2, 16, "false", "false", "true"),
     (_FLAG, "", 3, 16, "false", "false", "true"), (_FLAG, "", 4, 16, "false", "false", "false"),
-    (_FLAG, "", 5, 12, "false", "false", "false"), ("path", "Mask Path", 6, 22, "", "", ""),
+    (_FLAG, "", 5, 12, "false", "false", "false"), (_PATH, "Mask Path", 6, 22, "", "", ""),
     (_NUMBER, "Mask Feather", 7, 8, 1, 0, 1000), (_NUMBER, "Mask Opacity", 8, 8, 100, 0, 100),
     (_NUMBER, "Mask Expansion", -1, 8, 0, -1000, 1000), (_FLAG, "", -1, 4, "false", "false", "true"),
     (_NUMBER, "", -1, 8, 2, 0, 3))
 
 
-def filter_node(ident: int, params: range, words: str, subs: str, end: str) -> str:
-    listed = "".join(tag("Param", Index=i, ObjectRef=param) for i, param in enumerate(params))
-    component = tag("Component", tag("Params", listed, Version=1) + leaves(words + "|Bypass false|Intrinsic false"), Version=4)
-    return tag("VideoFilterComponent", component + subs + leaves(end), ObjectID=ident,
-               ClassID="d10da199-beea-4dd1-b941-ed3a78766d50", Version=7)
+def objects(root: ElementTree.Element) -> List[ElementTree.Element]:
+    """All in the order in which references lead to them, level by level, which is that of the document."""
+    known = {node.get("ObjectID", node.get("ObjectUID", "root")): node for node in root}
+    order, work = [], ["root"]
+    while work and len(order) <= len(root):
+        node = known.get(work.pop(0))
+        if node is None:
+            raise TextError(f"a reference behind object {len(order)} leads nowhere")
+        order.append(node)
+        work += [at.get("ObjectRef", at.get("ObjectURef")) for at in node.iter() if {"ObjectRef", "ObjectURef"} & set(at.attrib)]
+    numbers = [[node.get("ObjectID") for node in root if "ObjectID" in node.attrib]]
+    numbers += [[child.get("Index") for child in node if "Index" in child.attrib] for node in root.iter()]
+    if order != list(root) or any(found != [str(i) for i in range(len(found))] for found in numbers):
+        raise TextError("objects aren't in the order of their references, or numbers have gaps")
+    return order
 
 
-def document(masks: List["Mask"]) -> ElementTree.Element:
-    """Objects level by level, numbered from 0 behind the root of the tree."""
-    m, rows = len(masks), len(PARAMETERS)
-    clip_rest = ("PosterFrame 0|FrameHold 0|FrameHoldStart {0}|HoldFilters false|DeinterlaceOnHold false|"
-                 "ReverseFieldDominance false|FieldProcessing 0|FrameBlend false|ScaleToFramePolicy 0|AdjustmentLayer false")
-    subs = "".join(tag("SubComponent", Index=i, ObjectRef=6 + i) for i in range(m))
-    parts = [tag("VideoFilterComponentClipboardItem", ObjectRef=0), tag("VideoClipTrackItem", tag(
-        "ClipTrackItem", tag("ComponentOwner", tag("Components", ObjectRef=1), Version=1) + tag("TrackItem", leaves(
-            f"Type 1|MediaType 228cda18-3625-4d2d-951e-348879e4ed93|TrackIndex 0|Start 0|End {LENGTH}"), Version=3)
-        + tag("SubClip", ObjectRef=2) + leaves("IsMuted false"), Version=4)
-        + leaves("FrameRect 0,0,1920,1080|PixelAspectRatio 10000,10000"),
-        ObjectID=0, ClassID="368b0406-29e3-4923-9fcd-094fbf9a1089", Version=5)]
-    parts += [tag("VideoComponentChain", tag("ComponentChain", tag("Components", tag("Component", Index=0, ObjectRef=3), Version=1),
-                                             Version=2), ObjectID=1, ClassID="0970e08a-f58f-4108-b29a-1a717b8e12e2", Version=1)]
-    parts += [tag("SubClip", tag("Clip", ObjectRef=4) + leaves("Name t56_0029_01.MP4|OrigChGrp 0"), ObjectID=2,
-                  ClassID="e0c58dc9-dbdd-4166-aef7-5db7e3f22e84", Version=5)]
-    parts += [filter_node(3, range(5, 6), "ID 1|DisplayName Black & White", tag("SubComponents", subs, Version=1),
-                          "MatchName PR.ADBE Black & White|VideoFilterType 1")]
-    parts += [tag("VideoClip", tag("Clip", tag("Node", tag("Properties", leaves(
-        "asl.clip.label.color 13408882|asl.clip.label.name BE.Prefs.LabelColors.1"), Version=1), Version=1) + tag(
-            "MarkerOwner", tag("Markers", ObjectRef=6 + m), Version=1) + tag("Source", ObjectRef=7 + m) + leaves(
-                f"ClipID *|InPoint 0|OutPoint {LENGTH}|InUse false"), Version=17) + leaves(clip_rest.format(START)),
-        ObjectID=4, ClassID="9308dbef-2440-4acb-9ab2-953b9a4e82ec", Version=10), path("", -1, 9, 5, False, False)]
-    for i, mask in enumerate(masks):
-        parts += [filter_node(6 + i, range(8 + m + rows * i, 8 + m + rows * (i + 1)),
-                              f"ID 0|DisplayName Mask|InstanceName {mask.name}", "", "MatchName AE.ADBE AEMask|VideoFilterType 2")]
-    state = "60f2065b-57c4-affa-8a2a-e54900000024"
-    parts += [tag("Markers", leaves(f"ByGUID byGUID|LastMetadataState {state}|LastContentState {state}"), ObjectID=6 + m,
-                  ClassID="bee50706-b524-416c-9f03-b596ce5f6866", Version=3)]
-    parts += [tag("VideoMediaSource", tag("MediaSource", tag("Content", leaves(
-        f"StartBoundary {START}|EndBoundary {START}|BoundariesAreHard true"), Version=7) + tag("Media", ObjectURef="*"),
-        Version=3) + leaves(f"OriginalDuration {LENGTH}"), ObjectID=7 + m, ClassID="e64ddf74-8fac-4682-8aa8-0e0ca2248949",
-        Version=2)]
-    parts += [parameter(row, 8 + m + rows * i + j, mask) for i, mask in enumerate(masks) for j, row in enumerate(PARAMETERS)]
-    audio = 8 + (rows + 1) * m
-    parts += [tag("Media", tag("AudioStream", ObjectRef=audio) + tag("VideoStream", ObjectRef=audio + 1) + tag(
-        "ModificationState", "\nNgAwAGYAMgAwADYANQBiAC0ANQA3AGMANAAtAGEAZgBmAGEALQA4AGEAMgBhAC0AZQA1ADQAOQAwADAAMAAwADAAMAAyADQA\n",
-        BinaryHash="*", Encoding="base64") + leaves(
-            "FilePath \\File\\Path.MP4|ImplementationID 1fa18bfa-255c-44b1-ad73-56bcd99fceaf|Title Path.MP4|FileKey *|"
-            "Infinite false|OfflineReason 0|CaptureStatus 0|ConformedAudioRate 5292000|IgnoreVideo false|IgnoreAudio false|"
-            "SingleAudioChannel -1|StreamNumber 0|ActualMediaFilePath \\marlo\\rocks.MP4|Start 0|AlternateStart 0|"
-            "UseAlternateStart false|MediaFileHistory0 \\marlo\\rocks.MP4|ContentAndMetadataState *"),
-        ObjectUID="*", ClassID="7a5c103e-f3ac-4391-b6b4-7cc3d2f9a7ff", Version=23)]
-    parts += [tag("AudioStream", leaves(
-        f"SampleType 11|FrameRate 5292000|DisplayFrameRate 5292000|SingleChannel -1|CodecType 0|Duration {LENGTH}|"
-        'ConformedAudioPath \\marlo\\rocks.pek|AudioChannelLayout [{"channellabel":100},{"channellabel":101}]'),
-        ObjectID=audio, ClassID="0b5cf52f-2b85-4863-890b-8844b64ecfe9", Version=6)]
-    parts += [tag("VideoStream", leaves(
-        "CodecType 1297106740|FrameRate 8475667200|OveriddenFrameRate 9223372036854775807|FrameRect 0,0,1920,1080|"
-        "OriginalPAR 10000,10000|OverriddenPAR 1,1|PARIsUncertain false|AlphaType 2|IsAlphaTypeOverridden false|"
-        "OverriddenAlphaType 0|AlphaInfoIsUncertain false|IsIgnoreAlphaOverridden false|OverriddenIgnoreAlpha false|"
-        "IsInvertAlphaOverridden false|OverriddenInvertAlpha false|OriginalAlphaMatteColor 0,0,0|"
-        f"IsAlphaMatteColorOverridden false|OverriddenAlphaMatterColor 0,0,0|Duration {LENGTH}|OriginalFieldType 1|"
-        "OverriddenFieldType 3|FieldTypeIsUncertain false"),
-        ObjectID=audio + 1, ClassID="a36e4719-3ec6-4a0c-ab11-8b4aab377aa5", Version=14)]
-    return ElementTree.fromstring(tag("PremiereData", "".join(parts), Version=3))
+def words(node: ElementTree.Element) -> str:
+    """Class, version and all texts of an object, but for outlines."""
+    hidden = ("Keyframes", "StartKeyframeValue") * node.tag.startswith("Arb")
+    texts = [f"{at.tag} {'' if at.tag in hidden else at.text}" for at in node.iter()
+             if not len(at) and "ObjectRef" not in at.attrib]
+    return "|".join([f"{node.get('ClassID')} {node.get('Version')}", *texts])
 
 
-def compare_elements(found: ElementTree.Element, expected: ElementTree.Element, drawn: List[str]) -> None:
-    """Raises TextError at the first difference; gathers the identifiers that are new in each document."""
-    place = f"{found.tag} {found.get('ObjectID', '')}"
-    texts = [("tag", found.tag, expected.tag), ("attributes", " ".join(sorted(found.attrib)), " ".join(sorted(expected.attrib)))]
-    texts += [(key, found.get(key, ""), value) for key, value in expected.attrib.items()]
-    texts += [("text", (found.text or "").strip(" \n") if len(found) else found.text or "", expected.text or "")]
-    for what, text, wanted in texts:
-        if wanted == "*" and UUID.fullmatch(text):
-            drawn += [text] * (what != "ObjectURef")
-        elif text != wanted and wanted != "?":
-            raise TextError(f"{place}: {what} is {text[:60]!r} instead of {wanted[:60]!r}")
-    if len(found) != len(expected):
-        raise TextError(f"{place}: {len(found)} children instead of {len(expected)}")
-    for pair in zip(found, expected):
-        compare_elements(*pair, drawn)
-
-
-# ---- masks
+def parameter(mask: "Mask", kind: str, name: str, number: int, control: int, value: Any, lower: Any, upper: Any) -> str:
+    keys = {"Mask Opacity": f"|Keyframes {mask.pulse()}", "Mask Path": "|Keyframes " * (len(mask.layer.frames()) > 1)}.get(name, "")
+    value = str(mask.layer.record.get("invert", False)).lower() if control == 4 else value
+    text = f"{kind}|" + f"Name {name}|" * bool(name) + f"IsTimeVarying {str(bool(keys)).lower()}|ParameterControlType {control}|"
+    if kind == _PATH:
+        return text + f"StartKeyframePosition {NEVER}{keys}|StartKeyframeValue |ParameterID {number}"
+    return text + f"StartKeyframe {NEVER},{value},0,0,0,0,0,0{keys}|LowerBound {lower}|UpperBound {upper}|ParameterID {number}"
 
 
 class Mask:
@@ -234,6 +150,7 @@ def judge_path(findings: Findings, node: ElementTree.Element, mask: Mask) -> Non
     if keys.pop() != [""] or any(len(key) != 2 for key in keys):
         raise TextError(f"{mask.name}: keys are not 'ticks,record;'")
     findings.same(f"{mask.name}: first outline", first, keys[0][1])
+    findings.same(f"{mask.name}: numbers of vertices", len({len(record(one)) for _, one in keys}), 1)
     if findings.same(f"{mask.name}: times", [key[0] for key in keys], [str(ticks) for ticks in mask.ticks()]):
         for (_, one), frame in zip(keys, frames):
             findings.add(outline(one, mask.layer, mask.contour, frame, mask.turn))
@@ -242,18 +159,23 @@ def judge_path(findings: Findings, node: ElementTree.Element, mask: Mask) -> Non
 @judging
 def judge(findings: Findings, data: bytes, scene: Scene) -> None:
     masks = [Mask(scene.project, layer, contour) for layer, in scene.layers for contour in layer.contours]
-    text, drawn = decoded(data), []
-    if not text.startswith('<?xml version="1.0" encoding="UTF-8"?>\n<PremiereData Version="3">\n  <VideoFilterC'):
+    if not decoded(data).startswith('<?xml version="1.0" encoding="UTF-8"?>\n<PremiereData Version="3">\n'):
         raise TextError("another head")
     try:
-        root = ElementTree.fromstring(data)
+        nodes = objects(ElementTree.fromstring(data))
     except ElementTree.ParseError as error:
         raise TextError(str(error)) from None
-    compare_elements(root, document(masks), drawn)
-    findings.same("identifiers that are drawn twice", len(drawn) - len(set(drawn)), 0)
-    findings.same("media", root.find(".//Media[@ObjectURef]").get("ObjectURef"), root.find("Media").get("ObjectUID"))
-    for node, mask in zip(root.findall("*[StartKeyframeValue]"), masks):
-        judge_path(findings, node, mask)
+    flat = "|Bypass false|Intrinsic false|MatchName "
+    expected = [f"{_FILTER}|ID 1|DisplayName Black & White{flat}PR.ADBE Black & White|VideoFilterType 1"]
+    expected += [f"{_FILTER}|ID 0|DisplayName Mask|InstanceName {mask.name}{flat}AE.ADBE AEMask|VideoFilterType 2" for mask in masks]
+    expected.insert(1, f"{_PATH}|IsTimeVarying false|ParameterControlType 9|StartKeyframePosition {NEVER}|ParameterID -1")
+    expected += [parameter(mask, *row) for mask in masks for row in PARAMETERS]
+    varying = [node for node in nodes if node.tag.endswith("Param") or node.tag == "VideoFilterComponent"]
+    if findings.same("objects", len(varying), len(expected)):
+        for node, text in zip(varying, expected):
+            findings.same(f"object {node.get('ObjectID')}", words(node), text)
+        for node, mask in zip((node for node in varying if node.find("StartKeyframeValue") is not None), masks):
+            judge_path(findings, node, mask)
 
 
 # ---- faults
@@ -264,7 +186,7 @@ def faults_of(data: bytes) -> Faults:
     for number in faults.places(r'Object(?:U?Ref|ID)="(\d+)"')[:60]:
         faults.put(f"reference {number}", (number, str(int(faults.at(number)) + 1)))
     for name in ("ClassID", "Version", "Index", "ObjectURef", "ObjectUID"):
-        place = faults.place(f' {name}="([^"]*)"', (100, -1))
+        place = faults.place(f' {name}="([^"]*)"', (faults.place("<VideoFilterComponent ")[0], -1) if name < "O" else (0, -1))
         digit = faults.text[place[1] - 1]
         faults.put(f"another {name}", ((place[1] - 1, place[1]), "3" if digit != "3" else "4"))
     faults.drop("object lost", faults.place(r"  <Markers O.*?</Markers>\n"))
