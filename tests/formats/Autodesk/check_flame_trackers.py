@@ -126,7 +126,7 @@ def faults_of(files: Dict[str, bytes]) -> Iterator[Tuple[str, Any]]:
         faults = Faults(data)
         if name.endswith("ascii"):
             faults.drop("a line lost", faults.place(r"^.*?\n"))
-            faults.drop("a column narrower", faults.place(r": "))
+            faults.put("a column narrower", (faults.place(": "), ":"))
             faults.put("a field late", (faults.place(r"^[^:]*"), f"{float(faults.text[:7]) + 0.5:6.2f} "))
             for column in (0, 1):
                 faults.off(f"column {column}", faults.places(r"[-.\d]+")[4 + column], last_units_off)
@@ -143,9 +143,8 @@ def faults_of(files: Dict[str, bytes]) -> Iterator[Tuple[str, Any]]:
             faults.drop("key lost", faults.place(r"\tKey 3\n.*?End\n"))
             faults.swap("slopes swapped", faults.places("RightSlope")[1:2], faults.places("LeftSlope")[0:1])
             faults.swap("colours swapped", faults.places("255 0 0")[:1], faults.places("0 255 0")[:1])
-            for words in ("NbTrackers 4", "FrameHeight 5", "AnimRefFrame 1", "Size 1", "KeyVersion 1", "offset/x", "no\nEnd"):
-                if words in faults.text:
-                    faults.replace(f"{words} changed", words, words[:-1] + "7")
+            for words in ("NbTrackers 4", "FrameHeight 5", "AnimRefFrame ", "Size 1", "KeyVersion 1", "offset/x", "Padding"):
+                faults.replace(f"{words} changed", words, words[:-1] + "7")
             faults.replace("end lost", "End\n", "", last=True)
         yield from ((f"{fault}, {name}", {**files, name: text}) for fault, text in faults)
 

@@ -53,7 +53,7 @@ def objects(root: ElementTree.Element) -> List[ElementTree.Element]:
         if node is None:
             raise TextError(f"a reference behind object {len(order)} leads nowhere")
         order.append(node)
-        work += [at.get("ObjectRef", at.get("ObjectURef")) for at in node.iter() if {"ObjectRef", "ObjectURef"} & set(at.attrib)]
+        work += [at.get(name) for at in node.iter() for name in ("ObjectRef", "ObjectURef") if name in at.attrib]
     numbers = [[node.get("ObjectID") for node in root if "ObjectID" in node.attrib]]
     numbers += [[child.get("Index") for child in node if "Index" in child.attrib] for node in root.iter()]
     if order != list(root) or any(found != [str(i) for i in range(len(found))] for found in numbers):
@@ -70,12 +70,15 @@ def words(node: ElementTree.Element) -> str:
 
 
 def parameter(mask: "Mask", kind: str, name: str, number: int, control: int, value: Any, lower: Any, upper: Any) -> str:
-    keys = {"Mask Opacity": f"|Keyframes {mask.pulse()}", "Mask Path": "|Keyframes " * (len(mask.layer.frames()) > 1)}.get(name, "")
+    moves = len(mask.layer.frames()) > 1
+    keys = {"Mask Opacity": f"|Keyframes {mask.pulse()}", "Mask Path": "|Keyframes " * moves}.get(name, "")
     value = str(mask.layer.record.get("invert", False)).lower() if control == 4 else value
-    text = f"{kind}|" + f"Name {name}|" * bool(name) + f"IsTimeVarying {str(bool(keys)).lower()}|ParameterControlType {control}|"
+    text = f"{kind}|" + f"Name {name}|" * bool(name)
+    text += f"IsTimeVarying {str(bool(keys)).lower()}|ParameterControlType {control}|"
     if kind == _PATH:
         return text + f"StartKeyframePosition {NEVER}{keys}|StartKeyframeValue |ParameterID {number}"
-    return text + f"StartKeyframe {NEVER},{value},0,0,0,0,0,0{keys}|LowerBound {lower}|UpperBound {upper}|ParameterID {number}"
+    text += f"StartKeyframe {NEVER},{value},0,0,0,0,0,0{keys}"
+    return text + f"|LowerBound {lower}|UpperBound {upper}|ParameterID {number}"
 
 
 class Mask:
@@ -165,10 +168,10 @@ def judge(findings: Findings, data: bytes, scene: Scene) -> None:
         nodes = objects(ElementTree.fromstring(data))
     except ElementTree.ParseError as error:
         raise TextError(str(error)) from None
-    flat = "|Bypass false|Intrinsic false|MatchName "
-    expected = [f"{_FILTER}|ID 1|DisplayName Black & White{flat}PR.ADBE Black & White|VideoFilterType 1"]
-    expected += [f"{_FILTER}|ID 0|DisplayName Mask|InstanceName {mask.name}{flat}AE.ADBE AEMask|VideoFilterType 2" for mask in masks]
-    expected.insert(1, f"{_PATH}|IsTimeVarying false|ParameterControlType 9|StartKeyframePosition {NEVER}|ParameterID -1")
+    on, mask_type = "|Bypass false|Intrinsic false|MatchName ", "AE.ADBE AEMask|VideoFilterType 2"
+    expected = [f"{_FILTER}|ID 1|DisplayName Black & White{on}PR.ADBE Black & White|VideoFilterType 1",
+                f"{_PATH}|IsTimeVarying false|ParameterControlType 9|StartKeyframePosition {NEVER}|ParameterID -1"]
+    expected += [f"{_FILTER}|ID 0|DisplayName Mask|InstanceName {mask.name}{on}{mask_type}" for mask in masks]
     expected += [parameter(mask, *row) for mask in masks for row in PARAMETERS]
     varying = [node for node in nodes if node.tag.endswith("Param") or node.tag == "VideoFilterComponent"]
     if findings.same("objects", len(varying), len(expected)):
@@ -185,27 +188,29 @@ def faults_of(data: bytes) -> Faults:
     faults = Faults(data)
     for number in faults.places(r'Object(?:U?Ref|ID)="(\d+)"')[:60]:
         faults.put(f"reference {number}", (number, str(int(faults.at(number)) + 1)))
-    for name in ("ClassID", "Version", "Index", "ObjectURef", "ObjectUID"):
-        place = faults.place(f' {name}="([^"]*)"', (faults.place("<VideoFilterComponent ")[0], -1) if name < "O" else (0, -1))
-        digit = faults.text[place[1] - 1]
-        faults.put(f"another {name}", ((place[1] - 1, place[1]), "3" if digit != "3" else "4"))
+    of_filter = "<VideoFilterComponent [^>]*"
+    for name in (of_filter + "ClassID", of_filter + "Version", " Index", "ObjectURef", "ObjectUID"):
+        end = faults.place(f'{name}="([^"]*)"')[1]
+        faults.put(f"another {name}", ((end - 1, end), "3" if faults.text[end - 1] != "3" else "4"))
     faults.drop("object lost", faults.place(r"  <Markers O.*?</Markers>\n"))
     faults.drop("element lost", faults.place(r"<LowerBound>0</LowerBound>"))
-    faults.swap("bounds swapped", faults.places("<LowerBound>0<.LowerBound>")[1:2], faults.places("<UpperBound>100<.UpperBound>"))
+    faults.swap("bounds swapped", faults.places("(0)</Low")[1:2], faults.places("(100)</Up"))
     for name, old, new in (("inverted", r",(true),0", "false"), ("name", r"<InstanceName>(.)", "x"),
                            ("opacity", r",(100),4", "99"), ("held", r",100,(4)", "5")):
         faults.put(name, (faults.place(old), new))
     for i in range(3):
-        faults.edit(f"opacity key {i}", faults.places(r"(-?\d+),\d+,4,0")[i:i + 1], lambda ticks: str(int(ticks) + TICKS // 25))
+        faults.edit(f"opacity key {i}", faults.places(r"(\d+),\d+,4,0")[i:i + 1], lambda at: str(int(at) + TICKS // 25))
     keys = faults.places(r"\d+,[\w+/=]+;", faults.place(r"<Keyframes>(-?\d+,\w[^<]*)"))
     outlines = [faults.place(r",([^;]+)", key) for key in keys]
     faults.drop("first key lost", keys[0])
     faults.drop("a key lost", keys[4])
     faults.late("outlines a key late", outlines)
     faults.edit("a tick", [faults.place(r"\d+", keys[3])], lambda ticks: str(int(ticks) + 1))
-    faults.put("another first outline", (faults.place(r'<StartKeyframeValue[^>]*>([^<]{40}[^<]*)', (keys[-1][1], -1)), faults.at(outlines[1])))
+    start = faults.place(r"<StartKeyframeValue[^>]*>([^<]{40}[^<]*)", (keys[-1][1], -1))
+    faults.put("another first outline", (start, faults.at(outlines[1])))
     spoil = {"y flipped": lambda at: at * [1, -1] + [0, 1], "handles swapped": lambda at: at[:, [0, 2, 1]],
-             "turned": lambda at: np.roll(at[::-1, [0, 2, 1]], 1, axis=0), "from the next": lambda at: np.roll(at, 1, axis=0),
+             "counter-clockwise": lambda at: np.roll(at[::-1, [0, 2, 1]], 1, axis=0),
+             "from the next": lambda at: np.roll(at, 1, axis=0),
              "vertex lost": lambda at: at[1:], "axes swapped": lambda at: at[..., ::-1],
              "relative": lambda at: at - at[:, :1] * [[0], [1], [1]]}
     spoil.update({f"number {i}": _nudged(i) for i in range(12, 18)})
