@@ -16,13 +16,11 @@ from findings import Findings, judging
 from planar import PlanarLayer, Shot, crossings
 from texts import Lines, TextError, decoded, half_units, last_units_off, six_digits
 
-_COLUMNS = "frames in columns of 6, points in columns of 10 and within half a unit of their second decimal"
-_KEYS = "ref, shift, slopes and ref - shift within half a unit of the sixth digits that they are made of"
 VERIFIES = {
-    "flame_point_tracker": _COLUMNS,
-    "flame_point_tracker_2014": _COLUMNS,
-    "flame_stabilizer": _KEYS,
-    "flame_stabilizer_2014": _KEYS,
+    "flame_point_tracker": "each number within half a unit of its second decimal",
+    "flame_point_tracker_2014": "each number within half a unit of its second decimal",
+    "flame_stabilizer": "each number, and ref - shift, within half a unit of the sixth digits that it is made of",
+    "flame_stabilizer_2014": "each number, and ref - shift, within half a unit of the sixth digits that it is made of",
 }
 
 # Allowance for the arithmetic of doubles: coordinates go through a few homographies.
@@ -141,8 +139,8 @@ def faults_of(files: Dict[str, bytes]) -> Iterator[Tuple[str, Any]]:
             for name_of, place in (("ref", values[0]), ("shift", values[13]), ("slope", slopes[3]), ("box", values[2])):
                 faults.off(name_of, place)
             faults.drop("key lost", faults.place(r"\tKey 3\n.*?End\n"))
-            faults.swap("slopes swapped", faults.places("RightSlope")[1:2], faults.places("LeftSlope")[0:1])
-            faults.swap("colours swapped", faults.places("255 0 0")[:1], faults.places("0 255 0")[:1])
+            for one, other in (("LeftSlope", "RightSlope"), ("255 0 0", "0 255 0"), (r"tracker(\S+)/ref/x",) * 2):
+                faults.swap(f"{one} swapped", faults.places(one)[:1], faults.places(other)[1:2])
             for words in ("NbTrackers 4", "FrameHeight 5", "AnimRefFrame ", "Size 1", "KeyVersion 1", "offset/x", "Padding"):
                 faults.replace(f"{words} changed", words, words[:-1] + "7")
             faults.replace("end lost", "End\n", "", last=True)
