@@ -146,12 +146,14 @@ def faults_of(files: Dict[str, bytes]) -> Iterator[Tuple[str, Any]]:
             faults.replace("end lost", "End\n", "", last=True)
         yield from ((f"{fault}, {name}", {**files, name: text}) for fault, text in faults)
 
+
 def body(check: Check) -> None:
     strong, gentle, fields, one = (shots.hand_made(shots.STRONG), shots.hand_made(shots.GENTLE), shots.interlaced(),
                                    shots.hand_made(shots.STRONG))
     del one["clips"][0]["frameOffset"]
     cases = (("strong", strong, {}, ()), ("from frame 1", one, {"track": "basic"}, ("--track", "basic")),
              ("another reference", strong, {"reference": 19}, ("--reference-frame", "1020")),
+             ("reference before the layer", strong, {"reference": 2}, ("--reference-frame", "1003")),
              ("offset", strong, {"track": "offset"}, ("--track", "offset")),
              ("inverted", gentle, {"invert": True}, ("--invert",)), ("fields", fields, {}, ()))
     for key in VERIFIES:
