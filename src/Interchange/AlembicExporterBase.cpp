@@ -11,6 +11,7 @@
 
 #include "Host/KORV_Layer.h"
 #include "Host/KORV_ProjectManager.h"
+#include "Host/MeshTracking.h"
 #include "Host/ZN_ClipInfo.h"
 #include "Interchange/parts/AlembicArchive.h"
 #include "Writing/Results.h"
@@ -77,7 +78,9 @@ QByteArray AlembicExporterBase::exportScene(std::string const& name, std::string
                 {QStringLiteral("DontShowAlembicNamesInfoMsg"), QStringLiteral("Alembic"), contents.names.renamed()});
         }
     };
-    return writeAlembic(alembicTime(m_helper, static_cast<int>(m_helper.firstFrame().value())), fill);
+    qint64 const vertices = mesh ? static_cast<qint64>(mesh->vertices().size()) : 0;
+    return writeAlembic(alembicTime(m_helper, static_cast<int>(m_helper.firstFrame().value())),
+                        vertices * m_helper.numFrames() * bytesOfVertex(), fill);
 }
 
 Korvane::TrackingExporterHelper const& AlembicExporterBase::helper() const

@@ -53,6 +53,9 @@ private:
     virtual int exportGeometry(std::string const& name, ZN::MeshTracking::ParameterSet const& mesh,
                                AlembicContents& contents) const = 0;
 
+    /// What a vertex takes in a frame at least, in bytes: its numbers.
+    virtual qint64 bytesOfVertex() const = 0;
+
     /// The bytes of an archive with the camera and, where there is a mesh, what
     /// exportGeometry() makes of it. Failures and notices go to the result.
     QByteArray exportScene(std::string const& name, std::string const& cameraName,

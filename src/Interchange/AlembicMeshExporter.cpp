@@ -9,7 +9,6 @@
 
 #include "Host/MeshTracking.h"
 #include "Interchange/parts/AlembicArchive.h"
-#include "Interchange/parts/AlembicMemory.h"
 #include "Interchange/parts/MeshPositions.h"
 
 namespace Export
@@ -18,17 +17,19 @@ namespace Export
 AlembicMeshExporter::AlembicMeshExporter() = default;
 AlembicMeshExporter::~AlembicMeshExporter() = default;
 
+qint64 AlembicMeshExporter::bytesOfVertex() const
+{
+    return sizeof(Imath::V3f);
+}
+
 int AlembicMeshExporter::exportGeometry(std::string const& name, ZN::MeshTracking::ParameterSet const& mesh,
                                         AlembicContents& contents) const
 {
     namespace Abc = Alembic::AbcGeom;
-    int const frames = helper().numFrames();
-    refuseMoreThanFits(static_cast<qint64>(mesh.vertices().size() * sizeof(Abc::V3f)) * frames);
-
     Abc::OPolyMesh object(contents.top, contents.names.claim(QString::fromStdString(name)), contents.timeSampling);
     std::vector<int> const faceIndices = clockwise(mesh.faceCounts(), mesh.faceIndices());
     MeshPositions positions(helper(), mesh);
-    for (int row = 0; row < frames; ++row)
+    for (int row = 0; row < helper().numFrames(); ++row)
     {
         Abc::OPolyMeshSchema::Sample sample{Abc::P3fArraySample(positions.nextFrame())};
         if (row == 0)

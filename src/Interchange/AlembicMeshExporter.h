@@ -13,6 +13,7 @@ public:
     ~AlembicMeshExporter() override;
 
 private:
+    qint64 bytesOfVertex() const override;
     int exportGeometry(std::string const& name, ZN::MeshTracking::ParameterSet const& mesh,
                        AlembicContents& contents) const override;
 };

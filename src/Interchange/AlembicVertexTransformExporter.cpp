@@ -11,7 +11,6 @@
 
 #include "Host/MeshTracking.h"
 #include "Interchange/parts/AlembicArchive.h"
-#include "Interchange/parts/AlembicMemory.h"
 #include "Interchange/parts/MeshPositions.h"
 
 namespace Export
@@ -21,9 +20,6 @@ namespace
 {
 
 namespace Abc = Alembic::AbcGeom;
-
-/// What a vertex takes in the file for each frame, at least: the numbers of its translation.
-constexpr qint64 BYTES_OF_A_FRAME = 3 * sizeof(double);
 
 void writeVertex(AlembicContents& contents, QString const& prefix, std::size_t vertex,
                  std::vector<Imath::V3f> const& positions)
@@ -54,13 +50,16 @@ void writeVertex(AlembicContents& contents, QString const& prefix, std::size_t v
 AlembicVertexTransformExporter::AlembicVertexTransformExporter() = default;
 AlembicVertexTransformExporter::~AlembicVertexTransformExporter() = default;
 
+qint64 AlembicVertexTransformExporter::bytesOfVertex() const
+{
+    return sizeof(Imath::V3d);
+}
+
 int AlembicVertexTransformExporter::exportGeometry(std::string const& name, ZN::MeshTracking::ParameterSet const& mesh,
                                                    AlembicContents& contents) const
 {
     std::size_t const vertices = mesh.vertices().size();
     int const frames = helper().numFrames();
-    refuseMoreThanFits(static_cast<qint64>(vertices) * frames * BYTES_OF_A_FRAME);
-
     MeshPositions const positions(helper(), mesh);
     std::vector<Imath::Box3d> bounds(static_cast<std::size_t>(frames));
     int failed = 0;

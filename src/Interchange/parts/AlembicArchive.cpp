@@ -62,9 +62,13 @@ std::vector<int> clockwise(std::vector<int> const& faceCounts, std::vector<int> 
     return faceIndices;
 }
 
-QByteArray writeAlembic(AlembicTime const& time, std::function<void(AlembicContents&)> const& fill)
+QByteArray writeAlembic(AlembicTime const& time, qint64 leastSize, std::function<void(AlembicContents&)> const& fill)
 {
-    AlembicMemory memory;
+    refuseMoreThanFits(leastSize);
+    // Names, tables and bounds come on top.
+    constexpr qint64 HEADS = 65536;
+    constexpr qint64 OF_SAMPLES = 64;
+    AlembicMemory memory(leastSize + leastSize / OF_SAMPLES + HEADS);
     std::ostream stream(&memory);
     try
     {

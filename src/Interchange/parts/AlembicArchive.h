@@ -56,8 +56,10 @@ std::vector<int> clockwise(std::vector<int> const& faceCounts, std::vector<int> 
 /// Makes an archive. The file is complete once the last handle on one of its objects is gone,
 /// so `fill` must not keep any.
 ///
+/// @param leastSize what the samples take at least, in bytes
 /// @throws KORV_ExternalException with the words of the library where it refuses something
-/// @throws KORV_OperationFailed when there isn't room for the file
-QByteArray writeAlembic(AlembicTime const& time, std::function<void(AlembicContents&)> const& fill);
+/// @throws KORV_OperationFailed when there isn't room for the file, before anything is computed
+///         where `leastSize` says so
+QByteArray writeAlembic(AlembicTime const& time, qint64 leastSize, std::function<void(AlembicContents&)> const& fill);
 
 }

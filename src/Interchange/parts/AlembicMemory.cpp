@@ -31,8 +31,9 @@ void refuseMoreThanFits(qint64 bytes, qint64 largest)
     }
 }
 
-AlembicMemory::AlembicMemory(qint64 largest) : m_largest(largest)
+AlembicMemory::AlembicMemory(qint64 expected, qint64 largest) : m_largest(largest)
 {
+    m_bytes.reserve(static_cast<int>(std::clamp<qint64>(expected, 0, m_largest)));
 }
 
 QByteArray AlembicMemory::take()

@@ -20,8 +20,10 @@ void refuseMoreThanFits(qint64 bytes, qint64 largest = TextBuffer::LARGEST);
 class AlembicMemory : public std::streambuf
 {
 public:
+    /// @param expected about how many bytes the file will have: as many as that don't move when
+    ///        others follow
     /// @param largest what the file may have at most, in bytes
-    explicit AlembicMemory(qint64 largest = TextBuffer::LARGEST);
+    explicit AlembicMemory(qint64 expected, qint64 largest = TextBuffer::LARGEST);
 
     /// What was written.
     /// @throws KORV_OperationFailed when there wasn't room for all of it

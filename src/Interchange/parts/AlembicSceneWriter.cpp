@@ -17,7 +17,6 @@
 #include "Interchange/parts/AlembicSceneWriter.h"
 
 #include "Interchange/parts/AlembicArchive.h"
-#include "Interchange/parts/AlembicMemory.h"
 #include "Interchange/parts/AlembicScreen.h"
 #include "Interchange/parts/SceneBounds.h"
 #include "Writing/ThrowHelpers.h"
@@ -344,9 +343,8 @@ qint64 leastSize(KestreliaLib::Scene const& scene)
 
 QByteArray writeAlembicScene(KestreliaLib::Scene const& scene, double scale, QStringList& messages)
 {
-    refuseMoreThanFits(leastSize(scene));
     auto const fill = [&](AlembicContents& contents) { SceneWriter(scene, scale, contents, messages).write(); };
-    return writeAlembic(timeOf(scene), fill);
+    return writeAlembic(timeOf(scene), leastSize(scene), fill);
 }
 
 }

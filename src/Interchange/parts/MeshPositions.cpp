@@ -51,28 +51,25 @@ bool areAllWritable(std::vector<Mtx_Vector2_f> const& points)
 /// The box around points that are finite.
 Imath::Box2f boxOf(std::vector<Imath::V3f> const& points)
 {
-    // Four at a time, so that they don't wait for one another.
-    constexpr std::size_t LANES = 4;
-    float low[LANES][2];
-    float high[LANES][2];
-    std::fill(&low[0][0], &low[0][0] + 2 * LANES, std::numeric_limits<float>::max());
-    std::fill(&high[0][0], &high[0][0] + 2 * LANES, std::numeric_limits<float>::lowest());
-    for (std::size_t i = 0; i < points.size(); ++i)
+    // Two points at a time, which the compiler puts into one register.
+    float low[4];
+    float high[4];
+    std::fill_n(low, 4, std::numeric_limits<float>::max());
+    std::fill_n(high, 4, std::numeric_limits<float>::lowest());
+    std::size_t const count = points.size();
+    for (std::size_t i = 0; i < count; i += 2)
     {
-        std::size_t const lane = i % LANES;
-        float const at[2] = {points[i].x, points[i].y};
-        for (int axis = 0; axis < 2; ++axis)
+        Imath::V3f const& first = points[i];
+        Imath::V3f const& second = points[std::min(i + 1, count - 1)];
+        float const at[4] = {first.x, first.y, second.x, second.y};
+        for (int k = 0; k < 4; ++k)
         {
-            low[lane][axis] = at[axis] < low[lane][axis] ? at[axis] : low[lane][axis];
-            high[lane][axis] = at[axis] > high[lane][axis] ? at[axis] : high[lane][axis];
+            low[k] = at[k] < low[k] ? at[k] : low[k];
+            high[k] = at[k] > high[k] ? at[k] : high[k];
         }
     }
-    Imath::Box2f box;
-    for (std::size_t lane = 0; lane < std::min(LANES, points.size()); ++lane)
-    {
-        box.extendBy(Imath::Box2f({low[lane][0], low[lane][1]}, {high[lane][0], high[lane][1]}));
-    }
-    return box;
+    return Imath::Box2f({std::min(low[0], low[2]), std::min(low[1], low[3])},
+                        {std::max(high[0], high[2]), std::max(high[1], high[3])});
 }
 
 }
@@ -105,9 +102,14 @@ void MeshPositions::takeRow()
         at.y /= PIXELS_PER_UNIT;
     }
     bool const areFine = areAllWritable(m_seen);
-    for (std::size_t i = 0; i < m_seen.size(); ++i)
+    for (std::size_t i = 0; areFine && i < m_seen.size(); ++i)
     {
-        if (areFine || isWritable(m_seen[i]))
+        m_row[i].x = m_seen[i].x;
+        m_row[i].y = m_seen[i].y;
+    }
+    for (std::size_t i = 0; !areFine && i < m_seen.size(); ++i)
+    {
+        if (isWritable(m_seen[i]))
         {
             m_row[i].x = m_seen[i].x;
             m_row[i].y = m_seen[i].y;
