@@ -467,6 +467,26 @@ constexpr SizedProject SIZED_PROJECTS[] = {
     {"many X-splines", true, 6, true, 0},
 };
 
+/// Lets a row of numbers go on to a last frame, so that no frame is like another: some formats
+/// hold equal samples once.
+template <typename Rows>
+void moveOn(Rows& rows, int frame, std::vector<double> Rows::*member)
+{
+    std::vector<double>& numbers = rows.*member;
+    std::size_t const width = numbers.size() / (rows.frames.size() - 1);
+    for (std::size_t i = 0; i < width; ++i)
+    {
+        numbers.push_back(numbers[numbers.size() - width] + 0.123 * frame);
+    }
+}
+
+void moveOn(MarloHost::PoseModel& pose, int frame)
+{
+    pose.frames.push_back(frame);
+    moveOn(pose, frame, &MarloHost::PoseModel::positions);
+    moveOn(pose, frame, &MarloHost::PoseModel::rotations);
+}
+
 ProjectBuilder projectOf(SizedProject const& sized)
 {
     constexpr int MANY_FRAMES = 500;
@@ -480,6 +500,11 @@ ProjectBuilder projectOf(SizedProject const& sized)
                     return ProjectBuilder::similarity(960.123, 540.321, 0.001 * frame, 1 + 1e-4 * frame, 0.37 * frame,
                                                       1);
                 });
+        auto& mesh = builder.layer().mesh->tracks[0];
+        mesh.frames.push_back(MANY_FRAMES - 1);
+        moveOn(mesh, MANY_FRAMES - 1, &MarloHost::MeshTrackModel::positions);
+        moveOn(builder.model.solve->camera.pose, MANY_FRAMES - 1);
+        moveOn(builder.layer().pose, MANY_FRAMES - 1);
     }
     for (int i = 0; i < sized.extraContours; ++i)
     {

@@ -66,7 +66,7 @@ constexpr FormatBytes MATRIX_ELEMENTS(700, 0, 0);
 constexpr FormatBytes CORNER_ELEMENTS(820, 0, 0);
 constexpr FormatBytes PIN_ROWS(4 * KEYFRAME_ROW, 0, 0);
 constexpr FormatBytes FLAME_LINES(5 * 30, 0, 0);
-constexpr FormatBytes STABILIZER_KEYS(4 * 2 * 130, 0, 0);
+constexpr FormatBytes STABILIZER_KEYS(4 * 2 * 130, 0, 0, 12000);
 constexpr FormatBytes TRANSFORM_ROWS(3 * KEYFRAME_ROW, 0, 0);
 constexpr FormatBytes PIN_CURVES(4 * 2 * CURVE_KEY, 0, 0);
 constexpr FormatBytes MESH_CURVES(4 * CURVE_KEY, 512, 2 * CURVE_KEY);
