@@ -228,6 +228,29 @@ TEST_F(Loud, GapsThatAreAcceptedAreToldButAreNoFailures)
     EXPECT_EQ(folder.run({"export", "broken.json", AE_PIN, "-o", "c", "--accept-gaps"}).status, 4);
 }
 
+TEST_F(Loud, ShapesTellOfGapsAsTracksDo)
+{
+    ProjectBuilder project = movingProject("Wall", 4);
+    MarloHost::ContourModel contour;
+    contour.name = "edge";
+    contour.keys.push_back({0, {9, 9, 0, 0, 0, 0, 90, 9, 0, 0, 0, 0, 90, 90, 0, 0, 0, 0}, {}});
+    project.layer().contours = {contour};
+    auto& track = project.layer().tracks[0];
+    track.frames = {0, 3};
+    track.homographies.resize(18);
+    folder.write("gaps.json", project);
+    for (QString const& format : {QString(ROTO), QString(FXS), QString("after_effects_mask")})
+    {
+        ToolResult const told = folder.run({"export", "gaps.json", format, "-o", "a/", "--overwrite", "--json"});
+        EXPECT_EQ(told.status, 4) << format.toStdString() << told.err.toStdString();
+        ASSERT_EQ(told.json().at("messages").size(), 2u) << format.toStdString();
+        std::string const first = told.json().at("messages").at(0);
+        EXPECT_NE(first.find(": Frame 1002: no tracking data, frame 1001 stands in for it"), std::string::npos)
+            << first;
+        EXPECT_EQ(folder.run({"export", "gaps.json", format, "-o", "b/", "--accept-gaps", "--overwrite"}).status, 0);
+    }
+}
+
 TEST_F(Loud, NamesThatLeaveTheirFieldAreRefusedBeforeAnythingIsWritten)
 {
     struct

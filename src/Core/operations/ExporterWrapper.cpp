@@ -2,7 +2,9 @@
 
 #include "Core/ExportFunctions.h"
 #include "Core/ExporterFactories.h"
+#include "Core/FormatList.h"
 #include "Core/LensExporter.h"
+#include "Core/operations/ShapeGaps.h"
 #include "Host/CameraSolveExporter.h"
 #include "Host/ExporterHelper.h"
 #include "Host/KORV_Layer.h"
@@ -11,6 +13,7 @@
 #include "Host/Scene3D.h"
 #include "Host/ShapeExporter.h"
 #include "Host/TrackingExporter.h"
+#include "Writing/Results.h"
 
 #include <QFileInfo>
 #include <QList>
@@ -192,6 +195,16 @@ Korvane::ExportedFiles ShapeExporterWrapper::getExportResult(KORV_ProjectManager
             result.messages.append(QStringLiteral("%1: %2").arg(path, QString::fromUtf8(entry.value())));
         }
     }
+    // One place tells of gaps for the exporters of all formats, the host's own among them.
+    bool const holdsViews = FormatEntry(m_format).traits().honours.testFlag(HonoursViews);
+    std::vector<Anm::View> views =
+        options.views.empty() ? std::vector<Anm::View>{Anm::View::defaultView()} : options.views;
+    views.resize(holdsViews ? views.size() : 1, views.front());
+    appendFailures(
+        result, path,
+        standInFrames(project,
+                      Korvane::ShapeExportHelper::getLayersToExport(project, options.layerExportMode, {layerId}),
+                      views));
     return result;
 }
 
