@@ -109,8 +109,7 @@ class Judge:
         findings = self.findings
         findings.same("other nodes", [n.name for i, n in enumerate(self.scene.nodes) if i not in self.taken], [])
         names = [node.name for node in self.scene.nodes]
-        findings.same("names of several nodes", sorted({name for name in names if names.count(name) > 1}
-                                                       if len(names) < 500 else set()), [])
+        findings.same("number of different names", len(set(names)), len(names))
 
     # ---- the file
 
@@ -216,7 +215,10 @@ class Judge:
     def judge_nodes(self) -> None:
         """Nodes of one holder stand in the file in the order of the project."""
         scene, contents = self.scene, self.contents
-        waiting = {i: [child for child in scene.children(i) if child != self.camera] for i in range(len(scene.nodes))}
+        waiting: Dict[int, List[int]] = {i: [] for i in range(len(scene.nodes))}
+        for child, node in enumerate(scene.nodes):
+            if node.parent is not None and child != self.camera:
+                waiting[node.parent].append(child)
 
         def taken(holder: int, name: str) -> int:
             if not waiting[holder]:
@@ -343,7 +345,7 @@ def prove(check: Check, case: Case) -> None:
 
 
 def all_cases(check: Check) -> Iterator[Case]:
-    yield from solve_cases.cases(check.json("samples/castle.json"))
+    yield from list(solve_cases.cases(check.json("samples/castle.json")))[1:]
     yield from solve_cases.scene_cases()
     for mode in ("parallel", "converged"):
         yield Case(f"{mode} rig", scene_shots.rig(mode), view="all")

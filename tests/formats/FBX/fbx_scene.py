@@ -67,9 +67,6 @@ class Scene:
     nodes: List[Node]
     times: np.ndarray
 
-    def children(self, parent: int) -> List[int]:
-        return [i for i, node in enumerate(self.nodes) if node.parent == parent]
-
 
 def read(data: bytes, scratch: Path) -> Scene:
     """Raises ValueError when ufbx refuses the file, or falls over it."""
