@@ -28,7 +28,7 @@ from checking import Check
 from fbx_scene import Node, Scene
 from findings import Findings, judging
 from reprojection import ARITHMETIC, Camera
-from scene_model import Placement, static_xyz
+from scene_model import Placement, keyed, static_xyz
 from solve_cases import Case
 from solve_scene import SINGLE, SceneContents
 
@@ -73,11 +73,11 @@ class Placed:
         if np.ptp(rows[:, 7:], axis=1).max() > 1e-12:
             raise ValueError(f"{node.name} is scaled by {rows[0, 7:]}")
         place = Placement(rows[:, :3], quaternion_matrices(rows[:, 3:7]), rows[:, 7])
-        keyed = {name: np.array([[abs(curve.values).max()] for (of, _), curve in node.curves.items() if of == name])
+        sizes = {name: np.array([[abs(curve.values).max()] for (of, _), curve in node.curves.items() if of == name])
                  for name in ("Lcl Translation", "Lcl Rotation", "Lcl Scaling")}
-        off = SINGLE * np.linalg.norm(rows[:, :3], axis=1) * bool(keyed["Lcl Translation"].size)
-        turn = SINGLE * np.radians(keyed["Lcl Rotation"].sum())
-        size = SINGLE * bool(keyed["Lcl Scaling"].size)
+        off = SINGLE * np.linalg.norm(rows[:, :3], axis=1) * bool(sizes["Lcl Translation"].size)
+        turn = SINGLE * np.radians(sizes["Lcl Rotation"].sum())
+        size = SINGLE * bool(sizes["Lcl Scaling"].size)
         if above is not None:
             way = np.linalg.norm(place.position, axis=1)
             off = above.off + above.place.scale * (off + way * (above.turn + above.size))
@@ -196,6 +196,8 @@ class Judge:
         place = replace(camera.place, scale=scale if not (self.nuke or self.legacy) else np.ones(len(scale)))
         self.compare("camera", index, place, self.camera_turn)
         self.judge_lens(node)
+        if self.rig:
+            self.judge_rig(node)
 
     def judge_lens(self, node: Node) -> None:
         findings, camera, clip, lens = self.findings, self.contents.camera, self.model.clip, node.lens
@@ -218,6 +220,30 @@ class Judge:
         # How many pixels the file's lens has, of its own numbers.
         self.lens = (picture[0] / 2.0 / np.tan(np.radians(found) / 2.0) if self.legacy
                      else found * INCH * lens["AspectWidth"] / (lens["FilmWidth"] * lens["FilmSqueezeRatio"]))
+
+    def judge_rig(self, node: Node) -> None:
+        """Keys of the separation are those of the project; the distance where the eyes meet follows from both."""
+        rig, findings = self.case.project["solve"]["stereo"], self.findings
+        converged = rig["mode"] == "converged"
+        findings.same("mode of the rig", node.lens["Stereo"], 1.0 if converged else 3.0)
+        separation = np.asarray(keyed(rig["separation"], self.model.frames))
+        curve = node.curves["InteraxialSeparation", 0]
+        at = rig["separation"]["frames"]
+        findings.compare("times, s", curve.times, self.times[at], 1e-9, "separation")
+        findings.compare("rig", curve.values, separation[at], SINGLE * separation[at], "separation")
+        findings.same("keys of the crossing", ("ZeroParallax", 0) in node.curves, converged)
+        if converged:
+            meeting = separation / (2.0 * np.tan(np.radians(keyed(rig["convergence"], self.model.frames)) / 2.0))
+            curve = node.curves["ZeroParallax", 0]
+            at = [int(np.argmin(abs(self.times - time))) for time in curve.times]
+            findings.same("keys of the crossing are those of the project", set(at) >= set(rig["convergence"]["frames"]),
+                          True)
+            findings.compare("times, s", curve.times, self.times[at], 1e-9, "crossing")
+            findings.compare("rig", curve.values, meeting[at], 3.0 * SINGLE * meeting[at], "crossing")
+        width = self.model.clip["width"]
+        for (name, offset), side in zip(node.eyes, ("Left", "Right")):
+            findings.same("eye", name, f"Marlo{side}Camera")
+            findings.compare("rig", offset, -rig.get(f"shift{side}", 0.0) / width, EXACT, f"shift {side}")
 
     def judge_nodes(self) -> None:
         """Nodes of one holder stand in the file in the order of the project."""
@@ -502,15 +528,20 @@ def all_cases(check: Check) -> Iterator[Case]:
     yield from solve_cases.cases(check.json("samples/castle.json"))
     yield from solve_cases.scene_cases()
     for mode in ("parallel", "converged"):
-        yield Case(f"{mode} rig", scene_shots.rig(mode), view="all")
-    for rate in (23.976, 29.97, 59.94, 25):
+        project = scene_shots.rig(mode)
+        project["solve"]["stereo"].update(shiftLeft=12, shiftRight=-7.5)
+        yield Case(f"{mode} rig", project, view="all")
+    for rate in (17, 23.976, 29.97, 59.94, 25):
         yield Case(f"at {rate}", scene_shots.project({}, frameRate=rate))
 
 
 def body(check: Check) -> None:
-    check.may_warn = ("Several objects have one name", "single floats", "between the eyes", "These models stand where")
+    check.may_warn = ("Several objects have one name", "single floats", "between the eyes", "These models stand where", ODD_RATE)
     if not shutil.which("assimp"):
         print("not read by assimp: there is no program of that name (Debian's assimp-utils has it)")
+    golden = Case("golden", check.goldens_project())
+    for key in VERIFIES:
+        check.verdict(key, "golden", judge(fbx_scene.read(check.golden(key), check.scratch), golden, key))
     for case in all_cases(check):
         prove(check, case)
     project = check.saved("at 17", scene_shots.project({}, frameRate=17))

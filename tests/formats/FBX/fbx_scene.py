@@ -39,7 +39,8 @@ class Mesh:
 @dataclass
 class Node:
     """`local` is (times, 10): translation, quaternion x y z w, scale, one row where nothing is keyed; `curves` are by
-    property and axis, those of the lens among them."""
+    property and axis, those of the lens among them; `eyes` are name and
+    FilmOffsetX of left and right."""
     name: str
     parent: Optional[int]
     kind: str
@@ -47,7 +48,7 @@ class Node:
     angles: np.ndarray
     curves: Dict[Tuple[str, int], Curve] = field(default_factory=dict)
     lens: Dict[str, float] = field(default_factory=dict)
-    eyes: Tuple[str, ...] = ()
+    eyes: Tuple[Tuple[str, float], ...] = ()
     mesh: Optional[Mesh] = None
     materials: List[str] = field(default_factory=list)
 
@@ -142,7 +143,8 @@ def _node(ufbx: Any, anim: Any, node: Any, index: Dict[int, int], curves: Dict[T
         found = {name: attribute.props.find_prop(name) for name in LENS}
         result.lens = {name: prop.value_vec4.x for name, prop in found.items() if prop is not None}
     if node.attrib_type.name == "STEREO_CAMERA":
-        result.eyes = tuple(eye.name for eye in (attribute.left, attribute.right))
+        result.eyes = tuple((eye.name, eye.props.find_prop("FilmOffsetX").value_vec4.x)
+                            for eye in (attribute.left, attribute.right))
     if node.mesh is not None:
         mesh, faces, corners = node.mesh, _taken(node.mesh.faces), _taken(node.mesh.vertex_indices)
         uvs = None
