@@ -84,7 +84,7 @@ def rig_faults(good: Scene) -> Iterator[Tuple[str, Scene]]:
             ("mode", lambda node: node.lens.__setitem__("Stereo", 2.0)),
             ("separation", lambda node: node.curves["InteraxialSeparation", 0].values.__setitem__(1, 0.3)),
             ("separation a frame late", lambda node: setattr(
-                node.curves["InteraxialSeparation", 0], "times", node.curves["InteraxialSeparation", 0].times + 1 / 24)),
+                node.curves["InteraxialSeparation", 0], "times", np.array([1, 9]) / 24.0)),
             ("crossing", lambda node: node.curves["ZeroParallax", 0].values.__setitem__(0, 6.5)),
             ("eyes exchanged", lambda node: setattr(node, "eyes", node.eyes[::-1])),
             ("shift the other way", lambda node: setattr(node, "eyes", tuple((n, -x) for n, x in node.eyes))),

@@ -1,7 +1,7 @@
 """What ufbx makes of an FBX file, in plain numbers.
 
-ufbx 0.0.5 crashes when one of its lists is walked twice or garbage is collected, so each is taken once, and a child process
-does it.
+ufbx 0.0.5 crashes when one of its lists is walked twice or garbage is collected, so each is taken once, and a child
+process does it.
 """
 
 import gc
