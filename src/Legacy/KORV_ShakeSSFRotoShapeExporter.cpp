@@ -180,9 +180,12 @@ std::array<float, 2> centreOf(std::vector<Vertex> const& vertices)
     return {(least[0] + most[0]) / 2, (least[1] + most[1]) / 2};
 }
 
+// What rounds to zero has no sign.
 Fixed number(float value)
 {
-    return {static_cast<double>(value), DECIMALS};
+    constexpr double HALF_OF_LAST_DECIMAL = 0.5e-4;
+    double const exact = static_cast<double>(value);
+    return {std::abs(exact) < HALF_OF_LAST_DECIMAL ? 0 : exact, DECIMALS};
 }
 
 void writeKey(TextBuffer& out, double time, std::vector<Vertex> const& vertices)

@@ -67,7 +67,7 @@ std::vector<ShapeRow> shapeRows()
          {HonoursLayers, NeedsContours, "", "Load the file into a RotoShape node.",
           "Four decimals; one view; a key for each frame, in all shapes from the first frame of any layer to the last; "
           "X-splines become Bezier curves, open ones are closed; no inversion and no subtraction.",
-          SHAKE_SHAPE, LeftOut::IsTold, Untracked::IsTold, HoldsFeather}},
+          SHAKE_SHAPE, LeftOut::IsTold, Untracked::IsTold, HoldsFeather | HoldsFieldLifetimes}},
         {&F::NUKE_ROTO_PAINT_WITH_MATRIX,
          &Row::make<NukeRotoPaintExporter, true>,
          {IN_VIEWS, NeedsContours, TREE, PASTE_NODE, WITH_MATRIX, KEYED_ROTO, LeftOut::IsTold, Untracked::IsTold,
