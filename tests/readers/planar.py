@@ -170,7 +170,9 @@ class PlanarLayer:
         if track == "offset":
             return through(self.tracked(frame), self.surface + self._adjusted_by(self.reference))
         quad = through(self.tracked(frame), self.surface)
-        return quad + self._adjusted_by(frame) if track == "adjusted" else quad
+        # A frame without data is the nearest tracked one, with the corrections of that.
+        held = self._tracked[_nearest(self._tracked, frame)]
+        return quad + self._adjusted_by(held) if track == "adjusted" else quad
 
     def _back(self, motion: Callable[[int], np.ndarray], frame: int, reference: int) -> np.ndarray:
         """The corners of the picture, carried from a frame back to the reference frame."""
