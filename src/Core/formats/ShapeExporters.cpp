@@ -38,7 +38,7 @@ constexpr double ROTO_POINT = 12 * 50;
 constexpr double ROTO_MATRIX = 640;
 constexpr double MASK_POINT = 300;
 // A mask's parameters count as those of its points.
-constexpr FormatBytes PREMIERE_MASK(96, 2500, 40);
+constexpr FormatBytes PREMIERE_MASK(96, 2500, 40, 16384);
 constexpr double FXS_POINT = 12 * 20;
 constexpr double FXS_MATRIX = 9 * 24 + 64;
 constexpr FormatBytes BAKED_ROTO(160, ROTO_POINT, ROTO_POINT);
