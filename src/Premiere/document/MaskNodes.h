@@ -1,12 +1,13 @@
 #pragma once
 // The filter that carries the masks.
 
+#include "Core/ExportApi.h"
 #include "Premiere/document/Params.h"
 
 namespace Export::Premiere
 {
 
-class IMask
+class MARLO_EXPORT_API IMask
 {
 public:
     virtual ~IMask();
@@ -23,7 +24,7 @@ public:
     virtual void setRange(double first, double last, double step) = 0;
 };
 
-class IMaskContainer
+class MARLO_EXPORT_API IMaskContainer
 {
 public:
     virtual ~IMaskContainer();
