@@ -128,7 +128,16 @@ private:
         {
             result.count = 1;
             result.numbers[0] = static_cast<double>(value);
-            result.ticks = static_cast<FbxLongLong>(value);
+            if constexpr (std::is_floating_point_v<T>)
+            {
+                // What no whole number can be, NaN among it, is none.
+                constexpr double MOST = 9.2e18;
+                result.ticks = value > -MOST && value < MOST ? static_cast<FbxLongLong>(value) : 0;
+            }
+            else
+            {
+                result.ticks = static_cast<FbxLongLong>(value);
+            }
         }
         else if constexpr (std::is_same_v<T, FbxTime>)
         {

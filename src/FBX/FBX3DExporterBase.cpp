@@ -188,9 +188,10 @@ void setUpPointScale(SceneContext& context)
     {
         double const distance =
             context.solve.suggestPointScale(true, context.choices.includeFeatures, context.cameraStart);
-        if (distance > 0.0)
+        double const scale = context.pointScale * context.positionFactor * distance;
+        if (distance > 0.0 && areKeyable({scale}))
         {
-            context.pointScale *= context.positionFactor * distance;
+            context.pointScale = scale;
         }
     }
 }

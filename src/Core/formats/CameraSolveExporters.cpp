@@ -48,7 +48,7 @@ constexpr FormatBytes STAGE_TEXT(280, 600, 160);
 // share of what every file has: definitions, the camera, materials.
 constexpr double POSE_KEYS = 200;
 constexpr double PYRAMID = 4000;
-constexpr double FBX_LAYER = 12000;
+constexpr double FBX_LAYER = 40000;
 constexpr FormatBytes SCENE_FBX(POSE_KEYS, PYRAMID, POSE_KEYS, FBX_LAYER);
 
 }

@@ -75,8 +75,8 @@ constexpr FormatBytes MESH_CURVES(4 * CURVE_KEY, 512, 2 * CURVE_KEY);
 constexpr FormatBytes TRACKER_LINES(4 * 60, 0, 0);
 
 // Arrays of single floats; transforms of double ones, each with a place in a table.
-constexpr FormatBytes ALEMBIC_POINTS(256, 64, 12);
-constexpr FormatBytes ALEMBIC_TRANSFORMS(64, 1024, 64);
+constexpr FormatBytes ALEMBIC_POINTS(256, 64, 12, 16384);
+constexpr FormatBytes ALEMBIC_TRANSFORMS(64, 1024, 64, 16384);
 
 }
 

@@ -139,17 +139,23 @@ void setFocalLength(SceneContext& context, FbxCamera& camera, CameraAnimData con
         keyNumbers(context, camera.FieldOfView, times, lengths);
         return;
     }
-    camera.FocalLength.Set(lengths.front());
+    auto const first = std::find_if(lengths.begin(), lengths.end(), [](double length) { return areKeyable({length}); });
+    if (first == lengths.end())
+    {
+        ++context.failedCount;
+        return;
+    }
+    camera.FocalLength.Set(*first);
     if (data.focalIsAnimated)
     {
         keyNumbers(context, camera.FocalLength, times, lengths);
     }
     // The angles follow from film and focal length; some readers look at them alone.
     Mtx_Vector2 const film = context.solve.filmBack();
-    double const horizontal = angleOfView(film.x * format.par(), lengths.front());
+    double const horizontal = angleOfView(film.x * format.par(), *first);
     camera.FieldOfView.Set(horizontal);
     camera.FieldOfViewX.Set(horizontal);
-    camera.FieldOfViewY.Set(angleOfView(film.y, lengths.front()));
+    camera.FieldOfViewY.Set(angleOfView(film.y, *first));
 }
 
 CameraAnimData buildCamera(SceneContext& context, ZN::Camera3DParameterSet const& parameters, FbxCamera& camera)
@@ -177,7 +183,8 @@ CameraAnimData buildCamera(SceneContext& context, ZN::Camera3DParameterSet const
     {
         double const film =
             context.isOldSolve ? pictureWidth(context.solve.baseClipInfo()->format()) : context.solve.filmBack().x;
-        context.pointScale = film / static_cast<double>(data.focalLengths.front()) * MARKER_SIZE;
+        double const scale = film / static_cast<double>(data.focalLengths.front()) * MARKER_SIZE;
+        context.pointScale = areKeyable({scale}) ? scale : context.pointScale;
     }
     tellCoarseKeys(context, data);
     return data;

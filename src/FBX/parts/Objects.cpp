@@ -174,7 +174,10 @@ void buildMesh(SceneContext& context, QString const& name, PointType type, FbxNo
     for (std::size_t i = 0; i < points.size(); ++i)
     {
         auto const uv = context.solve.pointUVByType(type, static_cast<unsigned int>(i));
-        uvs->GetDirectArray().Add(FbxVector2(static_cast<double>(uv.x()), static_cast<double>(uv.y())));
+        bool const isKnown = areKeyable({static_cast<double>(uv.x()), static_cast<double>(uv.y())});
+        context.failedCount += isKnown ? 0 : 1;
+        uvs->GetDirectArray().Add(isKnown ? FbxVector2(static_cast<double>(uv.x()), static_cast<double>(uv.y()))
+                                          : FbxVector2(0.0, 0.0));
     }
     mesh->ReservePolygonCount(static_cast<int>(data.faceCounts.size()));
     mesh->ReservePolygonVertexCount(static_cast<int>(data.faceIndices.size()));

@@ -79,7 +79,15 @@ template <typename ValueOf>
 void setKeyed(SceneContext& context, FbxPropertyT<FbxDouble>& property, std::initializer_list<Number const*> parameters,
               ValueOf const& valueOf)
 {
-    property.Set(valueOf(Anm::Time::fromInt(0)));
+    double const atStart = valueOf(Anm::Time::fromInt(0));
+    if (areKeyable({atStart}))
+    {
+        property.Set(atStart);
+    }
+    else
+    {
+        ++context.failedCount;
+    }
     std::vector<Anm::Time> const frames = keyTimes(context, parameters);
     std::vector<FbxTime> times;
     std::vector<double> values;

@@ -104,7 +104,9 @@ void USDSceneWriter::writeCamera()
     UsdGeomCamera const camera =
         UsdGeomCamera::Define(m_graph.stagePtr(), m_paths.take(m_cameraPath, QLatin1String(CAMERA)));
     writeFocalLength(camera.CreateFocalLengthAttr(), data);
-    double const size = m_sceneSize > 0.0 ? m_sceneSize : USUAL_SCENE_SIZE;
+    // Planes are single floats.
+    bool const hasSize = m_sceneSize > 0.0 && isWritable(static_cast<double>(toFloat(FAR_PART * m_sceneSize)));
+    double const size = hasSize ? m_sceneSize : USUAL_SCENE_SIZE;
     camera.CreateClippingRangeAttr(VtValue(GfVec2f(toFloat(NEAR_PART * size), toFloat(FAR_PART * size))));
     camera.CreateHorizontalApertureAttr(VtValue(toFloat(m_axes.apertureWidth())));
     camera.CreateVerticalApertureAttr(VtValue(toFloat(m_axes.apertureHeight())));
