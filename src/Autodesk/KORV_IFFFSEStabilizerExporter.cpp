@@ -29,6 +29,8 @@
 
 #include <QLocale>
 
+#include <cmath>
+#include <limits>
 #include <utility>
 #include <vector>
 
@@ -150,7 +152,8 @@ std::vector<Key> shiftKeys(TrackerSamples const& samples, int corner, double TXI
     for (int sample = 0; sample < samples.count(); ++sample)
     {
         double const shift = samples.at(referenceSample, corner).*axis - samples.at(sample, corner).*axis;
-        if (isWritable(shift))
+        // Slopes are differences of shifts: those of what a float can hold are finite.
+        if (isWritable(shift) && std::abs(shift) <= static_cast<double>(std::numeric_limits<float>::max()))
         {
             keys.push_back({static_cast<double>(samples.frame(sample)), shift});
         }
@@ -161,7 +164,8 @@ std::vector<Key> shiftKeys(TrackerSamples const& samples, int corner, double TXI
 /// How fast the value changes between two keys, per frame.
 double slope(Key const& from, Key const& to)
 {
-    return (to.value - from.value) / (to.frame - from.frame);
+    double const perFrame = (to.value - from.value) / (to.frame - from.frame);
+    return isWritable(perFrame) ? perFrame : 0;
 }
 
 void writeKeyframes(TextBuffer& out, std::vector<Key> const& keys)
