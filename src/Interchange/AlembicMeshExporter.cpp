@@ -14,6 +14,46 @@
 namespace Export
 {
 
+namespace
+{
+
+namespace Abc = Alembic::AbcGeom;
+
+/// The samples of a mesh behind its first one, whose faces stay. They go to the properties of the
+/// schema one by one: its own set() measures each box of a flat mesh anew, whatever it is told.
+class LaterSamples
+{
+public:
+    explicit LaterSamples(Abc::OPolyMeshSchema& mesh)
+        : m_positions(arrayOf(mesh, "P")),
+          m_faceIndices(arrayOf(mesh, ".faceIndices")),
+          m_faceCounts(arrayOf(mesh, ".faceCounts")),
+          m_box(mesh.getPtr()->getProperty(".selfBnds")->asScalarPtr())
+    {
+    }
+
+    void add(std::vector<Imath::V3f> const& positions, Imath::Box3d const& box)
+    {
+        m_positions.set(Abc::P3fArraySample(positions));
+        m_faceIndices.setFromPrevious();
+        m_faceCounts.setFromPrevious();
+        m_box.set(box);
+    }
+
+private:
+    static Alembic::AbcCoreAbstract::ArrayPropertyWriterPtr arrayOf(Abc::OPolyMeshSchema& mesh, char const* name)
+    {
+        return mesh.getPtr()->getProperty(name)->asArrayPtr();
+    }
+
+    Abc::OP3fArrayProperty m_positions;
+    Abc::OInt32ArrayProperty m_faceIndices;
+    Abc::OInt32ArrayProperty m_faceCounts;
+    Abc::OBox3dProperty m_box;
+};
+
+}
+
 AlembicMeshExporter::AlembicMeshExporter() = default;
 AlembicMeshExporter::~AlembicMeshExporter() = default;
 
@@ -25,19 +65,18 @@ qint64 AlembicMeshExporter::bytesOfVertex() const
 int AlembicMeshExporter::exportGeometry(std::string const& name, ZN::MeshTracking::ParameterSet const& mesh,
                                         AlembicContents& contents) const
 {
-    namespace Abc = Alembic::AbcGeom;
     Abc::OPolyMesh object(contents.top, contents.names.claim(QString::fromStdString(name)), contents.timeSampling);
     std::vector<int> const faceIndices = clockwise(mesh.faceCounts(), mesh.faceIndices());
     MeshPositions positions(helper(), mesh);
-    for (int row = 0; row < helper().numFrames(); ++row)
+    object.getSchema().set(Abc::OPolyMeshSchema::Sample(Abc::P3fArraySample(positions.nextFrame()),
+                                                        Abc::Int32ArraySample(faceIndices),
+                                                        Abc::Int32ArraySample(mesh.faceCounts())));
+    contents.addBounds(positions.bounds());
+    LaterSamples later(object.getSchema());
+    for (int row = 1; row < helper().numFrames(); ++row)
     {
-        Abc::OPolyMeshSchema::Sample sample{Abc::P3fArraySample(positions.nextFrame())};
-        if (row == 0)
-        {
-            sample.setFaceIndices(Abc::Int32ArraySample(faceIndices));
-            sample.setFaceCounts(Abc::Int32ArraySample(mesh.faceCounts()));
-        }
-        object.getSchema().set(sample);
+        std::vector<Imath::V3f> const& seen = positions.nextFrame();
+        later.add(seen, positions.bounds());
         contents.addBounds(positions.bounds());
     }
     return positions.failedCount();

@@ -7,7 +7,6 @@
 #include <algorithm>
 #include <cstdint>
 #include <cstring>
-#include <limits>
 
 namespace Export
 {
@@ -27,49 +26,69 @@ bool isWritable(Mtx_Vector2_f const& at)
     return Export::isWritable(static_cast<double>(at.x)) && Export::isWritable(static_cast<double>(at.y));
 }
 
-/// Whether all of the points are: by the bits of their numbers, as that takes no time.
-bool areAllWritable(std::vector<Mtx_Vector2_f> const& points)
+/// Negative when the number isn't writable: told by its bits, without a branch, so that the
+/// compiler takes several numbers at once.
+std::int32_t negativeUnlessWritable(float number)
 {
     constexpr std::int32_t MAGNITUDE = 0x7fffffff;
     constexpr std::int32_t LEAST = 0x00800000;
-    constexpr std::int32_t INFINITE = 0x7f800000;
-    std::int32_t bad = 0;
-    for (Mtx_Vector2_f const& at : points)
-    {
-        std::int32_t bits[2];
-        std::memcpy(bits, &at, sizeof bits);
-        for (std::int32_t const number : bits)
-        {
-            std::int32_t const magnitude = number & MAGNITUDE;
-            bad |= static_cast<int>(magnitude >= INFINITE) |
-                   (static_cast<int>(magnitude < LEAST) & static_cast<int>(magnitude != 0));
-        }
-    }
-    return bad == 0;
+    constexpr std::int32_t GREATEST = 0x7f7fffff;
+    std::int32_t bits = 0;
+    std::memcpy(&bits, &number, sizeof bits);
+    std::int32_t const magnitude = bits & MAGNITUDE;
+    std::int32_t const subnormal = (magnitude - LEAST) & -magnitude;
+    return (GREATEST - magnitude) | subnormal;
 }
 
-/// The box around points that are finite.
-Imath::Box2f boxOf(std::vector<Imath::V3f> const& points)
+bool areAllWritable(std::vector<Mtx_Vector2_f> const& points)
 {
-    // Two points at a time, which the compiler puts into one register.
-    float low[4];
-    float high[4];
-    std::fill_n(low, 4, std::numeric_limits<float>::max());
-    std::fill_n(high, 4, std::numeric_limits<float>::lowest());
-    std::size_t const count = points.size();
-    for (std::size_t i = 0; i < count; i += 2)
+    std::int32_t all = 0;
+    for (Mtx_Vector2_f const& at : points)
     {
-        Imath::V3f const& first = points[i];
-        Imath::V3f const& second = points[std::min(i + 1, count - 1)];
-        float const at[4] = {first.x, first.y, second.x, second.y};
-        for (int k = 0; k < 4; ++k)
+        all |= negativeUnlessWritable(at.x) | negativeUnlessWritable(at.y);
+    }
+    return all >= 0;
+}
+
+/// The box around points that are finite; empty without any.
+Imath::Box2f boxOf(std::vector<Mtx_Vector2_f> const& points)
+{
+    // Blocks of points, numbers one after another: as few, and the compiler takes them one by one.
+    constexpr std::size_t BLOCK = 16;
+    constexpr std::size_t NUMBERS = 2 * BLOCK;
+    Imath::Box2f box;
+    std::size_t const whole = points.size() - points.size() % BLOCK;
+    for (std::size_t i = whole; i < points.size(); ++i)
+    {
+        box.extendBy({points[i].x, points[i].y});
+    }
+    if (whole == 0)
+    {
+        return box;
+    }
+    float low[NUMBERS];
+    float high[NUMBERS];
+    std::memcpy(low, points.data(), sizeof low);
+    std::memcpy(high, points.data(), sizeof high);
+    for (std::size_t i = BLOCK; i < whole; i += BLOCK)
+    {
+        float at[NUMBERS];
+        std::memcpy(at, &points[i], sizeof at);
+        for (std::size_t k = 0; k < NUMBERS; ++k)
         {
             low[k] = at[k] < low[k] ? at[k] : low[k];
+        }
+        for (std::size_t k = 0; k < NUMBERS; ++k)
+        {
             high[k] = at[k] > high[k] ? at[k] : high[k];
         }
     }
-    return Imath::Box2f({std::min(low[0], low[2]), std::min(low[1], low[3])},
-                        {std::max(high[0], high[2]), std::max(high[1], high[3])});
+    for (std::size_t k = 0; k < NUMBERS; k += 2)
+    {
+        box.extendBy({low[k], low[k + 1]});
+        box.extendBy({high[k], high[k + 1]});
+    }
+    return box;
 }
 
 }
@@ -101,25 +120,16 @@ void MeshPositions::takeRow()
         at.x /= PIXELS_PER_UNIT;
         at.y /= PIXELS_PER_UNIT;
     }
-    bool const areFine = areAllWritable(m_seen);
-    for (std::size_t i = 0; areFine && i < m_seen.size(); ++i)
+    if (!areAllWritable(m_seen))
+    {
+        holdWhatIsNotWritable();
+    }
+    for (std::size_t i = 0; i < m_seen.size(); ++i)
     {
         m_row[i].x = m_seen[i].x;
         m_row[i].y = m_seen[i].y;
     }
-    for (std::size_t i = 0; !areFine && i < m_seen.size(); ++i)
-    {
-        if (isWritable(m_seen[i]))
-        {
-            m_row[i].x = m_seen[i].x;
-            m_row[i].y = m_seen[i].y;
-        }
-        else
-        {
-            hold(i);
-        }
-    }
-    m_bounds = boxOf(m_row);
+    m_bounds = boxOf(m_seen);
 }
 
 Imath::Box3d MeshPositions::bounds() const
@@ -165,14 +175,18 @@ Mtx_Vector2_f MeshPositions::position(ZN::MeshTracking::Vertex const& vertex, An
     return {at.x / PIXELS_PER_UNIT, at.y / PIXELS_PER_UNIT};
 }
 
-// The row has where the vertex was; ahead of the first frame there is only what comes.
-void MeshPositions::hold(std::size_t vertex)
+// The row has where a vertex was; ahead of the first frame there is only what comes.
+void MeshPositions::holdWhatIsNotWritable()
 {
-    ++m_failed;
-    if (m_nextRow == 0)
+    for (std::size_t i = 0; i < m_seen.size(); ++i)
     {
-        int ignored = 0;
-        m_row[vertex] = ofVertex(vertex, ignored).front();
+        if (!isWritable(m_seen[i]))
+        {
+            ++m_failed;
+            int ignored = 0;
+            Imath::V3f const held = m_nextRow == 0 ? ofVertex(i, ignored).front() : m_row[i];
+            m_seen[i] = {held.x, held.y};
+        }
     }
 }
 

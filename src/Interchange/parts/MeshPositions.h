@@ -47,7 +47,7 @@ private:
     Anm::Context contextAt(int row) const;
     Mtx_Vector2_f position(ZN::MeshTracking::Vertex const& vertex, Anm::Context const& context) const;
     void takeRow();
-    void hold(std::size_t vertex);
+    void holdWhatIsNotWritable();
 
     ZN::MeshTracking::ParameterSet const& m_mesh;
     ZN::NormalizedSpace m_picture;

@@ -78,6 +78,44 @@ TEST(AlembicMesh, StandsInUnitsOf100PixelsAtTheNumbersThatAreShown)
               Imath::V3d(static_cast<double>(2.2F), 3.0, 0.0));
 }
 
+// Wherever in a large mesh the vertices are that lie farthest out, in the first frame and later.
+TEST(AlembicMesh, BoxesReachToEveryVertex)
+{
+    int const count = 37;
+    ProjectBuilder builder(count);
+    builder.addLayer("Wall");
+    MarloHost::MeshModel mesh;
+    mesh.vertexCount = count;
+    mesh.faceCounts = {3};
+    mesh.faceIndices = {0, 1, 2};
+    mesh.tracks.emplace_back();
+    for (int frame = 0; frame < count; ++frame)
+    {
+        mesh.tracks[0].frames.push_back(frame);
+        std::vector<double> positions(2 * count, 50.0);
+        std::size_t const lowest = 2 * static_cast<std::size_t>(frame);
+        std::size_t const highest = 2 * static_cast<std::size_t>((frame + 5) % count);
+        positions[lowest] = -480;
+        positions[lowest + 1] = -270;
+        positions[highest] = 960;
+        positions[highest + 1] = 540;
+        mesh.tracks[0].positions.insert(mesh.tracks[0].positions.end(), positions.begin(), positions.end());
+    }
+    builder.layer().mesh = mesh;
+    OpenArchive const archive = archiveOf<AlembicMeshExporter>(builder);
+    Abc::IArchive opened = archive.archive();
+    Imath::Box3d const expected(Imath::V3f(-4.8F, -2.7F, 0), Imath::V3f(9.6F, 5.4F, 0));
+    for (Abc::IBox3dProperty const& boxes :
+         {Abc::GetIArchiveBounds(opened), Abc::IPolyMesh(archive.top(), "Wall").getSchema().getSelfBoundsProperty()})
+    {
+        ASSERT_EQ(boxes.getNumSamples(), static_cast<std::size_t>(count));
+        for (Abc::index_t frame = 0; frame < count; ++frame)
+        {
+            EXPECT_EQ(boxes.getValue(Abc::ISampleSelector(frame)), expected) << frame;
+        }
+    }
+}
+
 TEST(AlembicMesh, FieldsAreHalfAFrameApart)
 {
     ProjectBuilder builder = triangle();
