@@ -2,7 +2,6 @@
 
 #include "Host/ExporterHelper.h"
 #include "Host/ZN_ClipInfo.h"
-#include "Writing/Values.h"
 
 #include <algorithm>
 #include <cstdint>
@@ -21,11 +20,6 @@ QSize sizeOf(ZN_BaseClipInfo const& clip)
     return QSize(static_cast<int>(clip.width()), static_cast<int>(clip.height()));
 }
 
-bool isWritable(Mtx_Vector2_f const& at)
-{
-    return Export::isWritable(static_cast<double>(at.x)) && Export::isWritable(static_cast<double>(at.y));
-}
-
 /// Negative when the number isn't writable: told by its bits, without a branch, so that the
 /// compiler takes several numbers at once.
 std::int32_t negativeUnlessWritable(float number)
@@ -38,6 +32,11 @@ std::int32_t negativeUnlessWritable(float number)
     std::int32_t const magnitude = bits & MAGNITUDE;
     std::int32_t const subnormal = (magnitude - LEAST) & -magnitude;
     return (GREATEST - magnitude) | subnormal;
+}
+
+bool isWritable(Mtx_Vector2_f const& at)
+{
+    return (negativeUnlessWritable(at.x) | negativeUnlessWritable(at.y)) >= 0;
 }
 
 bool areAllWritable(std::vector<Mtx_Vector2_f> const& points)

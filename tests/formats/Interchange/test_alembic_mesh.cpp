@@ -148,7 +148,8 @@ TEST(AlembicMesh, AVertexThatIsNotFiniteStaysWhereItWas)
         int failed;
     };
     for (Case const& c : {Case{200, nan, 220, {2.0F, 2.0F, 2.2F}, 1}, Case{nan, inf, 220, {2.2F, 2.2F, 2.2F}, 2},
-                          Case{200, 210, -inf, {2.0F, 2.1F, 2.1F}, 1}, Case{nan, nan, nan, {0, 0, 0}, 3}})
+                          Case{200, 210, -inf, {2.0F, 2.1F, 2.1F}, 1}, Case{200, 1e-37, 220, {2.0F, 2.0F, 2.2F}, 1},
+                          Case{nan, nan, nan, {0, 0, 0}, 3}})
     {
         ProjectBuilder builder = triangle();
         std::vector<double>& positions = builder.layer().mesh->tracks[0].positions;
