@@ -91,6 +91,28 @@ ShapeExportHelper::buildHomogMap(KORV_ProjectManager const& project, KORV_Layer 
     return map;
 }
 
+QVector<ShapeExportHelper::StandIn> ShapeExportHelper::standIns(KORV_ProjectManager const& project,
+                                                                KORV_Layer const& layer, Anm::View const& view)
+{
+    KORV_Layer::Data const& data = layer.data();
+    int const index = project.views()->viewIndex(view);
+    MarloHost::TrackModel const* const track = index < 0 ? nullptr : data.tracks[static_cast<std::size_t>(index)];
+    QVector<StandIn> found;
+    if (!track || track->frames.empty())
+    {
+        return found;
+    }
+    for (int frame = data.inPoint; frame <= data.outPoint; ++frame)
+    {
+        int const tracked = track->frames[MarloHost::nearestFrameIndex(track->frames, frame)];
+        if (tracked != frame)
+        {
+            found.append({frame, tracked});
+        }
+    }
+    return found;
+}
+
 QVector<HomographyComponents>
 ShapeExportHelper::buildComponentsList(boost::shared_ptr<Contour::HomographyMap> const& map, unsigned int count)
 {

@@ -78,6 +78,18 @@ struct MARLO_HOST_API ShapeExportHelper
     static boost::shared_ptr<Contour::HomographyMap> buildHomogMap(KORV_ProjectManager const& project,
                                                                    KORV_Layer const& layer, Anm::View const& view);
 
+    /// A host frame without tracking data of its own, and the tracked one whose motion it has.
+    struct StandIn
+    {
+        int frame;
+        int tracked;
+    };
+
+    /// Such frames of a layer's range, ascending; none of a layer that has no tracking data in
+    /// the view at all.
+    static QVector<StandIn> standIns(KORV_ProjectManager const& project, KORV_Layer const& layer,
+                                     Anm::View const& view);
+
     /// The parts of the homographies of frames 0 to count - 1; what the map doesn't have
     /// stands still.
     static QVector<HomographyComponents> buildComponentsList(boost::shared_ptr<Contour::HomographyMap> const& map,

@@ -1,13 +1,12 @@
 #include "Core/operations/ShapeGaps.h"
 
+#include "Host/ExporterHelper.h"
 #include "Host/KORV_Clip.h"
 #include "Host/KORV_Layer.h"
 #include "Host/KORV_ProjectManager.h"
-#include "Writing/Frames.h"
+#include "Host/ShapeExporter.h"
 #include "Writing/Results.h"
 #include "Writing/Setup.h"
-
-#include <algorithm>
 
 namespace Export
 {
@@ -15,56 +14,24 @@ namespace Export
 namespace
 {
 
-std::vector<int> trackedFrames(KORV_ProjectManager const& project, KORV_Layer const& layer, Anm::View const& view,
-                               int last)
-{
-    std::vector<int> frames;
-    for (int frame = 0; frame <= last; ++frame)
-    {
-        if (project.sm()->isLayerTrackedAtFrame(layer, Anm::Context(Anm::Time::fromInt(frame), view)))
-        {
-            frames.push_back(frame);
-        }
-    }
-    return frames;
-}
-
-/// Of two that are as near the earlier one.
-int nearest(std::vector<int> const& frames, int frame)
-{
-    auto const after = std::lower_bound(frames.begin(), frames.end(), frame);
-    if (after == frames.begin())
-    {
-        return frames.front();
-    }
-    bool const takeAfter = after != frames.end() && *after - frame < frame - *(after - 1);
-    return takeAfter ? *after : *(after - 1);
-}
-
 QStringList gapsOf(KORV_ProjectManager const& project, KORV_Layer const& layer, Anm::View const& view)
 {
     KORV_Clip const* const clip = project.pGetParameterManager()->getClip(layer.trackingInputClipID(true, false, true));
-    Korvane::ExporterHelperBase helper(true);
-    coverWholeLayer(helper, project, layer.numericID(), view, Korvane::ExporterHelperBase::framesToExport(boost::none));
-    int const last = std::max(project.frameCount() - 1, static_cast<int>(helper.lastFrame().value()));
-    std::vector<int> const tracked = clip ? trackedFrames(project, layer, view, last) : std::vector<int>();
-    if (tracked.empty())
+    if (!clip)
     {
         return {};
     }
+    Korvane::ExporterHelperBase helper(true);
+    coverWholeLayer(helper, project, layer.numericID(), view, Korvane::ExporterHelperBase::framesToExport(boost::none));
     helper.setClip(*clip);
     auto const shown = [&helper](int frame)
     { return QString::number((frame + helper.baseClipOffset()) * static_cast<double>(helper.frameScale())); };
     QStringList gaps;
-    forEachFrame(helper,
-                 [&](int, int frame)
-                 {
-                     if (int const standIn = nearest(tracked, frame); standIn != frame)
-                     {
-                         gaps += QStringLiteral("Frame %1: no tracking data, frame %2 stands in for it")
-                                     .arg(shown(frame), shown(standIn));
-                     }
-                 });
+    for (auto const& [frame, tracked] : Korvane::ShapeExportHelper::standIns(project, layer, view))
+    {
+        gaps +=
+            QStringLiteral("Frame %1: no tracking data, frame %2 stands in for it").arg(shown(frame), shown(tracked));
+    }
     return gaps;
 }
 
